@@ -1,0 +1,1 @@
+#include "Bench/Board/Board.h"

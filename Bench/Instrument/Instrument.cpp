@@ -1,0 +1,1 @@
+#include "Bench/Instrument/Instrument.h"

@@ -1,0 +1,2 @@
+// The analyzer's fluidics, chemistry and optics as plain arithmetic.
+#pragma once

@@ -1,0 +1,91 @@
+// The text type of the system: eight bits to a character, no encoding of its own. Positions and lengths are signed; -1
+// means not found. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class StdString {
+public:
+    StdString() = default;
+    StdString(const char* text);  // null counts as empty
+    StdString(std::string text) : m_text(std::move(text)) {}
+    StdString(char character) : m_text(1, character) {}
+    StdString(const StdString&) = default;
+    StdString(StdString&&) = default;
+    virtual ~StdString() = default;
+
+    StdString& operator=(const StdString&) = default;
+    StdString& operator=(StdString&&) = default;
+    StdString& operator=(const char* text);
+    StdString& operator=(char character);
+
+    StdString& operator+=(const StdString& text);
+    StdString& operator+=(const char* text);
+    StdString& operator+=(char character);
+
+    friend StdString operator+(StdString left, const StdString& right) { return std::move(left += right); }
+    friend StdString operator+(StdString left, const char* right) { return std::move(left += right); }
+    friend StdString operator+(StdString left, char right) { return std::move(left += right); }
+    friend bool operator==(const StdString& left, const StdString& right) { return left.m_text == right.m_text; }
+    friend bool operator==(const StdString& left, const char* right) { return left.m_text == right; }
+    friend bool operator<(const StdString& left, const StdString& right) { return left.m_text < right.m_text; }
+
+    const std::string& Text() const { return m_text; }
+    const char* CString() const { return m_text.c_str(); }
+
+    void Clear() { m_text.clear(); }
+    bool IsEmpty() const { return m_text.empty(); }
+    int Length() const { return static_cast<int>(m_text.size()); }
+
+    int Find(const StdString& text, int start = 0) const;
+    int Find(const char* text, int start = 0) const { return Find(StdString(text), start); }
+    int Find(char character, int start = 0) const;
+    // The last occurrence that begins at or before start; -1 searches from the end.
+    int ReverseFind(const StdString& text, int start = -1) const;
+    int ReverseFind(const char* text, int start = -1) const { return ReverseFind(StdString(text), start); }
+    int ReverseFind(char character, int start = -1) const;
+
+    StdString Left(int count) const;   // count is held between 0 and the length
+    StdString Right(int count) const;  // likewise
+    StdString Mid(int start, int count) const;
+    StdString Mid(int start) const;
+
+    // In place.
+    void Trim(const char* set = " \t\r\n");
+    void TrimLeft(const char* set = " \t\r\n");
+    void TrimRight(const char* set = " \t\r\n");
+    void ToUpper();
+    void ToLower();
+    void Reverse();
+    int Replace(char from, char to);
+    int Replace(const char* from, const char* to);  // number of replacements; a null "to" counts as empty
+    void Remove(char character);
+    void Insert(int position, char character);
+    void Insert(int position, const StdString& text);
+    void Insert(int position, const char* text) { Insert(position, StdString(text)); }
+    void Delete(int position, int count);
+
+    int CompareNoCase(const StdString& text) const;
+
+    // printf's conversions; the result is cut to the format's length plus 1023 characters. Nothing written empties the text.
+    void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+    // Both trim and lower the text itself. An "x" anywhere makes it hexadecimal; 0 where nothing can be read.
+    std::int32_t ToInteger();
+    std::uint32_t ToUnsigned();
+    double ToDouble() const;
+    float ToFloat() const;
+    bool ToBool();  // trims and lowers; true for "true", "yes", "on" and "1"
+
+    void FromInteger(int value);
+    void FromDouble(double value, const StdString& format = StdString());  // an empty format means "%f"
+
+    // Length read; an empty path or a file that does not open leaves an empty text.
+    int ReadFile(const StdString& path);
+    // Bytes written; 0 on an empty path, or where opening or closing fails.
+    int WriteFile(const StdString& path) const;
+
+private:
+    std::string m_text;
+};

@@ -1,0 +1,57 @@
+// A point in time on CLOCK_REALTIME, or a length, with its text forms. One thread at a time; the clock and the time zone may
+// be read from any thread.
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+
+#include "Frameworks/Utilities/StdString.h"
+
+class TimeInfo {
+public:
+    static const StdString& DefaultFormat();  // "%Z %Y-%m-%d %H:%M:%S"
+
+    TimeInfo();  // now
+    explicit TimeInfo(std::uint32_t milliseconds);  // now plus that many
+    TimeInfo(const TimeInfo&) = default;
+    TimeInfo(TimeInfo&&) = default;
+    TimeInfo& operator=(const TimeInfo&) = default;
+    TimeInfo& operator=(TimeInfo&&) = default;
+    TimeInfo& operator=(const timespec& time);
+    virtual ~TimeInfo() = default;
+
+    void ResetTime();  // now; the fields keep their values where the clock can't be read
+    // Nanoseconds are not carried into seconds: a wait that is no whole number of seconds may so end early, and the
+    // controllers are tuned to that.
+    void AddMilliSeconds(std::uint32_t milliseconds);
+
+    friend bool operator>(const TimeInfo& left, const TimeInfo& right) { return right < left; }
+    friend bool operator<(const TimeInfo& left, const TimeInfo& right);
+    friend bool operator<=(const TimeInfo& left, const TimeInfo& right) { return !(right < left); }
+    friend bool operator==(const TimeInfo& left, const TimeInfo& right);
+
+    bool IsInfinite() const { return m_seconds == -1 && m_nanoSeconds == -1; }
+    void SetInfinite();  // a wait without limit
+    void Clear();
+
+    std::int32_t GetSeconds() const { return m_seconds; }
+    std::int32_t GetNanoSeconds() const { return m_nanoSeconds; }
+    timespec GetTimespec() const;
+
+    void SetFormat(const StdString& format) { m_format = format; }
+    void SetDefaultFormat() { m_format = DefaultFormat(); }
+
+    // Local time by the format; empty where it can't be told. The default format, and any that ends in "%S", is followed by
+    // "." and the first digits of the nanoseconds, which carry no leading zeros: 5 ms past the second reads .5000000. The
+    // readers of existing logs rely on that form. 0 digits: no fraction; above 9: all of the number.
+    StdString GetTimeString(unsigned digits) const;
+    StdString GetTimeString() const { return GetTimeString(9); }
+
+    // Serial day number of spreadsheets (day 0 is 1899-12-30), in UTC, to the second.
+    double GetXcelTime() const;
+
+private:
+    StdString m_format;
+    std::int32_t m_seconds = 0;
+    std::int32_t m_nanoSeconds = 0;
+};

@@ -1,0 +1,47 @@
+// Seconds and nanoseconds (0 to 999,999,999), with a sleep. One thread at a time.
+#pragma once
+
+#include <cstdint>
+
+class TimeSpec {
+public:
+    TimeSpec();  // now, with retry
+    TimeSpec(std::int32_t seconds, std::int32_t nanoSeconds) : m_seconds(seconds), m_nanoSeconds(nanoSeconds) {}
+    TimeSpec(const TimeSpec&) = default;
+    TimeSpec& operator=(const TimeSpec&) = default;
+    virtual ~TimeSpec() = default;
+
+    virtual bool GetRetry() const { return m_retry; }
+    virtual void SetRetryOn() { m_retry = true; }
+    virtual void SetTenthMilliSeconds(std::uint32_t tenths);  // of the low 16 bits
+    virtual void SetNanoSeconds(std::int32_t nanoSeconds) { m_nanoSeconds = nanoSeconds; }
+    virtual void SetSeconds(std::int32_t seconds) { m_seconds = seconds; }
+    virtual void SetRetryOff() { m_retry = false; }
+
+    std::int32_t GetSeconds() const { return m_seconds; }
+    std::int32_t GetNanoSeconds() const { return m_nanoSeconds; }
+
+    bool GetTime();  // CLOCK_REALTIME; false where it can't be read
+
+    // A nanosecond count above 999,999,999 is ignored, and so is a sum that reaches a second: no caller adds across one.
+    TimeSpec& operator+=(const TimeSpec& other);
+    TimeSpec& operator+=(std::uint32_t nanoSeconds);
+    TimeSpec& operator-=(const TimeSpec& other);
+    TimeSpec& operator-=(std::uint32_t nanoSeconds);  // borrows a second where it has to
+
+    friend bool operator<(const TimeSpec& left, const TimeSpec& right);
+    friend bool operator>(const TimeSpec& left, const TimeSpec& right) { return right < left; }
+    bool IsBelowNanoSeconds(std::int64_t nanoSeconds) const;
+    bool IsAboveNanoSeconds(std::int64_t nanoSeconds) const;
+    bool IsBelowTenthMilliSeconds(std::uint32_t tenths) const;
+    bool IsAboveTenthMilliSeconds(std::uint32_t tenths) const;
+
+    // nanosleep, again with the remainder where it was interrupted and retry is set. Only a request whose two fields both are
+    // above zero sleeps; any other gives false at once.
+    static bool Sleep(const TimeSpec* request, TimeSpec* remainder, bool retry);
+
+private:
+    bool m_retry = true;
+    std::int32_t m_seconds = 0;
+    std::int32_t m_nanoSeconds = 0;
+};

@@ -1,0 +1,25 @@
+# add_area(NAME FOLDER [lower areas]): one static library from every source below FOLDER.
+function(add_area name folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/Main\\.cpp$")
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PUBLIC project_options sanitizer_options ${ARGN})
+  else()
+    add_library(${name} INTERFACE)
+    target_link_libraries(${name} INTERFACE project_options sanitizer_options ${ARGN})
+  endif()
+endfunction()
+
+# add_area_tests(NAME FOLDER LIBRARIES...): one test program from every source in FOLDER. Name the board last among the
+# libraries, so that it stands between the program and libc.
+function(add_area_tests name folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE project_options sanitizer_options ${ARGN} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

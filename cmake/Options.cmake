@@ -1,0 +1,22 @@
+# Flags that every target of ours takes.
+find_package(Threads REQUIRED)
+
+add_library(project_options INTERFACE)
+target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_link_libraries(project_options INTERFACE Threads::Threads)
+target_compile_options(project_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wcast-align -Wnull-dereference -Wformat=2 -Wundef -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(project_options INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast)
+else()
+  target_compile_options(project_options INTERFACE -Wthread-safety)
+endif()
+
+# The board stands between the sanitizers' run-time and libc, so it is never built with one.
+add_library(sanitizer_options INTERFACE)
+if(VERNICOR_SANITIZE)
+  target_compile_options(sanitizer_options INTERFACE
+    -fsanitize=${VERNICOR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(sanitizer_options INTERFACE -fsanitize=${VERNICOR_SANITIZE})
+endif()
