@@ -1,0 +1,23 @@
+// The detector samples of one step, sent by the step controller for the logs.
+#pragma once
+
+#include <memory>
+
+#include "Frameworks/Messaging/DataMessageOf.h"
+#include "System/MeasurementEngine/StepResults.h"
+
+class MeasurementStepDataMessage : public DataMessageOf<MeasurementStepDataMessage, MEASUREMENT_STEP_DATA_MESSAGE> {
+public:
+    MeasurementStepDataMessage() = default;
+    MeasurementStepDataMessage(const MeasurementStepDataMessage&) = delete;
+    MeasurementStepDataMessage& operator=(const MeasurementStepDataMessage& other);
+    ~MeasurementStepDataMessage() override = default;
+
+    // Null until results are set; they stay the message's own.
+    const StepResults* GetStepResults() const { return m_results.get(); }
+    // Keeps a copy, and never the argument itself; null leaves the message without results.
+    void SetStepResults(const StepResults* results);
+
+private:
+    std::unique_ptr<StepResults> m_results;
+};
