@@ -1,0 +1,7 @@
+#include "Frameworks/Messaging/LogInfoMessage.h"
+
+void LogInfoMessage::SetLogInfo(const StdString& text, LogLevel level) {
+    m_logInfo.SetText(text);
+    m_logInfo.SetLogLevel(level);
+    m_logInfo.SetTime(TimeInfo());
+}

@@ -1,0 +1,15 @@
+// A line for the system log on its way to LoggingControl.
+#pragma once
+
+#include "Frameworks/Messaging/DataMessage.h"
+#include "Frameworks/Messaging/LogInfo.h"
+
+class LogInfoMessage : public CopiedDataMessage<LogInfoMessage, LOGGING_DATA_MESSAGE> {
+public:
+    const LogInfo& GetLogInfo() const { return m_logInfo; }
+    void SetLogInfo(const LogInfo& logInfo) { m_logInfo = logInfo; }
+    void SetLogInfo(const StdString& text, LogLevel level);  // with a fresh time
+
+private:
+    LogInfo m_logInfo;
+};

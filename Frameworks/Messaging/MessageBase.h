@@ -1,0 +1,57 @@
+// What every message has: source, destination, how often it was queued, and when it was made. A message belongs to whoever
+// holds the pointer; Send hands it over once and for all. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "Frameworks/Utilities/Enumerations.h"
+#include "Frameworks/Utilities/TimeInfo.h"
+
+class MessagingControl;
+class ThreadControl;
+
+class MessageBase {
+public:
+    virtual ~MessageBase() = default;
+
+    // A copy of the most derived class. It keeps time stamp, send count, source and destination, not their names.
+    virtual std::unique_ptr<MessageBase> Clone() const = 0;
+
+    bool IsCommand() const { return m_isCommand; }
+    ThreadControl* GetSource() const { return m_source; }
+    ThreadControl* GetDestination() const { return m_destination; }
+    const StdString& GetSourceName() const { return m_sourceName; }
+    const StdString& GetDestinationName() const { return m_destinationName; }
+    std::int32_t GetSendCount() const { return m_sendCount; }
+    const TimeInfo& GetTimeStamp() const { return m_timeStamp; }
+
+    void SetDestination(ThreadControl* destination);
+    void SetSource(ThreadControl* source);
+    // By the router's name table; a controller that isn't registered there leaves null. The destination has to be one of the
+    // nine; a source outside of them counts as MessagingControl.
+    void SetDestination(ControllerType destination);
+    void SetSource(ControllerType source);
+
+    // Queues the message at its destination, on the caller's thread. A message without source or destination is refused: the
+    // result is false and the message is freed.
+    static bool Send(std::unique_ptr<MessageBase> message);
+
+    // The process-wide router, or null. Any thread.
+    static bool SetMessagingControl(MessagingControl* router);
+    static MessagingControl* GetMessagingControl();
+
+protected:
+    explicit MessageBase(bool isCommand) : m_isCommand(isCommand) {}
+    MessageBase(const MessageBase& other);
+    MessageBase& operator=(const MessageBase&) = delete;
+
+private:
+    const bool m_isCommand;
+    ThreadControl* m_destination = nullptr;
+    StdString m_destinationName;
+    ThreadControl* m_source = nullptr;
+    StdString m_sourceName;
+    std::int32_t m_sendCount = 0;
+    TimeInfo m_timeStamp;
+};

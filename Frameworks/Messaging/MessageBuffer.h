@@ -1,0 +1,28 @@
+// The blocking queue of one controller: any thread posts, the controller's own thread waits and takes.
+#pragma once
+
+#include <semaphore.h>
+
+#include "Frameworks/Messaging/MessageContainer.h"
+#include "Frameworks/Utilities/StdString.h"
+
+class MessageBuffer : public MessageContainer {
+public:
+    explicit MessageBuffer(const StdString& threadName);
+    ~MessageBuffer() override;
+
+    void PostMessage(std::unique_ptr<MessageBase> message);
+
+    // The front message, or null. -1 waits without limit. Null with GetLastError 0: the semaphore was ahead of the queue,
+    // whose owner had already taken what was posted. Null with an error: nothing came within the time-out; a time-out that is
+    // no whole number of seconds may end at once, because the nanoseconds of the deadline carry into no second (EINVAL).
+    std::unique_ptr<MessageBase> WaitForMessage(std::int32_t timeOutMilliSeconds);
+
+    int GetLastError() const { return m_lastError; }
+    const StdString& GetName() const { return m_name; }
+
+private:
+    sem_t m_semaphore{};
+    StdString m_name;
+    int m_lastError = 0;
+};

@@ -1,0 +1,165 @@
+#include "Frameworks/Messaging/ThreadControl.h"
+
+#include "Frameworks/Messaging/LogInfoMessage.h"
+#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Messaging/MessagingControl.h"
+
+namespace {
+
+const CommandMessage* AsCommand(const MessageBase& message) {
+    return message.IsCommand() ? static_cast<const CommandMessage*>(&message) : nullptr;
+}
+
+bool IsLogMessage(const MessageBase& message) {
+    return !message.IsCommand() && static_cast<const DataMessage&>(message).GetDataType() == LOGGING_DATA_MESSAGE;
+}
+
+StdString KindAndName(const MessageBase& message) {
+    if (const CommandMessage* command = AsCommand(message)) {
+        const CommandType type = command->GetCommandType();
+        return "Command Message (" + (type >= 0 && type < CommandCount ? CommandNames[type] : StdString());
+    }
+    const DataMessageType type = static_cast<const DataMessage&>(message).GetDataType();
+    return "Data Message (" + (type >= 0 && type < DataMessageCount ? DataMessageNames[type] : StdString());
+}
+
+}  // namespace
+
+ThreadControl::~ThreadControl() { delete m_buffer.load(); }
+
+bool ThreadControl::Init() {
+    SetState(INITIALIZING_STATE);
+    const bool result = ThreadBase::Init();
+    Buffer();
+    return result;
+}
+
+std::int32_t ThreadControl::Run() {
+    bool keepGoing = Init();
+    while (keepGoing) {
+        const bool woken = WaitForMessage();
+        if (GetState() == RESETTING_SYSTEM_STATE) {
+            m_currentMessage.reset();
+            keepGoing = false;
+        } else if (woken) {
+            keepGoing = DrainQueue();
+        } else {
+            keepGoing = ProcessTimeOut();
+        }
+    }
+    return Exit();
+}
+
+// Everything queued is processed in one wake-up, whatever the handlers answer; the last answer counts. KILLING_SYSTEM ends the
+// draining, and the thread where it comes from the thread itself.
+bool ThreadControl::DrainQueue() {
+    bool keepGoing = true;
+    while (m_currentMessage != nullptr) {
+        const CommandMessage* command = AsCommand(*m_currentMessage);
+        if (command != nullptr && command->GetCommandType() == KILLING_SYSTEM) {
+            if (command->GetSource() == this && command->GetDestination() == this) {
+                keepGoing = false;
+            }
+            m_currentMessage.reset();
+            return keepGoing;
+        }
+        keepGoing = ProcessMessage();
+        m_currentMessage = Buffer().PopFront();
+    }
+    return keepGoing;
+}
+
+bool ThreadControl::WaitForMessage() {
+    MessageBuffer& buffer = Buffer();
+    m_currentMessage = buffer.WaitForMessage(m_timeOut);
+    return m_currentMessage != nullptr || buffer.GetLastError() == 0;
+}
+
+bool ThreadControl::ProcessMessage() {
+    if (m_currentMessage == nullptr) {
+        return false;
+    }
+    return m_currentMessage->IsCommand() ? ProcessCommandMessage(static_cast<CommandMessage*>(m_currentMessage.get()))
+                                         : ProcessDataMessage(static_cast<DataMessage*>(m_currentMessage.get()));
+}
+
+void ThreadControl::Kill() {
+    Log("Killing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    SetState(RESETTING_SYSTEM_STATE);
+    auto message = std::make_unique<CommandMessage>(KILLING_SYSTEM);
+    message->SetDestination(this);
+    message->SetSource(this);
+    MessageBase::Send(std::move(message));
+}
+
+// The queue is emptied here and freed by the destructor, so that a late sender never meets a freed one.
+std::int32_t ThreadControl::Exit() {
+    SetState(POST_EXITING_STATE);
+    while (Buffer().PopFront() != nullptr) {
+    }
+    return ThreadBase::Exit();
+}
+
+void ThreadControl::SetState(ThreadState state) {
+    ThreadBase::SetState(state);
+    Log("Changing to " + ThreadStateNames[state] + " State for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+}
+
+bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*command*/) { return false; }
+
+bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) { return false; }
+
+void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
+    // A log message that made log messages would never end.
+    if (!IsLogMessage(*message)) {
+        Log(KindAndName(*message) + ") : From - " + message->GetSourceName() + " : To - " +
+                message->GetDestinationName(),
+            DEBUG_LOG_LEVEL);
+    }
+    Buffer().PostMessage(std::move(message));
+}
+
+void ThreadControl::SendCommand(CommandType command) {
+    Log("Sending Command - " + CommandNames[command], DEBUG_LOG_LEVEL);
+    auto message = std::make_unique<CommandMessage>(command);
+    message->SetDestination(MessageBase::GetMessagingControl());
+    message->SetSource(this);
+    MessageBase::Send(std::move(message));
+}
+
+void ThreadControl::Log(const StdString& text, LogLevel level) {
+    const LogLevel effective = level == NO_LOG_LEVEL ? RUMOR_LOG_LEVEL : level;
+    MessagingControl* router = MessageBase::GetMessagingControl();
+    if (effective > MessageController::GetLogLevel() || router == nullptr) {
+        return;
+    }
+    auto message = std::make_unique<LogInfoMessage>();
+    message->SetLogInfo(text, effective);
+    message->SetDestination(router);
+    message->SetSource(this);
+    MessageBase::Send(std::move(message));
+}
+
+bool ThreadControl::RegisterForCommand(CommandType command) {
+    if (MessagingControl* router = MessageBase::GetMessagingControl()) {
+        router->RegisterCommand(this, command);
+    }
+    return false;
+}
+
+bool ThreadControl::RegisterForDataMessage(DataMessageType type) {
+    MessagingControl* router = MessageBase::GetMessagingControl();
+    return router != nullptr && router->RegisterDataMessage(this, type);
+}
+
+// Made by whoever comes first, the thread or a sender, so that the first message isn't lost.
+MessageBuffer& ThreadControl::Buffer() {
+    if (MessageBuffer* buffer = m_buffer) {
+        return *buffer;
+    }
+    const MutexLock lock(m_bufferMutex);
+    if (m_buffer == nullptr) {
+        m_buffer = new MessageBuffer(GetThreadName());
+    }
+    return *m_buffer;
+}

@@ -1,0 +1,53 @@
+// A controller: a thread with a message queue, a state and a time-out. ReceiveMessage, Kill, Log and the readers may be
+// called from any thread; all else runs on the controller's own thread. A false result of a Process operation ends the thread.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "Frameworks/Messaging/CommandMessage.h"
+#include "Frameworks/Messaging/DataMessage.h"
+#include "Frameworks/Messaging/MessageBuffer.h"
+#include "Frameworks/Threading/ThreadBase.h"
+
+class ThreadControl : public ThreadBase {
+public:
+    ThreadControl() = default;
+    ~ThreadControl() override;
+
+    std::int32_t Run() override;
+    void Kill() override;
+    std::int32_t Exit() override;
+    bool Init() override;
+    void SetState(ThreadState state) override;
+
+    virtual bool DoRegistration() = 0;
+    virtual bool ProcessMessage();
+    // False only where the wait failed, which every cause counts as a time-out.
+    virtual bool WaitForMessage();
+    virtual bool RegisterCommand(ThreadControl* thread, CommandType command);
+    virtual bool RegisterDataMessage(ThreadControl* thread, DataMessageType type);
+    virtual bool ProcessCommandMessage(CommandMessage* message) = 0;
+    virtual bool ProcessDataMessage(DataMessage* message) = 0;
+    virtual bool ProcessTimeOut() = 0;
+
+    // Milliseconds of silence in the queue after which ProcessTimeOut runs; -1: never.
+    void SetTimeOut(std::int32_t milliSeconds) { m_timeOut = milliSeconds; }
+    std::int32_t GetTimeOut() const { return m_timeOut; }
+
+    void ReceiveMessage(std::unique_ptr<MessageBase> message);
+    void SendCommand(CommandType command);  // to every controller, through the router
+    // -1 counts as the least severe level. Nothing is allocated above the process-wide level.
+    void Log(const StdString& text, LogLevel level);
+    bool RegisterForCommand(CommandType command);  // always false
+    bool RegisterForDataMessage(DataMessageType type);
+
+private:
+    MessageBuffer& Buffer();
+    bool DrainQueue();
+
+    Mutex m_bufferMutex;  // creation of the buffer only
+    std::atomic<MessageBuffer*> m_buffer{nullptr};
+    std::int32_t m_timeOut = -1;
+    std::unique_ptr<MessageBase> m_currentMessage;
+};

@@ -1,0 +1,49 @@
+// A thread of the process as an object: a subclass gives Run, its creator calls CreateThread, later joins GetThreadId and
+// deletes the object. Kill, the state and the readers may be called from any thread; Run, Init and Exit run on the thread.
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+
+#include "Frameworks/Utilities/Enumerations.h"
+
+class ThreadBase {
+public:
+    ThreadBase() = default;
+    ThreadBase(const ThreadBase&) = delete;
+    ThreadBase& operator=(const ThreadBase&) = delete;
+    virtual ~ThreadBase() = default;
+
+    virtual std::int32_t Run() = 0;
+    virtual void Kill() = 0;
+    virtual std::int32_t Exit() { return 0; }
+    virtual bool Init();
+    virtual void SetState(ThreadState state) { m_state = state; }
+
+    // Starts a thread of default attributes. False where the system refuses one, which is logged.
+    bool CreateThread();
+    void ReleaseThread();  // detaches the thread, if there is one
+
+    StdString GetThreadName() const { return m_threadName; }
+    void SetThreadName(const StdString& name) { m_threadName = name; }  // before CreateThread only
+    ThreadState GetState() const { return m_state; }
+    pthread_t GetThreadId() const { return m_threadId; }  // 0 until CreateThread has succeeded
+
+    // -1 means the policy's maximum; other values go to pthread_setschedprio as they are.
+    void SetPriority(std::int32_t priority);
+
+protected:
+    void ClearThreadId() { m_threadId = 0; }  // once the thread is joined
+
+private:
+    static void* ThreadEntry(void* thread);
+
+    std::int32_t m_maximumPriority = 0;
+    StdString m_threadName;
+    std::int32_t m_currentPriority = 0;
+    std::atomic<ThreadState> m_state{INITIALIZING_STATE};
+    std::atomic<pthread_t> m_threadId{0};
+    std::atomic<int> m_policy{0};
+};
