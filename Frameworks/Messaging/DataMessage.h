@@ -14,21 +14,9 @@ public:
     void SetSubType(std::int32_t subType) { m_subType = subType; }
 
 protected:
-    explicit DataMessage(DataMessageType type) : MessageBase(false), m_dataType(type) {}
+    DataMessage() : MessageBase(false) {}
 
 private:
     std::int32_t m_subType = REQUEST_SUB_TYPE;
-    DataMessageType m_dataType;
-};
-
-// The base of a data message whose payload is copied by its copy constructor.
-template <typename Message, DataMessageType Type>
-class CopiedDataMessage : public DataMessage {
-public:
-    std::unique_ptr<MessageBase> Clone() const override {
-        return std::make_unique<Message>(static_cast<const Message&>(*this));
-    }
-
-protected:
-    CopiedDataMessage() : DataMessage(Type) {}
+    DataMessageType m_dataType = NO_DATA_MESSAGE;
 };

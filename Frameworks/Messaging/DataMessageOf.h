@@ -10,8 +10,8 @@ class DataMessageOf : public DataMessage {
 public:
     DataMessageOf() { SetDataType(Type); }
 
-    MessageBase* Clone() const override {
-        auto* copy = new Message();
+    std::unique_ptr<MessageBase> Clone() const override {
+        auto copy = std::make_unique<Message>();
         *copy = static_cast<const Message&>(*this);
         return copy;
     }

@@ -1,10 +1,10 @@
 // A line for the system log on its way to LoggingControl.
 #pragma once
 
-#include "Frameworks/Messaging/DataMessage.h"
+#include "Frameworks/Messaging/DataMessageOf.h"
 #include "Frameworks/Messaging/LogInfo.h"
 
-class LogInfoMessage : public CopiedDataMessage<LogInfoMessage, LOGGING_DATA_MESSAGE> {
+class LogInfoMessage : public DataMessageOf<LogInfoMessage, LOGGING_DATA_MESSAGE> {
 public:
     const LogInfo& GetLogInfo() const { return m_logInfo; }
     void SetLogInfo(const LogInfo& logInfo) { m_logInfo = logInfo; }

@@ -18,6 +18,15 @@ MessageBase::MessageBase(const MessageBase& other)
       m_sendCount(other.m_sendCount),
       m_timeStamp(other.m_timeStamp) {}
 
+MessageBase& MessageBase::operator=(const MessageBase& other) {
+    m_isCommand = other.m_isCommand;
+    m_destination = other.m_destination;
+    m_source = other.m_source;
+    m_sendCount = other.m_sendCount;
+    m_timeStamp = other.m_timeStamp;
+    return *this;
+}
+
 void MessageBase::SetDestination(ThreadControl* destination) {
     m_destination = destination;
     if (destination != nullptr) {

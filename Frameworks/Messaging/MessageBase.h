@@ -44,10 +44,10 @@ public:
 protected:
     explicit MessageBase(bool isCommand) : m_isCommand(isCommand) {}
     MessageBase(const MessageBase& other);
-    MessageBase& operator=(const MessageBase&) = delete;
+    MessageBase& operator=(const MessageBase& other);
 
 private:
-    const bool m_isCommand;
+    bool m_isCommand;
     ThreadControl* m_destination = nullptr;
     StdString m_destinationName;
     ThreadControl* m_source = nullptr;
