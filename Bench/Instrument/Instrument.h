@@ -1,2 +1,115 @@
-// The analyzer's fluidics, chemistry and optics as plain arithmetic.
+// The analyzer's fluidics, chemistry and optics as plain arithmetic: no system call, no allocation, no clock of its
+// own. Whoever owns the state says how much time has passed under which inputs (Advance) and then asks what could be
+// seen. All records are trivially copyable, so that they can lie in a memory that several processes map; nothing here
+// locks.
 #pragma once
+
+#include <cstdint>
+
+namespace Bench {
+
+constexpr int MotorStepsPerTurn = 1600;
+
+// The wear of light, chemistry and the board, and every fault of the instrument itself. May change at any time, but
+// between two calls of Advance: what has passed is to be integrated first.
+struct InstrumentSettings {
+    // The water.
+    double chlorine = 0.60;     // mg/l in the water on the sample line
+    double cellConstant = 2.4;  // mg/l for one unit of absorbance at full development; the product's own factor
+    double background = 0.010;  // absorbance of the unreacted water
+    double flushSeconds = 4.0;  // time constant of the exchange while the sample flows
+    bool sampleFlows = true;    // false: the valve opens on a dry line
+
+    // Reagent and colour.
+    double reagentPerTurn = 120.0;   // microlitres for one revolution of the pump
+    double reagentLine = 60.0;       // microlitres between bottle and cell
+    double reagentCapacity = 0.05;   // mg/l of chlorine that one microlitre of reagent in the cell can colour
+    double stirredMixSeconds = 1.2;  // time constant of mixing with the stir bar turning
+    double unstirredMixSeconds = 240.0;
+    double developSeconds = 4.0;  // time constant of the colour
+    bool reagentEmpty = false;    // the bottle is dry: the pump draws air
+
+    // Bubbles, as absorbance of the light that they scatter away.
+    double bubblesOfFlow = 0.030;       // that flowing sample keeps in the cell
+    double bubblesOfReagent = 0.00008;  // for each microlitre of reagent injected
+    double stirredClearSeconds = 2.5;   // time constant of their rising, with the stir bar turning
+    double unstirredClearSeconds = 4.0;
+    double stuckBubbles = 0.0;  // absorbance of bubbles that nothing clears; they flicker
+
+    // Light and detector.
+    double lightAtFullDuty = 7.0e6;  // counts at 100 percent duty, cold, through a clear cell
+    double ledDroop = 0.02;          // fraction of the light lost by a fully warmed LED at 100 percent duty
+    double ledWarmSeconds = 3.0;     // time constant of its warming
+    double ledDriftPerHour = 0.0;    // fraction of the light gained (below 0: lost) for each hour of simulated time
+    bool ledDead = false;
+    double darkCount = 1500.0;
+    double readNoise = 60.0;         // counts, standard deviation, in each reading
+    double lightNoise = 0.0001;      // fraction of the light, standard deviation, in each reading
+    bool detectorSaturated = false;  // the converter answers full scale whatever the light
+
+    // Pump and its home flag.
+    double flagLowDegrees = 45.0;  // the last part of a turn, on which the flag is low; it rises at 0 degrees
+    bool motorStalled = false;     // the steps come and the pump does not turn
+    bool flagStuckHigh = false;
+    bool flagStuckLow = false;
+
+    // Board voltages at the multiplexer, volts, without load.
+    double rail33 = 3.30;       // channel 9
+    double rail18 = 1.80;       // channel 10
+    double railCore10 = 1.00;   // channel 11
+    double rail10 = 1.00;       // channel 12
+    double supplyIdle = 0.42;   // channel 7, everything at rest
+    double supplyPump = 0.95;   // what the turning pump adds to channel 7
+    double supplyStir = 0.14;   // the stir motor
+    double supplyAudio = 0.06;  // the audio amplifier while it plays
+    double supplyValve = 0.05;  // the sample valve at full power
+
+    bool noise = true;  // false: every reading is exact
+    std::uint32_t seed = 1;
+};
+
+// What the board's lines and channels say at one moment.
+struct InstrumentInputs {
+    double ledDuty = 0.0;            // 0 to 1; 0 while the channel is disabled
+    double pumpStepFrequency = 0.0;  // Hz; 0 with chip disabled, current limit 0 or channel off; below 0 in reverse
+    double stirStepFrequency = 0.0;  // Hz; 0 with chip disabled or channel off
+    double valvePower = 0.0;         // 0 to 1
+    bool audioPlaying = false;
+};
+
+// What the instrument remembers. A new one is in service: clear old water in the cell, the reagent line full.
+struct InstrumentState {
+    double seconds = 0.0;          // simulated time since the start
+    double pumpAngle = 200.0;      // degrees, 0 up to but not including 360; the home flag rises at 0
+    double pumpTravel = 0.0;       // degrees turned forward since the start
+    double cellChlorine = 0.0;     // mg/l, of the water in the cell
+    double reagentUnmixed = 0.0;   // microlitres in the cell that the water has not met yet
+    double reagentMixed = 0.0;     // microlitres in the cell
+    double reagentStrength = 1.0;  // share of reagent (the rest is air) where the line meets the cell
+    double colour = 0.0;           // mg/l of chlorine whose colour has developed
+    double bubbles = 0.0;          // absorbance
+    double ledWarmth = 0.0;        // 0 to 1, follows the duty
+    std::uint64_t readings = 0;    // of the noise taken so far
+};
+
+// Lets `seconds` pass under unchanged inputs and settings. Right for steps of any length; 0 or less does nothing.
+void Advance(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs,
+             double seconds);
+
+// The level of the home flag.
+bool FlagHigh(const InstrumentState& state, const InstrumentSettings& settings);
+
+// Seconds until that level changes at the present speed; infinity if it will not.
+double SecondsUntilFlagChange(const InstrumentState& state, const InstrumentSettings& settings,
+                              const InstrumentInputs& inputs);
+
+// Decadic absorbance of what stands in the light path, without flicker.
+double CellAbsorbance(const InstrumentState& state, const InstrumentSettings& settings);
+
+// One conversion of the detector, channel 0: -2^24 to 2^24 - 1 counts. Takes the next noise.
+std::int32_t ReadDetector(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs);
+
+// Volts at the multiplexer's channels 7 (supply measure) and 9 to 12 (rails), as the load has them; 0 for any other.
+double MultiplexerVoltage(const InstrumentSettings& settings, const InstrumentInputs& inputs, int channel);
+
+}  // namespace Bench
