@@ -1,5 +1,5 @@
-// The root of every class that talks to an XML document: settings read themselves from one, records write themselves into
-// one. The document is borrowed and may be null. One thread at a time.
+// The root of every class that talks to an XML document: settings read themselves from one, records write themselves
+// into one. The document is borrowed and may be null. One thread at a time.
 #pragma once
 
 class XmlDocument;

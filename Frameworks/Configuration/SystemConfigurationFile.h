@@ -1,0 +1,58 @@
+// The analyzer's settings file: it owns the document and one object a section. It is read on one thread before the
+// controllers exist; after that any thread may ask.
+#pragma once
+
+#include <memory>
+
+#include "Frameworks/Configuration/ConfigurationSections.h"
+#include "Frameworks/Configuration/MeasurementEngineConfigInfo.h"
+#include "Frameworks/Xml/XMLData.h"
+
+class SystemConfigurationFile : public XMLData {
+public:
+    SystemConfigurationFile();
+    SystemConfigurationFile(const SystemConfigurationFile&) = delete;
+    SystemConfigurationFile& operator=(const SystemConfigurationFile&) = delete;
+    ~SystemConfigurationFile() override;
+
+    // False, without a report, where the file can't be read or is not well formed; what was loaded before then stays.
+    bool Load(const StdString& path);
+
+    // Builds the sections. A section that can't be read is reported and left null, and the others are read all the
+    // same; false only without a document or without ROOT_ANALYZER.
+    bool GetXML();
+
+    void Cleanup();  // sections and document
+
+    // Null where the section could not be read.
+    GlobalConfigInfo* GetGlobalConfigInfo() const { return m_general.get(); }
+    LoggingConfigInfo* GetLoggingConfigInfo() const { return m_logging.get(); }
+    MeasurementEngineConfigInfo* GetMeasurementEngineConfigInfo() const { return m_measurement.get(); }
+    RemoteIndicatorControlConfigInfo* GetRemoteIndicatorControlConfigInfo() const { return m_remoteIndicator.get(); }
+    SystemControlConfigInfo* GetSystemControlConfigInfo() const { return m_systemControl.get(); }
+    SystemMonitoringConfigInfo* GetSystemMonitoringConfigInfo() const { return m_systemMonitor.get(); }
+    TestInterfaceConfigInfo* GetTestInterfaceConfigInfo() const { return m_testInterface.get(); }
+
+    // For the readers that can't go on without: a missing section ends the process with a line that names it.
+    GlobalConfigInfo& RequireGlobalConfigInfo() const;
+    TestInterfaceConfigInfo& RequireTestInterfaceConfigInfo() const;
+
+private:
+    template <class Section>
+    void ReadSection(std::unique_ptr<Section>& section, const char* elementName, const char* className);
+    [[noreturn]] void EndForMissingSection(const char* elementName) const;
+
+    StdString m_path;
+    std::unique_ptr<XmlDocument> m_ownedDocument;
+    std::unique_ptr<DeviceMonitorConfigInfo> m_deviceMonitor;
+    std::unique_ptr<GlobalConfigInfo> m_general;
+    std::unique_ptr<LoggingConfigInfo> m_logging;
+    std::unique_ptr<MeasurementEngineConfigInfo> m_measurement;
+    std::unique_ptr<MessagingEngineConfigInfo> m_messaging;
+    std::unique_ptr<RemoteIndicatorControlConfigInfo> m_remoteIndicator;
+    std::unique_ptr<SystemControlConfigInfo> m_systemControl;
+    std::unique_ptr<SystemMonitoringConfigInfo> m_systemMonitor;
+    std::unique_ptr<TestInterfaceConfigInfo> m_testInterface;
+    std::unique_ptr<WebDataInterfaceConfigInfo> m_web;
+    std::unique_ptr<ConfigurationBase> m_reserved[2];  // room for sections to come
+};

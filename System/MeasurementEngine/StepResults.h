@@ -1,0 +1,22 @@
+// What the detector read during one step, with the step that it was. One thread at a time.
+#pragma once
+
+#include "Frameworks/Xml/XMLData.h"
+#include "System/MeasurementEngine/DetectorInformation.h"
+#include "System/MeasurementEngine/StepParameters.h"
+
+class StepResults : public XMLData {
+public:
+    StepResults() = default;
+    StepResults(DetectorSamples samples, const StepParameters& step) : m_samples(std::move(samples)), m_step(step) {}
+
+    const DetectorSamples& GetSamples() const { return m_samples; }
+    const StepParameters& GetStep() const { return m_step; }
+
+    void SetSamples(DetectorSamples samples) { m_samples = std::move(samples); }
+    void SetStep(const StepParameters& step) { m_step = step; }
+
+private:
+    DetectorSamples m_samples;
+    StepParameters m_step;
+};
