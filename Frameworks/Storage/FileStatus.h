@@ -1,0 +1,32 @@
+// What lies at a path. An empty path or a failed look answers no to every question. One thread at a time.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+
+#include "Frameworks/Utilities/StdString.h"
+
+class FileStatus {
+public:
+    bool IsBlockDevice(const StdString& path) { return IsType(path, S_IFBLK); }
+    bool IsCharacterDevice(const StdString& path) { return IsType(path, S_IFCHR); }
+    bool IsDirectory(const StdString& path) { return IsType(path, S_IFDIR); }
+    bool IsFifo(const StdString& path) { return IsType(path, S_IFIFO); }
+    bool IsRegularFile(const StdString& path) { return IsType(path, S_IFREG); }
+    bool IsSocket(const StdString& path) { return IsType(path, S_IFSOCK); }
+    bool IsSymbolicLink(const StdString& path);  // the link itself, and not what it leads to
+
+    // Bytes; 0 for an empty path, and the size last seen where the look failed.
+    std::int64_t GetSize(const StdString& path);
+
+    // By descriptor; the result is kept in status.
+    static bool GetStatus(int descriptor, struct stat64& status);
+
+private:
+    bool Look(const StdString& path);
+    bool IsType(const StdString& path, mode_t type);
+
+    StdString m_path;
+    struct stat64 m_status = {};
+};

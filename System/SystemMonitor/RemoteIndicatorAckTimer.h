@@ -1,0 +1,16 @@
+// Limits the wait for the remote indicator's acknowledgement: at its end the system monitor gets an
+// AckTimerExpiredMessage. The system monitor's thread sets, starts and kills it.
+#pragma once
+
+#include "Frameworks/Threading/BaseTimer.h"
+
+class RemoteIndicatorAckTimer final : public BaseTimer {
+public:
+    RemoteIndicatorAckTimer();
+    RemoteIndicatorAckTimer(const RemoteIndicatorAckTimer&) = delete;
+    RemoteIndicatorAckTimer& operator=(const RemoteIndicatorAckTimer&) = delete;
+    ~RemoteIndicatorAckTimer() override { EndRuns(); }
+
+private:
+    bool TimerExpired() override;
+};
