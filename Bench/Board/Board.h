@@ -1,2 +1,234 @@
-// The virtual board as a test, a console or a panel sees it.
+// The virtual board as a test, a console or a panel sees it. The board's state lies in one mapped file of a bench folder;
+// every object of this class, in whichever process, sees and changes the same board, and every operation may be called
+// from any thread. The program on the bench meets the board through libboard.so, which stands between it and libc:
+// preloaded with VERNICOR_BENCH naming the folder, or linked and attached by AttachThisProcess.
+//
+// Times are simulated unless stated. Texts of faults and calls are those that the console shows.
 #pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Bench/Instrument/Instrument.h"
+
+namespace Bench {
+
+struct BoardState;  // what lies in the mapped file
+
+constexpr int Banks = 4;
+constexpr int PinsPerBank = 32;
+constexpr int PwmChannels = 4;
+constexpr int IioInputs = 12;
+constexpr int MultiplexerChannels = 16;
+
+enum class Edge { None, Rising, Falling, Both };
+
+struct PinView {
+    bool claimed = false;  // exported through the pin files
+    bool output = false;
+    bool latch = false;       // what the program last asked for, by file or by register
+    bool level = false;       // what stands on the line
+    std::optional<bool> driven;  // from outside; nothing on an output
+    Edge edge = Edge::None;
+};
+
+struct PwmView {
+    bool exported = false;
+    bool enabled = false;
+    std::uint64_t period = 0;  // nanoseconds
+    std::uint64_t duty = 0;    // nanoseconds
+};
+
+// What the bus does with one read or write of the program, in place of the converter's own answer.
+struct SpiAnswer {
+    enum class Kind { Words, Echo, Short, Fail };
+    Kind kind = Kind::Words;
+    std::uint32_t words = 0;  // Words: first word in the high half
+    std::size_t bytes = 0;    // Short: that many are moved
+    int error = 0;            // Fail: errno
+
+    static SpiAnswer Words(std::uint16_t first, std::uint16_t second);
+    static SpiAnswer Raw(std::uint32_t words);  // both words at once
+    static SpiAnswer Count(std::int32_t count);  // the words of a good reading, -2^24 to 2^24 - 1
+    static SpiAnswer Echo();                    // the last word written, then 0
+    static SpiAnswer Short(std::size_t bytes);
+    static SpiAnswer Fail(int error);
+};
+
+enum class EndOfConversion { Normal, StuckHigh, StuckLow };
+
+struct CardView {
+    bool inserted = true;
+    bool mounted = false;
+    std::string mountPoint;  // as the program named it; empty when not mounted
+    bool full = false;
+    bool writeProtected = false;
+    int slowMilliseconds = 0;  // for each write and each sync
+    std::uint64_t totalBlocks = 0;
+    std::uint64_t freeBlocks = 0;
+    std::uint32_t blockSize = 4096;
+};
+
+struct TraceEntry {
+    double seconds = 0.0;  // since the start of the run
+    std::string text;
+};
+
+// One line that the program gave to the system log, with all as given.
+struct LogLine {
+    std::string ident;
+    int options = 0;
+    int facility = 0;
+    int priority = 0;
+    std::string format;
+    std::string text;
+};
+
+struct FaultInfo {
+    std::string name;         // "card-slow"
+    std::string value;        // what stands behind "=": "MS"; empty where none is taken
+    std::string description;  // one line
+};
+
+struct ActiveFault {
+    std::string text;  // as it was set
+    bool active = false;  // false: waits for its second
+};
+
+// How a run begins.
+struct BoardSetup {
+    double speed = 1.0;                     // simulated seconds for one real second, 0.1 to 1000
+    std::int64_t startSeconds = 1356955199;  // Unix time; 2012-12-31 11:59:59 UTC
+    bool noise = true;
+    std::uint32_t seed = 1;
+};
+
+class Board {
+public:
+    // Makes the folder where needed, and a fresh board in it. Null with a reason in `error` where that fails.
+    static std::unique_ptr<Board> Create(const std::string& folder, const BoardSetup& setup, std::string& error);
+    // The board that lies in the folder.
+    static std::unique_ptr<Board> Open(const std::string& folder, std::string& error);
+    ~Board();
+    Board(const Board&) = delete;
+    Board& operator=(const Board&) = delete;
+
+    const std::string& Folder() const { return m_folder; }
+    // A fresh run: everything at its power-on state, faults cleared, trace and log empty. Files on the card, in
+    // usr/share/vorn and in var/log/vorn stay.
+    void Reset(const BoardSetup& setup);
+
+    // Clock.
+    double Speed() const;
+    void SetSpeed(double speed);  // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
+    double Seconds() const;       // since the start of the run; no jump shows here
+    std::int64_t WallNanoSeconds() const;  // CLOCK_REALTIME as the program sees it
+    void JumpClock(double seconds);        // below 0 sets the wall clock back
+
+    // Pins, by bank 0 to 3 and pin 0 to 31.
+    PinView Pin(int bank, int pin) const;
+    void DrivePin(int bank, int pin, bool level);
+    void ReleasePin(int bank, int pin);  // the board's own level again
+    std::uint32_t OutputStatus(int bank) const;  // register of output latches
+    std::uint32_t DataStatus(int bank) const;    // register of levels
+
+    PwmView Pwm(int channel) const;
+
+    // The 24-bit converter and its bus.
+    std::uint16_t LastCommand() const;           // last command word
+    std::size_t CommandCount() const;            // words written so far in the run
+    void ScriptSpiRead(const std::vector<SpiAnswer>& answers);   // one for each coming read; then the model again
+    void ScriptSpiWrite(const std::vector<SpiAnswer>& answers);  // Short and Fail; Words lets the write through
+    void SetConverterChannel(int channel, std::int32_t count);   // 1 to 199, and 200 for its temperature
+    void SetEndOfConversion(EndOfConversion behaviour);
+    void SetConversionTime(int milliseconds);  // 160
+
+    // The on-chip converter: raw counts by multiplexer channel 0 to 15 (its input 6), or by input.
+    void SetMultiplexerRaw(int channel, int raw);
+    void SetMultiplexerVolts(int channel, double volts);
+    void ReleaseMultiplexer(int channel);  // the instrument's own voltage again
+    int SelectedMultiplexer() const;
+    void SetIioRaw(int input, int raw);
+    void SetIioScale(const std::string& text);  // content of in_voltage_scale
+
+    // The card. Its files lie in Folder() + "/card".
+    CardView Card() const;
+    void InsertCard();
+    void PullCard();
+    void SetCardFull(bool full);
+    void SetCardWriteProtected(bool writeProtected);
+    void SetCardSlow(int milliseconds);
+    void SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize);
+
+    // The instrument, brought up to now.
+    InstrumentState Instrument() const;
+    InstrumentSettings Settings() const;  // with what the active faults make of them
+    InstrumentInputs Inputs() const;
+    void SetInstrument(const InstrumentState& state);
+    void SetSettings(const InstrumentSettings& settings);
+    void SetAudioPlaying(bool playing);
+
+    // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;
+    // "mem 0xfffff430=0x00000001"; "ioctl PATH 0x40016b01=0"; "spi write a080"; "spi read 1234 5678";
+    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET". The ring keeps the last 8192.
+    std::vector<std::string> Trace() const;
+    std::vector<TraceEntry> TraceWithTimes() const;
+    std::uint64_t TraceCount() const;  // all of the run, the forgotten ones too
+    void ClearTrace();
+
+    // System log.
+    std::vector<LogLine> Log() const;
+    void ClearLog();
+
+    // Faults, as NAME, NAME=VALUE or either with @SECONDS of the run. False with a reason in `error` where refused.
+    static const std::vector<FaultInfo>& KnownFaults();
+    bool SetFault(const std::string& text, std::string& error);
+    bool ClearFault(const std::string& name, std::string& error);
+    std::vector<ActiveFault> Faults() const;
+
+    // Lets the Nth coming call of that kind (1: the next) on one of the board's files fail with `error`. Kinds: see
+    // CallKinds. False for an unknown kind.
+    static const std::vector<std::string>& CallKinds();
+    bool FailCall(const std::string& kind, int n, int error);
+    std::uint64_t CallCount(const std::string& kind) const;  // calls on the board's files so far in the run
+
+    // Waits until the condition holds; it is looked at whenever the board changes. False after that many real seconds:
+    // a guard against hanging, never a measure.
+    bool WaitUntil(const std::function<bool()>& condition, double realSeconds = 60.0) const;
+    bool WaitForTrace(const std::string& text, double realSeconds = 60.0) const;
+
+    BoardState& State() const { return *m_state; }
+
+private:
+    Board(std::string folder, BoardState* state);
+
+    std::string m_folder;
+    BoardState* m_state;
+};
+
+// Puts the hooks of this very process on the board, or off it. No other thread may run in a hook at that moment, and no
+// file of the former board may be open.
+void AttachThisProcess(const Board& board);
+void DetachThisProcess();
+
+// A fresh board in a fresh temporary folder, with this process attached; all is removed at the end.
+class TemporaryBoard {
+public:
+    explicit TemporaryBoard(const BoardSetup& setup = {});
+    ~TemporaryBoard();
+    TemporaryBoard(const TemporaryBoard&) = delete;
+    TemporaryBoard& operator=(const TemporaryBoard&) = delete;
+
+    Board& Get() const { return *m_board; }
+
+private:
+    std::string m_folder;
+    std::unique_ptr<Board> m_board;
+};
+
+}  // namespace Bench
