@@ -1,0 +1,45 @@
+// Sixteen analogue test points behind two eight-way multiplexers on one converter input. Make one on the stack for a
+// test and let it go: the lines are claimed from Init to destruction. Failures are logged. One thread at a time.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <list>
+#include <memory>
+
+#include "Drivers/GpioPin.h"
+#include "Drivers/PinAddress.h"
+
+// Line A, line B, line C, enable.
+using DemultiplexerLines = std::array<PinAddress, 4>;
+
+// As this board wires them.
+inline constexpr DemultiplexerLines BoardDemultiplexerLines{{{2, 27}, {2, 28}, {2, 31}, {3, 10}}};
+
+class Demultiplexer {
+public:
+    Demultiplexer();
+    Demultiplexer(const Demultiplexer&) = delete;
+    Demultiplexer& operator=(const Demultiplexer&) = delete;
+    virtual ~Demultiplexer();
+
+    bool Init(const DemultiplexerLines& lines);
+
+    // 0 to 15. A channel above is logged and selects the point of channel 8.
+    bool SelectChannel(std::uint32_t channel);
+    // Volts, read at once: the point needs no time to settle.
+    bool ReadVoltage(std::uint32_t channel, float& voltage);
+    // Channels 0 to 15 in this order; the first failure ends the walk and keeps the voltages read so far.
+    bool ReadAllVoltages(std::list<float>& voltages);
+
+private:
+    bool ConfigureLines();
+
+    bool m_initialized = false;
+    std::list<std::uint32_t> m_channels;
+    std::list<std::uint32_t>::const_iterator m_position;
+    std::unique_ptr<GpioPin> m_lineA;
+    std::unique_ptr<GpioPin> m_lineB;
+    std::unique_ptr<GpioPin> m_lineC;
+    std::unique_ptr<GpioPin> m_lineEnable;
+};

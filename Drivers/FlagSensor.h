@@ -1,0 +1,22 @@
+// The home flag of the reagent pump: high on a part of the turn. Claims its line from construction to destruction. One
+// thread at a time.
+#pragma once
+
+#include <cstdint>
+
+#include "Drivers/GpioPin.h"
+
+class FlagSensor {
+public:
+    FlagSensor();
+
+    bool IsHigh() const;
+    bool IsLow() const;
+
+    // Until the next edge; true if the flag is then high, or low. Milliseconds, held within 1000 to 60000.
+    bool WaitForHigh(std::uint32_t milliseconds) const;
+    bool WaitForLow(std::uint32_t milliseconds) const;
+
+private:
+    GpioPin m_pin;
+};

@@ -1,0 +1,69 @@
+// One digital line, claimed from the kernel by construction and released by destruction. Claiming is exclusive, within
+// this process too. Each operation opens, uses and closes its file; nothing stays open. Failure texts go to the error
+// stream. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+enum GpioMode : std::int32_t {
+    INPUT_GPIO_MODE = 0,
+    OUTPUT_GPIO_MODE = 1,
+    EDGE_GPIO_MODE = 2,  // input with edge detection
+};
+
+enum GpioEdge : std::int32_t {
+    NO_GPIO_EDGE = 0,
+    RISING_GPIO_EDGE = 1,
+    FALLING_GPIO_EDGE = 2,
+    BOTH_GPIO_EDGE = 3,
+};
+
+enum GpioLevel : std::int32_t {
+    LOW_GPIO_LEVEL = 0,
+    HIGH_GPIO_LEVEL = 1,
+    TIME_OUT_GPIO_LEVEL = 2,
+    ERROR_GPIO_LEVEL = 3,
+};
+
+class GpioPin {
+public:
+    // An input without edge detection. Bank 0 to 3, pin 0 to 31.
+    GpioPin(std::uint32_t bank, std::uint32_t pin);
+    GpioPin(std::uint32_t bank, std::uint32_t pin, GpioMode mode, GpioEdge edge);
+    GpioPin(const GpioPin&) = delete;
+    GpioPin& operator=(const GpioPin&) = delete;
+    ~GpioPin();
+
+    // Whether the last construction or release step succeeded.
+    bool IsValid() const { return m_valid; }
+    GpioMode GetMode() const { return m_mode; }
+    GpioEdge GetEdge() const { return m_edge; }
+
+    bool Export();
+    bool Unexport();
+
+    bool SetDirection(GpioMode mode);
+    bool SetEdge(GpioEdge edge);
+    // The edge counts in EDGE_GPIO_MODE only; the other modes detect none.
+    bool SetModeAndEdge(GpioMode mode, GpioEdge edge);
+
+    // Low also where the value cannot be read; an error only for a line that is not claimed.
+    GpioLevel Read() const;
+    // 1 is high, anything else low. False, without a text, unless the line is an output.
+    bool Write(std::int32_t level);
+    // The level after the next edge. Milliseconds; -1 waits for ever. A plain read unless in EDGE_GPIO_MODE.
+    GpioLevel WaitForEdge(std::int32_t milliseconds) const;
+
+private:
+    void Claim(GpioMode mode, GpioEdge edge);
+    std::string Directory() const;
+    std::string ExportNumber() const;
+    bool IsLocked() const;
+
+    std::uint32_t m_pin;
+    std::uint32_t m_bank;
+    GpioMode m_mode = INPUT_GPIO_MODE;
+    GpioEdge m_edge = NO_GPIO_EDGE;
+    bool m_valid = false;
+};
