@@ -1,0 +1,119 @@
+// A controller that writes down what reaches it, for tests that look at queues and routing from the outside.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Frameworks/Messaging/LogInfoMessage.h"
+#include "Frameworks/Messaging/MessagingControl.h"
+#include "Frameworks/Messaging/ThreadControl.h"
+
+inline constexpr std::chrono::seconds HangDeadline{60};
+
+class RecordingController : public ThreadControl {
+public:
+    explicit RecordingController(const char* name, DataMessageType type = NO_DATA_MESSAGE, std::int32_t timeOut = -1)
+        : m_type(type) {
+        SetThreadName(name);
+        SetTimeOut(timeOut);
+    }
+
+    ~RecordingController() override {
+        if (GetThreadId() != 0) {
+            Kill();
+            pthread_join(GetThreadId(), nullptr);
+        }
+    }
+
+    bool DoRegistration() override { return m_type == NO_DATA_MESSAGE || RegisterForDataMessage(m_type); }
+
+    bool Init() override {
+        const bool result = ThreadControl::Init() && DoRegistration();
+        Note("init");
+        return result;
+    }
+
+    bool ProcessCommandMessage(CommandMessage* message) override {
+        const CommandType command = message->GetCommandType();
+        if (onCommand) {
+            onCommand(*message);
+        }
+        Note(CommandNames[command].Text());
+        return commandResult;
+    }
+
+    bool ProcessDataMessage(DataMessage* message) override {
+        if (message->GetDataType() == LOGGING_DATA_MESSAGE) {
+            Note(static_cast<LogInfoMessage*>(message)->GetLogInfo().GetText().Text());
+        } else {
+            Note(DataMessageNames[message->GetDataType()].Text());
+        }
+        return true;
+    }
+
+    bool ProcessTimeOut() override {
+        Note("time-out");
+        return true;
+    }
+
+    std::int32_t Exit() override {
+        const std::int32_t result = ThreadControl::Exit();
+        Note("exit");
+        return result;
+    }
+
+    // Waits until that many notes are there; the deadline only ends a hang.
+    std::vector<std::string> WaitForNotes(std::size_t count) {
+        std::unique_lock lock(m_mutex);
+        EXPECT_TRUE(m_changed.wait_for(lock, HangDeadline, [&] { return m_notes.size() >= count; }))
+            << m_notes.size() << " of " << count << " notes came";
+        return m_notes;
+    }
+
+    void WaitForNote(const std::string& note) {
+        std::unique_lock lock(m_mutex);
+        EXPECT_TRUE(m_changed.wait_for(
+            lock, HangDeadline, [&] { return std::find(m_notes.begin(), m_notes.end(), note) != m_notes.end(); }))
+            << note << " did not come";
+    }
+
+    std::vector<std::string> Notes() {
+        const std::lock_guard lock(m_mutex);
+        return m_notes;
+    }
+
+    std::function<void(CommandMessage&)> onCommand;  // set before CreateThread
+    bool commandResult = true;
+
+private:
+    void Note(const std::string& note) {
+        const std::lock_guard lock(m_mutex);
+        m_notes.push_back(note);
+        m_changed.notify_all();
+    }
+
+    const DataMessageType m_type;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::vector<std::string> m_notes;
+};
+
+// A router for the length of a test.
+class RouterFixture : public testing::Test {
+protected:
+    RouterFixture() { MessageBase::SetMessagingControl(&router); }
+
+    ~RouterFixture() override {
+        MessageBase::SetMessagingControl(nullptr);
+        router.Kill();
+        pthread_join(router.GetThreadId(), nullptr);
+    }
+
+    MessagingControl router;
+};

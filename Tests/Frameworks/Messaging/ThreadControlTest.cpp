@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "Tests/Frameworks/Messaging/RecordingController.h"
+
+namespace {
+
+using Notes = std::vector<std::string>;
+
+std::unique_ptr<CommandMessage> Command(CommandType type, ThreadControl* source, ThreadControl* destination) {
+    auto message = std::make_unique<CommandMessage>(type);
+    message->SetSource(source);
+    message->SetDestination(destination);
+    return message;
+}
+
+void Join(const ThreadBase& thread) { EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), 0); }
+
+// A thread that the test ends itself.
+class EndingController : public RecordingController {
+public:
+    using RecordingController::RecordingController;
+    void JoinAndForget() {
+        Join(*this);
+        ClearThreadId();
+    }
+};
+
+}  // namespace
+
+TEST(ThreadControl, a_message_from_before_its_start_is_received) {
+    RecordingController one("One");
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.CreateThread();
+    EXPECT_EQ(one.WaitForNotes(2), (Notes{"init", "PRIME_SYSTEM"}));
+}
+
+TEST(ThreadControl, drains_its_queue_in_order_of_arrival) {
+    RecordingController one("One");
+    for (const CommandType command : {PRIME_SYSTEM, MOVE_TO_IDLE, COLLECT_MEASUREMENT}) {
+        one.ReceiveMessage(Command(command, &one, &one));
+    }
+    one.CreateThread();
+    EXPECT_EQ(one.WaitForNotes(4), (Notes{"init", "PRIME_SYSTEM", "MOVE_TO_IDLE", "COLLECT_MEASUREMENT"}));
+}
+
+TEST(ThreadControl, starts_initializing_with_no_time_out) {
+    RecordingController one("One");
+    EXPECT_EQ(one.GetTimeOut(), -1);
+    one.CreateThread();
+    one.WaitForNotes(1);
+    EXPECT_EQ(one.GetState(), INITIALIZING_STATE);
+}
+
+TEST(ThreadControl, Kill_ends_the_thread) {
+    EndingController one("One");
+    one.CreateThread();
+    one.WaitForNotes(1);
+    one.Kill();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "exit"}));
+    EXPECT_EQ(one.GetState(), POST_EXITING_STATE);
+}
+
+TEST(ThreadControl, killed_while_draining_it_finishes_what_stands_ahead) {
+    EndingController one("One");
+    one.onCommand = [&](CommandMessage& message) {
+        if (message.GetCommandType() == RESET_SYSTEM) {
+            one.Kill();
+        }
+    };
+    one.ReceiveMessage(Command(RESET_SYSTEM, &one, &one));
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.CreateThread();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "RESET_SYSTEM", "PRIME_SYSTEM", "exit"}));
+}
+
+TEST(ThreadControl, what_stands_behind_its_own_killing_message_is_dropped) {
+    EndingController one("One");
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.ReceiveMessage(Command(KILLING_SYSTEM, &one, &one));
+    one.ReceiveMessage(Command(COLLECT_MEASUREMENT, &one, &one));
+    one.CreateThread();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "PRIME_SYSTEM", "exit"}));
+}
+
+TEST(ThreadControl, a_killing_message_from_another_is_dropped_and_the_thread_goes_on) {
+    RecordingController one("One");
+    RecordingController other("Other");
+    one.ReceiveMessage(Command(KILLING_SYSTEM, &other, &one));
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.CreateThread();
+    one.ReceiveMessage(Command(COLLECT_MEASUREMENT, &one, &one));
+    EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "PRIME_SYSTEM", "COLLECT_MEASUREMENT"}));
+}
+
+TEST(ThreadControl, a_false_answer_ends_the_thread_after_the_draining) {
+    EndingController one("One");
+    one.commandResult = false;
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.ReceiveMessage(Command(COLLECT_MEASUREMENT, &one, &one));
+    one.CreateThread();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "PRIME_SYSTEM", "COLLECT_MEASUREMENT", "exit"}));
+}
+
+TEST(ThreadControl, a_silence_of_the_time_out_runs_ProcessTimeOut) {
+    RecordingController one("One", NO_DATA_MESSAGE, 1000);
+    one.CreateThread();
+    EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "time-out", "time-out"}));
+}
+
+TEST(ThreadControl, an_Init_that_fails_goes_straight_to_Exit) {
+    // No router: the registration fails.
+    EndingController one("One", LOGGING_DATA_MESSAGE);
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    one.CreateThread();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "exit"}));
+}
+
+TEST(ThreadControl, a_message_after_the_end_is_kept_harmlessly_and_freed) {
+    EndingController one("One");
+    one.CreateThread();
+    one.Kill();
+    one.JoinAndForget();
+    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    EXPECT_EQ(one.WaitForNotes(2).back(), "exit");
+}
+
+TEST(MessageBuffer, is_named_after_its_thread) {
+    const MessageBuffer buffer("One");
+    EXPECT_EQ(buffer.GetName(), "One_MessageBuffer");
+}
+
+TEST(MessageBuffer, gives_null_without_an_error_where_the_semaphore_is_ahead) {
+    MessageBuffer buffer("One");
+    buffer.PostMessage(std::make_unique<CommandMessage>(PRIME_SYSTEM));
+    EXPECT_NE(buffer.PopFront(), nullptr);
+    EXPECT_EQ(buffer.WaitForMessage(-1), nullptr);
+    EXPECT_EQ(buffer.GetLastError(), 0);
+}
+
+TEST(MessageBuffer, tells_a_time_out_by_its_error_and_forgets_it_at_the_next_wait) {
+    MessageBuffer buffer("One");
+    EXPECT_EQ(buffer.WaitForMessage(0), nullptr);
+    EXPECT_EQ(buffer.GetLastError(), ETIMEDOUT);
+    buffer.PostMessage(std::make_unique<CommandMessage>(PRIME_SYSTEM));
+    EXPECT_NE(buffer.WaitForMessage(0), nullptr);
+    EXPECT_EQ(buffer.GetLastError(), 0);
+}
