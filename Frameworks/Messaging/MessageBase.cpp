@@ -70,4 +70,6 @@ bool MessageBase::SetMessagingControl(MessagingControl* router) {
     return router != nullptr;
 }
 
-MessagingControl* MessageBase::GetMessagingControl() { return messagingControl; }
+MessagingControl* MessageBase::GetMessagingControl() {
+    return messagingControl;
+}

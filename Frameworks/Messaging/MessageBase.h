@@ -1,5 +1,5 @@
-// What every message has: source, destination, how often it was queued, and when it was made. A message belongs to whoever
-// holds the pointer; Send hands it over once and for all. One thread at a time.
+// What every message has: source, destination, how often it was queued, and when it was made. A message belongs to
+// whoever holds the pointer; Send hands it over once and for all. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -28,13 +28,13 @@ public:
 
     void SetDestination(ThreadControl* destination);
     void SetSource(ThreadControl* source);
-    // By the router's name table; a controller that isn't registered there leaves null. The destination has to be one of the
-    // nine; a source outside of them counts as MessagingControl.
+    // By the router's name table; a controller that isn't registered there leaves null. The destination has to be one
+    // of the nine; a source outside of them counts as MessagingControl.
     void SetDestination(ControllerType destination);
     void SetSource(ControllerType source);
 
-    // Queues the message at its destination, on the caller's thread. A message without source or destination is refused: the
-    // result is false and the message is freed.
+    // Queues the message at its destination, on the caller's thread. A message without source or destination is
+    // refused: the result is false and the message is freed.
     static bool Send(std::unique_ptr<MessageBase> message);
 
     // The process-wide router, or null. Any thread.

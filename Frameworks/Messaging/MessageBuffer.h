@@ -13,9 +13,10 @@ public:
 
     void PostMessage(std::unique_ptr<MessageBase> message);
 
-    // The front message, or null. -1 waits without limit. Null with GetLastError 0: the semaphore was ahead of the queue,
-    // whose owner had already taken what was posted. Null with an error: nothing came within the time-out; a time-out that is
-    // no whole number of seconds may end at once, because the nanoseconds of the deadline carry into no second (EINVAL).
+    // The front message, or null. -1 waits without limit. Null with GetLastError 0: the semaphore was ahead of the
+    // queue, whose owner had already taken what was posted. Null with an error: nothing came within the time-out; a
+    // time-out that is no whole number of seconds may end at once, because the nanoseconds of the deadline carry into
+    // no second (EINVAL).
     std::unique_ptr<MessageBase> WaitForMessage(std::int32_t timeOutMilliSeconds);
 
     int GetLastError() const { return m_lastError; }

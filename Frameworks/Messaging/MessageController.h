@@ -10,8 +10,8 @@ public:
     // Dropped before anything is allocated where the level is above the process-wide one.
     static void LogMessage(const StdString& text, LogLevel level, ControllerType origin);
 
-    // False, with a line in the log, for a null message and for no origin; else true, also where there is no router and the
-    // message was freed.
+    // False, with a line in the log, for a null message and for no origin; else true, also where there is no router and
+    // the message was freed.
     static bool SendMessage(std::unique_ptr<MessageBase> message, ControllerType origin);
 
     // A line of progress in the name of MeasurementEngine.

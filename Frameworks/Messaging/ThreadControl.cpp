@@ -25,7 +25,9 @@ StdString KindAndName(const MessageBase& message) {
 
 }  // namespace
 
-ThreadControl::~ThreadControl() { delete m_buffer.load(); }
+ThreadControl::~ThreadControl() {
+    delete m_buffer.load();
+}
 
 bool ThreadControl::Init() {
     SetState(INITIALIZING_STATE);
@@ -50,8 +52,8 @@ std::int32_t ThreadControl::Run() {
     return Exit();
 }
 
-// Everything queued is processed in one wake-up, whatever the handlers answer; the last answer counts. KILLING_SYSTEM ends the
-// draining, and the thread where it comes from the thread itself.
+// Everything queued is processed in one wake-up, whatever the handlers answer; the last answer counts. KILLING_SYSTEM
+// ends the draining, and the thread where it comes from the thread itself.
 bool ThreadControl::DrainQueue() {
     bool keepGoing = true;
     while (m_currentMessage != nullptr) {
@@ -105,9 +107,13 @@ void ThreadControl::SetState(ThreadState state) {
     Log("Changing to " + ThreadStateNames[state] + " State for - " + GetThreadName(), DEBUG_LOG_LEVEL);
 }
 
-bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*command*/) { return false; }
+bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*command*/) {
+    return false;
+}
 
-bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) { return false; }
+bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) {
+    return false;
+}
 
 void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
     // A log message that made log messages would never end.

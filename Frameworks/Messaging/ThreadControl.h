@@ -1,5 +1,6 @@
 // A controller: a thread with a message queue, a state and a time-out. ReceiveMessage, Kill, Log and the readers may be
-// called from any thread; all else runs on the controller's own thread. A false result of a Process operation ends the thread.
+// called from any thread; all else runs on the controller's own thread. A false result of a Process operation ends the
+// thread.
 #pragma once
 
 #include <atomic>

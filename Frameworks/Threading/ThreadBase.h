@@ -1,5 +1,6 @@
-// A thread of the process as an object: a subclass gives Run, its creator calls CreateThread, later joins GetThreadId and
-// deletes the object. Kill, the state and the readers may be called from any thread; Run, Init and Exit run on the thread.
+// A thread of the process as an object: a subclass gives Run, its creator calls CreateThread, later joins GetThreadId
+// and deletes the object. Kill, the state and the readers may be called from any thread; Run, Init and Exit run on the
+// thread.
 #pragma once
 
 #include <pthread.h>

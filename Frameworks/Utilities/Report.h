@@ -1,5 +1,5 @@
-// Where the classes below the message layer report an error. MessageController fills the hook, so that time, threads and
-// drivers can log without knowing messages. Any thread.
+// Where the classes below the message layer report an error. MessageController fills the hook, so that time, threads
+// and drivers can log without knowing messages. Any thread.
 #pragma once
 
 #include "Frameworks/Utilities/Enumerations.h"

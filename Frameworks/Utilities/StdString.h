@@ -68,7 +68,8 @@ public:
 
     int CompareNoCase(const StdString& text) const;
 
-    // printf's conversions; the result is cut to the format's length plus 1023 characters. Nothing written empties the text.
+    // printf's conversions; the result is cut to the format's length plus 1023 characters. Nothing written empties the
+    // text.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
     // Both trim and lower the text itself. An "x" anywhere makes it hexadecimal; 0 where nothing can be read.

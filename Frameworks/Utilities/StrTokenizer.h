@@ -13,9 +13,9 @@ public:
     StrTokenizer& operator=(const StrTokenizer&) = default;
     virtual ~StrTokenizer() = default;
 
-    // An empty text changes nothing; an empty delimiter appends the whole text as one token. After each delimiter the text
-    // goes on one character behind its start, so a longer delimiter leaves its tail at the front of the next token: the
-    // delimiters in use are single characters.
+    // An empty text changes nothing; an empty delimiter appends the whole text as one token. After each delimiter the
+    // text goes on one character behind its start, so a longer delimiter leaves its tail at the front of the next
+    // token: the delimiters in use are single characters.
     void Tokenize(const StdString& text, const StdString& delimiter);
 
     int GetCount() const { return static_cast<int>(m_tokens.size()); }

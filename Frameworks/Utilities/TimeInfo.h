@@ -1,5 +1,5 @@
-// A point in time on CLOCK_REALTIME, or a length, with its text forms. One thread at a time; the clock and the time zone may
-// be read from any thread.
+// A point in time on CLOCK_REALTIME, or a length, with its text forms. One thread at a time; the clock and the time
+// zone may be read from any thread.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ class TimeInfo {
 public:
     static const StdString& DefaultFormat();  // "%Z %Y-%m-%d %H:%M:%S"
 
-    TimeInfo();  // now
+    TimeInfo();                                     // now
     explicit TimeInfo(std::uint32_t milliseconds);  // now plus that many
     TimeInfo(const TimeInfo&) = default;
     TimeInfo(TimeInfo&&) = default;
@@ -41,9 +41,10 @@ public:
     void SetFormat(const StdString& format) { m_format = format; }
     void SetDefaultFormat() { m_format = DefaultFormat(); }
 
-    // Local time by the format; empty where it can't be told. The default format, and any that ends in "%S", is followed by
-    // "." and the first digits of the nanoseconds, which carry no leading zeros: 5 ms past the second reads .5000000. The
-    // readers of existing logs rely on that form. 0 digits: no fraction; above 9: all of the number.
+    // Local time by the format; empty where it can't be told. The default format, and any that ends in "%S", is
+    // followed by
+    // "." and the first digits of the nanoseconds, which carry no leading zeros: 5 ms past the second reads .5000000.
+    // The readers of existing logs rely on that form. 0 digits: no fraction; above 9: all of the number.
     StdString GetTimeString(unsigned digits) const;
     StdString GetTimeString() const { return GetTimeString(9); }
 

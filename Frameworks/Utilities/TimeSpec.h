@@ -23,7 +23,8 @@ public:
 
     bool GetTime();  // CLOCK_REALTIME; false where it can't be read
 
-    // A nanosecond count above 999,999,999 is ignored, and so is a sum that reaches a second: no caller adds across one.
+    // A nanosecond count above 999,999,999 is ignored, and so is a sum that reaches a second: no caller adds across
+    // one.
     TimeSpec& operator+=(const TimeSpec& other);
     TimeSpec& operator+=(std::uint32_t nanoSeconds);
     TimeSpec& operator-=(const TimeSpec& other);
@@ -36,8 +37,8 @@ public:
     bool IsBelowTenthMilliSeconds(std::uint32_t tenths) const;
     bool IsAboveTenthMilliSeconds(std::uint32_t tenths) const;
 
-    // nanosleep, again with the remainder where it was interrupted and retry is set. Only a request whose two fields both are
-    // above zero sleeps; any other gives false at once.
+    // nanosleep, again with the remainder where it was interrupted and retry is set. Only a request whose two fields
+    // both are above zero sleeps; any other gives false at once.
     static bool Sleep(const TimeSpec* request, TimeSpec* remainder, bool retry);
 
 private:

@@ -7,7 +7,8 @@ class UtilityFunctions {
 public:
     virtual ~UtilityFunctions() = default;
 
-    // Facility LOG_LOCAL1, priority LOG_NOTICE. The text is the format: a "%" in it is taken as a conversion. Any thread.
+    // Facility LOG_LOCAL1, priority LOG_NOTICE. The text is the format: a "%" in it is taken as a conversion. Any
+    // thread.
     static void LogToSystem(const StdString& identity, const StdString& text);
 
     // False, with a line to the system log, for a null pointer. Any thread.

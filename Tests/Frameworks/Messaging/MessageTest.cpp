@@ -31,14 +31,15 @@ TEST(Message, the_name_tables_stand_in_the_order_of_their_numbers) {
     EXPECT_EQ(ControllerNames[6], "SystemMonitor");
     EXPECT_EQ(ControllerNames[7], "TestInterface");
     EXPECT_EQ(ControllerNames[8], "UserInterfaceDataControl");
-    const char* const levels[] = {"EMERGENCY_LOG_LEVEL", "ALERT_LOG_LEVEL",   "CRITICAL_LOG_LEVEL",
-                                  "ERROR_LOG_LEVEL",     "WARNING_LOG_LEVEL", "NOTICE_LOG_LEVEL",
-                                  "INFORMATIONAL_LOG_LEVEL", "DEBUG_LOG_LEVEL", "RUMOR_LOG_LEVEL"};
+    const char* const levels[] = {"EMERGENCY_LOG_LEVEL",     "ALERT_LOG_LEVEL",   "CRITICAL_LOG_LEVEL",
+                                  "ERROR_LOG_LEVEL",         "WARNING_LOG_LEVEL", "NOTICE_LOG_LEVEL",
+                                  "INFORMATIONAL_LOG_LEVEL", "DEBUG_LOG_LEVEL",   "RUMOR_LOG_LEVEL"};
     for (int level = 0; level < LogLevelCount; ++level) {
         EXPECT_EQ(LogLevelNames[level], levels[level]);
     }
-    const char* const states[] = {"INITIALIZING_STATE", "IDLE_STATE",       "RUNNING_STATE", "SHUTDOWN_STATE",
-                                  "TEST_STATE",         "RESETTING_SYSTEM_STATE", "POST_EXITING_STATE"};
+    const char* const states[] = {"INITIALIZING_STATE", "IDLE_STATE", "RUNNING_STATE",
+                                  "SHUTDOWN_STATE",     "TEST_STATE", "RESETTING_SYSTEM_STATE",
+                                  "POST_EXITING_STATE"};
     for (int state = 0; state < ThreadStateCount; ++state) {
         EXPECT_EQ(ThreadStateNames[state], states[state]);
     }
@@ -47,17 +48,28 @@ TEST(Message, the_name_tables_stand_in_the_order_of_their_numbers) {
     for (int command = 0; command < CommandCount; ++command) {
         EXPECT_EQ(CommandNames[command], commands[command]);
     }
-    const char* const types[] = {"ADC_STATUS_MESSAGE", "DEVICE_ERROR_DATA_MESSAGE", "LOGGING_DATA_MESSAGE",
-                                 "MEASUREMENT_DATA_MESSAGE", "MEASUREMENT_STEP_DATA_MESSAGE",
-                                 "MEASUREMENT_STATUS_MESSAGE", "TIMER_COMPLETION_DATA_MESSAGE",
+    const char* const types[] = {"ADC_STATUS_MESSAGE",
+                                 "DEVICE_ERROR_DATA_MESSAGE",
+                                 "LOGGING_DATA_MESSAGE",
+                                 "MEASUREMENT_DATA_MESSAGE",
+                                 "MEASUREMENT_STEP_DATA_MESSAGE",
+                                 "MEASUREMENT_STATUS_MESSAGE",
+                                 "TIMER_COMPLETION_DATA_MESSAGE",
                                  "REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE",
-                                 "REMOTE_INDICATOR_CALCULATE_CABLE_LENGTH_DATA_MESSAGE", "SYSTEM_ERROR_DATA_MESSAGE",
-                                 "TEST_COMMAND_DATA_MESSAGE", "WATCHDOG_ERROR_DATA_MESSAGE",
-                                 "ACK_TIMER_EXPIRED_DATA_MESSAGE", "TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE",
-                                 "TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE", "TEST_PWM_DATA_MESSAGE",
-                                 "REMOTE_INDICATOR_TEST_MESSAGE", "PERIODIC_HARDWARE_TEST_DATA_MESSAGE",
-                                 "REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE", "TRANSFER_DATA_TO_SD_CARD_MESSAGE",
-                                 "USER_INTERFACE_DATA_MESSAGE", "GUI_RESPONSE_DATA_MESSAGE"};
+                                 "REMOTE_INDICATOR_CALCULATE_CABLE_LENGTH_DATA_MESSAGE",
+                                 "SYSTEM_ERROR_DATA_MESSAGE",
+                                 "TEST_COMMAND_DATA_MESSAGE",
+                                 "WATCHDOG_ERROR_DATA_MESSAGE",
+                                 "ACK_TIMER_EXPIRED_DATA_MESSAGE",
+                                 "TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE",
+                                 "TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE",
+                                 "TEST_PWM_DATA_MESSAGE",
+                                 "REMOTE_INDICATOR_TEST_MESSAGE",
+                                 "PERIODIC_HARDWARE_TEST_DATA_MESSAGE",
+                                 "REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE",
+                                 "TRANSFER_DATA_TO_SD_CARD_MESSAGE",
+                                 "USER_INTERFACE_DATA_MESSAGE",
+                                 "GUI_RESPONSE_DATA_MESSAGE"};
     for (int type = 0; type < DataMessageCount; ++type) {
         EXPECT_EQ(DataMessageNames[type], types[type]);
     }

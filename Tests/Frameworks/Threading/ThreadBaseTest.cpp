@@ -79,7 +79,8 @@ TEST(ThreadBase, reports_a_thread_that_the_system_refuses) {
         EXPECT_FALSE(thread.CreateThread());
     }
     SetReportFunction(nullptr);
-    EXPECT_EQ(lastReport, "ThreadBase::CreateThread  Unable to create Thread with error code = " + std::to_string(EAGAIN));
+    EXPECT_EQ(lastReport,
+              "ThreadBase::CreateThread  Unable to create Thread with error code = " + std::to_string(EAGAIN));
     EXPECT_EQ(lastLevel, 3);
     EXPECT_EQ(lastOrigin, 2);
     EXPECT_EQ(thread.GetThreadId(), pthread_t{0});

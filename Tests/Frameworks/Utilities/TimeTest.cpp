@@ -17,7 +17,9 @@ TimeInfo At(std::int32_t seconds, std::int32_t nanoSeconds) {
     return info;
 }
 
-TimeSpec Span(std::int32_t seconds, std::int32_t nanoSeconds) { return {seconds, nanoSeconds}; }
+TimeSpec Span(std::int32_t seconds, std::int32_t nanoSeconds) {
+    return {seconds, nanoSeconds};
+}
 
 class TimeStrings : public testing::Test {
 protected:
