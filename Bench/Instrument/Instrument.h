@@ -17,7 +17,7 @@ struct InstrumentSettings {
     double chlorine = 0.60;     // mg/l in the water on the sample line
     double cellConstant = 2.4;  // mg/l for one unit of absorbance at full development; the product's own factor
     double background = 0.010;  // absorbance of the unreacted water
-    double flushSeconds = 4.0;  // time constant of the exchange while the sample flows
+    double flushSeconds = 3.0;  // time constant of the exchange while the sample flows
     bool sampleFlows = true;    // false: the valve opens on a dry line
 
     // Reagent and colour.
