@@ -1,0 +1,55 @@
+// The one writer of the system log and of the three data files on the SD card: measurements, steps and status lines,
+// one file a day for each. Other threads reach it by messages alone; all that is private here runs on its own thread.
+#pragma once
+
+#include <functional>
+
+#include "Frameworks/Messaging/LogInfoMessage.h"
+#include "Frameworks/Messaging/ThreadControl.h"
+#include "Frameworks/Storage/SDCard.h"
+#include "Frameworks/Storage/SDCardFile.h"
+#include "System/LoggingControl/LogFileFormat.h"
+
+class LoggingControl final : public ThreadControl {
+public:
+    LoggingControl();  // starts the thread
+
+    bool Init() override;
+    bool DoRegistration() override;  // always true
+    bool ProcessCommandMessage(CommandMessage* message) override;
+    bool ProcessDataMessage(DataMessage* message) override;
+    bool ProcessTimeOut() override;
+
+private:
+    enum Kind { MEASUREMENT_KIND, STEP_KIND, STATUS_KIND, KindCount };
+    using RecordFunction = std::function<StdString()>;
+    struct KindTexts;
+
+    // One kind of records as it is set, and its file.
+    struct DataLog {
+        bool enabled = false;
+        LogFileFormat format = NO_LOG_FILE_FORMAT;  // invalid, and reported so, until the settings name one
+        SDCardFile file;
+        StdString fileName;
+    };
+
+    static const KindTexts Texts[KindCount];
+
+    bool ReadConfiguration();
+    void WriteLine(const LogInfoMessage& message);
+    void WriteData(Kind kind, const RecordFunction& record);
+    bool WriteRecord(Kind kind, const RecordFunction& record);
+    bool AppendRecord(Kind kind, const RecordFunction& record);
+    void RollOver(DataLog& log);
+
+    std::uint32_t m_deviceErrorCount = 0;
+    std::uint32_t m_logMessageCount = 0;
+    std::uint32_t m_measurementCount = 0;  // status messages too
+    std::uint32_t m_stepCount = 0;
+    std::uint32_t m_systemErrorCount = 0;
+    std::uint32_t m_watchdogCount = 0;
+    SDCard m_card;  // ahead of the files, so that they are closed before it is unmounted
+    StdString m_dataFilePath;
+    DataLog m_logs[KindCount];
+    std::int32_t m_xmlPending = 0;
+};
