@@ -133,9 +133,11 @@ void Advance(InstrumentState& state, const InstrumentSettings& settings, const I
     state.ledWarmth = Relax(state.ledWarmth, settings.ledDead ? 0.0 : inputs.ledDuty, seconds, settings.ledWarmSeconds);
     state.seconds += seconds;
     double stride = FirstStride;
-    for (double left = seconds; left > 0.0; left -= stride) {
+    double left = seconds;
+    while (left > 0.0) {
         stride = std::min(left, stride * StrideGrowth);
         AdvanceCell(state, settings, inputs, stride);
+        left -= stride;
     }
 }
 
