@@ -7,6 +7,7 @@
 #include <sys/statfs.h>
 #include <unistd.h>
 
+#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 
@@ -29,16 +30,17 @@ constexpr unsigned SwitchPin = 9;
 constexpr std::uint8_t MaximumPercent = 99;
 constexpr std::size_t MountLineSize = 4096;
 
+std::int64_t Bytes(const struct statfs64& space, fsblkcnt64_t blocks) {
+    const std::int64_t blockSize = space.f_bsize;
+    return blockSize * static_cast<std::int64_t>(blocks);
+}
+
 void PrintSpace(const char* path) {
     struct statfs64 space {};
-    if (statfs64(path, &space) != 0) {
-        return;
+    if (statfs64(path, &space) == 0) {
+        std::printf(" size=%" PRId64 " free=%" PRId64 " avail=%" PRId64, Bytes(space, space.f_blocks),
+                    Bytes(space, space.f_bfree), Bytes(space, space.f_bavail));
     }
-    const auto blockSize = static_cast<std::int64_t>(space.f_bsize);
-    std::printf(" size=%lld free=%lld avail=%lld",
-                static_cast<long long>(blockSize * static_cast<std::int64_t>(space.f_blocks)),
-                static_cast<long long>(blockSize * static_cast<std::int64_t>(space.f_bfree)),
-                static_cast<long long>(blockSize * static_cast<std::int64_t>(space.f_bavail)));
 }
 
 }  // namespace
@@ -94,7 +96,7 @@ std::int64_t SDCard::GetTotalBytes() {
     if (!IsPresent() || !IsMounted() || statfs64(m_mountPath.CString(), &space) != 0) {
         return -1;
     }
-    return static_cast<std::int64_t>(space.f_bsize) * static_cast<std::int64_t>(space.f_blocks);
+    return Bytes(space, space.f_blocks);
 }
 
 std::int64_t SDCard::GetFreeBytes() {
@@ -102,7 +104,7 @@ std::int64_t SDCard::GetFreeBytes() {
     if (!IsPresent() || !IsMounted() || statfs64(m_mountPath.CString(), &space) != 0) {
         return -1;
     }
-    return static_cast<std::int64_t>(space.f_bsize) * static_cast<std::int64_t>(space.f_bfree);
+    return Bytes(space, space.f_bfree);
 }
 
 bool SDCard::IsSpaceBelow(std::uint8_t percent) {
