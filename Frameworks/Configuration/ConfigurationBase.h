@@ -35,15 +35,25 @@ public:
     void SetSource(const StdString& path) { m_source = path; }
 
 protected:
-    // Steps of reading and writing that a section with more than a flat run of items shares. The caller is the text in
-    // front of a report, such as "ConfigurationBase::GetXML".
-    StdString Place() const;
-    bool FindSection(const StdString& sectionName);
-    bool ReadItems(const char* caller);
-    bool WriteItem(const StdString& sectionName, const ItemInfoElement* item, const StdString& caller);
+    using AddOperation = bool (ItemInfoContainer::*)(std::unique_ptr<ItemInfoElement>&&);
+
+    // The steps of reading and writing that a section with more than a flat run of items shares. Each needs a document,
+    // but for FindSection and WriteItem, which test for it.
+    bool FindSection(const StdString& sectionName);  // and sees to it that there is a container
+    bool ReadItems(const char* refusedText);         // of the current element, in place of the items held
+    // The INFO_ITEM elements behind the position; the number of those that were not refused.
+    int AddItems(ItemInfoContainer& items, AddOperation add, const char* refusedText);
+    // "prefix" stands in front of each report.
+    bool WriteItem(const StdString& prefix, const StdString& sectionName, const ItemInfoElement* item);
+
+    StdString Place() const;  // file and section, as a missing key is told with
 
 private:
+    bool WriteIntoSection(const StdString& prefix, const StdString& sectionName, const ItemInfoElement& item);
+    bool FindInfoItem(const StdString& name);
+    void WriteAttributes(const StdString& prefix, const ItemInfoElement& item);
+
     std::unique_ptr<ItemInfoContainer> m_items;
-    StdString m_source;
+    StdString m_source = "settings";
     StdString m_sectionName;
 };

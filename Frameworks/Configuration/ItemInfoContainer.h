@@ -11,7 +11,7 @@ class ItemInfoContainer {
 public:
     virtual ~ItemInfoContainer() = default;
 
-    // What a missing key is told with, such as "analyzer.conf.xml: section LOGGING_INFO".
+    // What a missing key is told with: the file and the part of it, such as "analyzer.conf.xml: section LOGGING_INFO".
     void SetPlace(const StdString& place) { m_place = place; }
 
     // False for a null element and for a key that is there already: the first one stays, and the caller keeps the
@@ -19,17 +19,20 @@ public:
     bool AddItem(std::unique_ptr<ItemInfoElement>&& element);         // under its name
     bool AddItemByValue(std::unique_ptr<ItemInfoElement>&& element);  // under its value
 
-    // Null for an unknown key. A miss adds nothing, so that controllers may ask at the same time.
+    // Null for an unknown key. A miss leaves no trace, so that controllers may ask at the same time; nobody adds to a
+    // container after asking it, so nobody could find one.
     ItemInfoElement* GetItem(const StdString& key) const;
 
     // The value of a key that the system can't run without: where it is missing, the process ends with a line that
-    // names it.
+    // names the place and the key, in the system log and on the error stream.
     StdString RequireValue(const StdString& key) const;
     StdString GetValueOr(const StdString& key, const StdString& fallback) const;
 
     void Clear() { m_items.clear(); }
 
 private:
-    StdString m_place;
+    bool Add(const StdString& key, std::unique_ptr<ItemInfoElement>&& element);
+
+    StdString m_place = "settings";
     std::map<StdString, std::unique_ptr<ItemInfoElement>> m_items;
 };

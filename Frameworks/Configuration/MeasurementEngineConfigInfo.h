@@ -1,4 +1,4 @@
-// The measurement section: its own items, and behind them the list of measurement steps.
+// The measurement section: its own items, and behind them the list of measurement steps. Threads as for the base.
 #pragma once
 
 #include <memory>
@@ -6,11 +6,9 @@
 #include "Frameworks/Configuration/ConfigurationBase.h"
 #include "Frameworks/Configuration/InfoContainer.h"
 
-class XmlDocument;
-
 class MeasurementEngineConfigInfo : public ConfigurationBase {
 public:
-    // As the base, and false as well without a step list that holds an order list in front of its steps.
+    // As the base, and false as well without a step list behind the items that has an order list in front of its steps.
     bool GetXML(const StdString& sectionName) override;
     bool SetXML(const StdString& sectionName, ItemInfoElement* item) override;
 
@@ -22,8 +20,8 @@ public:
 private:
     bool GetBaseItems();
     bool GetMeasurementStepItems();
-    bool ReadStepList();
     bool ReadStepOrder();
+    bool FindStepOrder();  // false as well where a step stands in front of it
     bool ReadSteps();
     bool ReadStep();
 

@@ -1,7 +1,10 @@
-// The end of the process for a setting that it can't run without. Any thread.
+// The end of the process for a setting that it can't run without: a line on the error stream and in the system log
+// names what is missing, then the process aborts. Any thread.
 #pragma once
 
 #include "Frameworks/Utilities/StdString.h"
 
-// Writes the text to the error stream and to the system log, then aborts.
-[[noreturn]] void EndForMissingSetting(const StdString& text);
+// The place is the file and the part of it, such as "analyzer.conf.xml: section LOGGING_INFO".
+[[noreturn]] void EndForMissingKey(const StdString& place, const StdString& key);
+
+[[noreturn]] void EndForMissingSection(const StdString& path, const StdString& sectionName);

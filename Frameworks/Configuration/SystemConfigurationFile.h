@@ -40,9 +40,8 @@ public:
 private:
     template <class Section>
     void ReadSection(std::unique_ptr<Section>& section, const char* elementName, const char* className);
-    [[noreturn]] void EndForMissingSection(const char* elementName) const;
 
-    StdString m_path;
+    StdString m_path = "settings";
     std::unique_ptr<XmlDocument> m_ownedDocument;
     std::unique_ptr<DeviceMonitorConfigInfo> m_deviceMonitor;
     std::unique_ptr<GlobalConfigInfo> m_general;
