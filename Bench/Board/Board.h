@@ -1,7 +1,7 @@
-// The virtual board as a test, a console or a panel sees it. The board's state lies in one mapped file of a bench folder;
-// every object of this class, in whichever process, sees and changes the same board, and every operation may be called
-// from any thread. The program on the bench meets the board through libboard.so, which stands between it and libc:
-// preloaded with VERNICOR_BENCH naming the folder, or linked and attached by AttachThisProcess.
+// The virtual board as a test, a console or a panel sees it. The board's state lies in one mapped file of a bench
+// folder; every object of this class, in whichever process, sees and changes the same board, and every operation may be
+// called from any thread. The program on the bench meets the board through libboard.so, which stands between it and
+// libc: preloaded with VERNICOR_BENCH naming the folder, or linked and attached by AttachThisProcess.
 //
 // Times are simulated unless stated. Texts of faults and calls are those that the console shows.
 #pragma once
@@ -31,8 +31,8 @@ enum class Edge { None, Rising, Falling, Both };
 struct PinView {
     bool claimed = false;  // exported through the pin files
     bool output = false;
-    bool latch = false;       // what the program last asked for, by file or by register
-    bool level = false;       // what stands on the line
+    bool latch = false;          // what the program last asked for, by file or by register
+    bool level = false;          // what stands on the line
     std::optional<bool> driven;  // from outside; nothing on an output
     Edge edge = Edge::None;
 };
@@ -53,9 +53,9 @@ struct SpiAnswer {
     int error = 0;            // Fail: errno
 
     static SpiAnswer Words(std::uint16_t first, std::uint16_t second);
-    static SpiAnswer Raw(std::uint32_t words);  // both words at once
+    static SpiAnswer Raw(std::uint32_t words);   // both words at once
     static SpiAnswer Count(std::int32_t count);  // the words of a good reading, -2^24 to 2^24 - 1
-    static SpiAnswer Echo();                    // the last word written, then 0
+    static SpiAnswer Echo();                     // the last word written, then 0
     static SpiAnswer Short(std::size_t bytes);
     static SpiAnswer Fail(int error);
 };
@@ -96,13 +96,13 @@ struct FaultInfo {
 };
 
 struct ActiveFault {
-    std::string text;  // as it was set
+    std::string text;     // as it was set
     bool active = false;  // false: waits for its second
 };
 
 // How a run begins.
 struct BoardSetup {
-    double speed = 1.0;                     // simulated seconds for one real second, 0.1 to 1000
+    double speed = 1.0;                      // simulated seconds for one real second, 0.1 to 1000
     std::int64_t startSeconds = 1356955199;  // Unix time; 2012-12-31 11:59:59 UTC
     bool noise = true;
     std::uint32_t seed = 1;
@@ -125,23 +125,23 @@ public:
 
     // Clock.
     double Speed() const;
-    void SetSpeed(double speed);  // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
-    double Seconds() const;       // since the start of the run; no jump shows here
+    void SetSpeed(double speed);           // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
+    double Seconds() const;                // since the start of the run; no jump shows here
     std::int64_t WallNanoSeconds() const;  // CLOCK_REALTIME as the program sees it
     void JumpClock(double seconds);        // below 0 sets the wall clock back
 
     // Pins, by bank 0 to 3 and pin 0 to 31.
     PinView Pin(int bank, int pin) const;
     void DrivePin(int bank, int pin, bool level);
-    void ReleasePin(int bank, int pin);  // the board's own level again
+    void ReleasePin(int bank, int pin);          // the board's own level again
     std::uint32_t OutputStatus(int bank) const;  // register of output latches
     std::uint32_t DataStatus(int bank) const;    // register of levels
 
     PwmView Pwm(int channel) const;
 
     // The 24-bit converter and its bus.
-    std::uint16_t LastCommand() const;           // last command word
-    std::size_t CommandCount() const;            // words written so far in the run
+    std::uint16_t LastCommand() const;                           // last command word
+    std::size_t CommandCount() const;                            // words written so far in the run
     void ScriptSpiRead(const std::vector<SpiAnswer>& answers);   // one for each coming read; then the model again
     void ScriptSpiWrite(const std::vector<SpiAnswer>& answers);  // Short and Fail; Words lets the write through
     void SetConverterChannel(int channel, std::int32_t count);   // 1 to 199, and 200 for its temperature

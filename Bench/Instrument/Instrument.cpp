@@ -29,9 +29,7 @@ double WrapDegrees(double degrees) {
     return wrapped < 0.0 ? wrapped + 360.0 : wrapped;
 }
 
-double FlagFallDegrees(const InstrumentSettings& settings) {
-    return 360.0 - settings.flagLowDegrees;
-}
+double FlagFallDegrees(const InstrumentSettings& settings) { return 360.0 - settings.flagLowDegrees; }
 
 // Where y' = (target - y) / seconds leads from `value` in a stride.
 double Relax(double value, double target, double stride, double seconds) {

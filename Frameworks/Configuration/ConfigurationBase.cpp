@@ -35,9 +35,7 @@ constexpr ItemAttribute WriteOrder[] = {
     {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure, &ItemInfoElement::SetUnitOfMeasure},
 };
 
-void ReportError(const StdString& text) {
-    Report(text, ERROR_LOG_LEVEL, SYSTEM_CONTROL);
-}
+void ReportError(const StdString& text) { Report(text, ERROR_LOG_LEVEL, SYSTEM_CONTROL); }
 
 }  // namespace
 
@@ -66,9 +64,7 @@ StdString ConfigurationBase::GetValueOr(const StdString& key, const StdString& f
     return item == nullptr ? fallback : item->GetValue();
 }
 
-StdString ConfigurationBase::Place() const {
-    return m_source + ": section " + m_sectionName;
-}
+StdString ConfigurationBase::Place() const { return m_source + ": section " + m_sectionName; }
 
 bool ConfigurationBase::FindSection(const StdString& sectionName) {
     m_sectionName = sectionName;

@@ -17,9 +17,7 @@ namespace {
 
 }  // namespace
 
-void EndForMissingKey(const StdString& place, const StdString& key) {
-    End(place + " has no key " + key);
-}
+void EndForMissingKey(const StdString& place, const StdString& key) { End(place + " has no key " + key); }
 
 void EndForMissingSection(const StdString& path, const StdString& sectionName) {
     End(path + ": section " + sectionName + " is missing or can't be read");

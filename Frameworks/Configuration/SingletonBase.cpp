@@ -28,10 +28,6 @@ bool SingletonBase::SetUserConfiguration(std::unique_ptr<UserConfigurationFile> 
     return Replace(userConfiguration, std::move(file));
 }
 
-SystemConfigurationFile* SingletonBase::GetSystemConfiguration() {
-    return systemConfiguration;
-}
+SystemConfigurationFile* SingletonBase::GetSystemConfiguration() { return systemConfiguration; }
 
-UserConfigurationFile* SingletonBase::GetUserConfiguration() {
-    return userConfiguration;
-}
+UserConfigurationFile* SingletonBase::GetUserConfiguration() { return userConfiguration; }

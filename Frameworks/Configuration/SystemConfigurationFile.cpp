@@ -14,9 +14,7 @@ constexpr const char* TestInterfaceName = "TEST_INTERFACE_INFO";
 
 SystemConfigurationFile::SystemConfigurationFile() = default;
 
-SystemConfigurationFile::~SystemConfigurationFile() {
-    Cleanup();
-}
+SystemConfigurationFile::~SystemConfigurationFile() { Cleanup(); }
 
 bool SystemConfigurationFile::Load(const StdString& path) {
     auto document = std::make_unique<XmlDocument>();

@@ -43,6 +43,4 @@ bool UserConfigurationFile::GetXML() {
     return document->OutOfElement() && read;
 }
 
-bool UserConfigurationFile::SetXML() {
-    return false;
-}
+bool UserConfigurationFile::SetXML() { return false; }

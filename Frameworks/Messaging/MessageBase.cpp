@@ -70,6 +70,4 @@ bool MessageBase::SetMessagingControl(MessagingControl* router) {
     return router != nullptr;
 }
 
-MessagingControl* MessageBase::GetMessagingControl() {
-    return messagingControl;
-}
+MessagingControl* MessageBase::GetMessagingControl() { return messagingControl; }

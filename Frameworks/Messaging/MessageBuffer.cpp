@@ -6,9 +6,7 @@ MessageBuffer::MessageBuffer(const StdString& threadName) : m_name(threadName + 
     sem_init(&m_semaphore, 0, 0);
 }
 
-MessageBuffer::~MessageBuffer() {
-    sem_destroy(&m_semaphore);
-}
+MessageBuffer::~MessageBuffer() { sem_destroy(&m_semaphore); }
 
 void MessageBuffer::PostMessage(std::unique_ptr<MessageBase> message) {
     PushBack(std::move(message));

@@ -54,10 +54,6 @@ bool MessageController::SendStatusMessage(const StdString& text) {
     return SendMessage(std::move(message), MEASUREMENT_ENGINE);
 }
 
-std::int32_t MessageController::GetLogLevel() {
-    return logLevel;
-}
+std::int32_t MessageController::GetLogLevel() { return logLevel; }
 
-void MessageController::SetLogLevel(std::int32_t level) {
-    logLevel = level;
-}
+void MessageController::SetLogLevel(std::int32_t level) { logLevel = level; }

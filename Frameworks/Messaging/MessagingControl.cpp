@@ -6,9 +6,7 @@ namespace {
 
 // A sender's message counts 1; a clone inherits that and Send makes it 2. So what counts 2 or more is the router's own
 // fan-out come back to it, and is never forwarded again.
-bool IsFromSender(const MessageBase& message) {
-    return message.GetSendCount() < 2;
-}
+bool IsFromSender(const MessageBase& message) { return message.GetSendCount() < 2; }
 
 bool AddSubscriber(std::vector<ThreadControl*>& subscribers, ThreadControl* thread) {
     if (std::find(subscribers.begin(), subscribers.end(), thread) != subscribers.end()) {

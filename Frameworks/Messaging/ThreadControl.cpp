@@ -25,9 +25,7 @@ StdString KindAndName(const MessageBase& message) {
 
 }  // namespace
 
-ThreadControl::~ThreadControl() {
-    delete m_buffer.load();
-}
+ThreadControl::~ThreadControl() { delete m_buffer.load(); }
 
 bool ThreadControl::Init() {
     SetState(INITIALIZING_STATE);
@@ -107,13 +105,9 @@ void ThreadControl::SetState(ThreadState state) {
     Log("Changing to " + ThreadStateNames[state] + " State for - " + GetThreadName(), DEBUG_LOG_LEVEL);
 }
 
-bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*command*/) {
-    return false;
-}
+bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*command*/) { return false; }
 
-bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) {
-    return false;
-}
+bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) { return false; }
 
 void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
     // A log message that made log messages would never end.

@@ -13,9 +13,7 @@ std::int64_t FileStatus::GetSize(const StdString& path) {
     return m_status.st_size;
 }
 
-bool FileStatus::GetStatus(int descriptor, struct stat64& status) {
-    return fstat64(descriptor, &status) == 0;
-}
+bool FileStatus::GetStatus(int descriptor, struct stat64& status) { return fstat64(descriptor, &status) == 0; }
 
 bool FileStatus::Look(const StdString& path) {
     m_path = path;

@@ -52,9 +52,7 @@ SDCard::~SDCard() {
     Unmount();
 }
 
-bool SDCard::IsPresent() const {
-    return FileStatus().IsBlockDevice(Device);
-}
+bool SDCard::IsPresent() const { return FileStatus().IsBlockDevice(Device); }
 
 bool SDCard::IsMounted() {
     if (m_mountPath.IsEmpty()) {
@@ -78,18 +76,14 @@ bool SDCard::Mount() {
     return mount(Partition, m_mountPath.CString(), FileSystem, MountFlags, MountData) == 0;
 }
 
-bool SDCard::Unmount() {
-    return umount(m_mountPath.CString()) == 0;
-}
+bool SDCard::Unmount() { return umount(m_mountPath.CString()) == 0; }
 
 bool SDCard::SetMountPath(const StdString& path) {
     m_mountPath = path;
     return true;
 }
 
-bool SDCard::IsSwitchSet() const {
-    return IsPresent() && GpioPin(SwitchBank, SwitchPin).Read() == HIGH_GPIO_LEVEL;
-}
+bool SDCard::IsSwitchSet() const { return IsPresent() && GpioPin(SwitchBank, SwitchPin).Read() == HIGH_GPIO_LEVEL; }
 
 std::int64_t SDCard::GetTotalBytes() {
     struct statfs64 space {};

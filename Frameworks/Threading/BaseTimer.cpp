@@ -5,13 +5,9 @@
 #include <algorithm>
 #include <chrono>
 
-BaseTimer::BaseTimer() {
-    m_durationValue.Clear();
-}
+BaseTimer::BaseTimer() { m_durationValue.Clear(); }
 
-BaseTimer::~BaseTimer() {
-    EndRuns();
-}
+BaseTimer::~BaseTimer() { EndRuns(); }
 
 void BaseTimer::SetDuration(std::uint32_t milliseconds) {
     const std::lock_guard lock(m_mutex);
@@ -54,13 +50,9 @@ std::int32_t BaseTimer::Run() {
     return Exit();
 }
 
-void BaseTimer::Kill() {
-    m_cancelled = true;
-}
+void BaseTimer::Kill() { m_cancelled = true; }
 
-std::int32_t BaseTimer::Exit() {
-    pthread_exit(nullptr);
-}
+std::int32_t BaseTimer::Exit() { pthread_exit(nullptr); }
 
 bool BaseTimer::Init() {
     const std::lock_guard lock(m_mutex);  // several runs share the object

@@ -6,9 +6,7 @@ namespace {
 std::atomic<ReportFunction> reportFunction{nullptr};
 }
 
-void SetReportFunction(ReportFunction function) {
-    reportFunction = function;
-}
+void SetReportFunction(ReportFunction function) { reportFunction = function; }
 
 void Report(const StdString& text, LogLevel level, ControllerType origin) {
     if (const ReportFunction function = reportFunction) {

@@ -13,21 +13,13 @@ namespace {
 constexpr std::size_t FormatMargin = 1024;
 constexpr std::size_t NumberSize = 64;
 
-int Position(std::size_t found) {
-    return found == std::string::npos ? -1 : static_cast<int>(found);
-}
+int Position(std::size_t found) { return found == std::string::npos ? -1 : static_cast<int>(found); }
 
-std::size_t LastStart(int start) {
-    return start < 0 ? std::string::npos : static_cast<std::size_t>(start);
-}
+std::size_t LastStart(int start) { return start < 0 ? std::string::npos : static_cast<std::size_t>(start); }
 
-char Upper(char character) {
-    return static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
-}
+char Upper(char character) { return static_cast<char>(std::toupper(static_cast<unsigned char>(character))); }
 
-char Lower(char character) {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-}
+char Lower(char character) { return static_cast<char>(std::tolower(static_cast<unsigned char>(character))); }
 
 }  // namespace
 
@@ -76,13 +68,9 @@ int StdString::ReverseFind(char character, int start) const {
     return Position(m_text.rfind(character, LastStart(start)));
 }
 
-StdString StdString::Left(int count) const {
-    return Mid(0, std::clamp(count, 0, Length()));
-}
+StdString StdString::Left(int count) const { return Mid(0, std::clamp(count, 0, Length())); }
 
-StdString StdString::Right(int count) const {
-    return Mid(Length() - std::clamp(count, 0, Length()));
-}
+StdString StdString::Right(int count) const { return Mid(Length() - std::clamp(count, 0, Length())); }
 
 StdString StdString::Mid(int start, int count) const {
     const int from = std::max(start, 0);
@@ -92,34 +80,22 @@ StdString StdString::Mid(int start, int count) const {
     return m_text.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(std::max(count, 0)));
 }
 
-StdString StdString::Mid(int start) const {
-    return Mid(start, Length());
-}
+StdString StdString::Mid(int start) const { return Mid(start, Length()); }
 
 void StdString::Trim(const char* set) {
     TrimRight(set);
     TrimLeft(set);
 }
 
-void StdString::TrimLeft(const char* set) {
-    m_text.erase(0, m_text.find_first_not_of(set));
-}
+void StdString::TrimLeft(const char* set) { m_text.erase(0, m_text.find_first_not_of(set)); }
 
-void StdString::TrimRight(const char* set) {
-    m_text.erase(m_text.find_last_not_of(set) + 1);
-}
+void StdString::TrimRight(const char* set) { m_text.erase(m_text.find_last_not_of(set) + 1); }
 
-void StdString::ToUpper() {
-    std::transform(m_text.begin(), m_text.end(), m_text.begin(), Upper);
-}
+void StdString::ToUpper() { std::transform(m_text.begin(), m_text.end(), m_text.begin(), Upper); }
 
-void StdString::ToLower() {
-    std::transform(m_text.begin(), m_text.end(), m_text.begin(), Lower);
-}
+void StdString::ToLower() { std::transform(m_text.begin(), m_text.end(), m_text.begin(), Lower); }
 
-void StdString::Reverse() {
-    std::reverse(m_text.begin(), m_text.end());
-}
+void StdString::Reverse() { std::reverse(m_text.begin(), m_text.end()); }
 
 int StdString::Replace(char from, char to) {
     const auto count = std::count(m_text.begin(), m_text.end(), from);
@@ -142,13 +118,9 @@ int StdString::Replace(const char* from, const char* to) {
     return count;
 }
 
-void StdString::Remove(char character) {
-    std::erase(m_text, character);
-}
+void StdString::Remove(char character) { std::erase(m_text, character); }
 
-void StdString::Insert(int position, char character) {
-    Insert(position, StdString(character));
-}
+void StdString::Insert(int position, char character) { Insert(position, StdString(character)); }
 
 void StdString::Insert(int position, const StdString& text) {
     m_text.insert(static_cast<std::size_t>(std::clamp(position, 0, Length())), text.m_text);
@@ -178,9 +150,7 @@ void StdString::Format(const char* format, ...) {
     m_text = length < 1 ? "" : buffer.data();
 }
 
-std::int32_t StdString::ToInteger() {
-    return static_cast<std::int32_t>(ToUnsigned());
-}
+std::int32_t StdString::ToInteger() { return static_cast<std::int32_t>(ToUnsigned()); }
 
 std::uint32_t StdString::ToUnsigned() {
     Trim();
@@ -193,13 +163,9 @@ std::uint32_t StdString::ToUnsigned() {
     return std::sscanf(m_text.c_str(), "%x", &value) == 1 ? value : 0;
 }
 
-double StdString::ToDouble() const {
-    return std::strtod(m_text.c_str(), nullptr);
-}
+double StdString::ToDouble() const { return std::strtod(m_text.c_str(), nullptr); }
 
-float StdString::ToFloat() const {
-    return static_cast<float>(ToDouble());
-}
+float StdString::ToFloat() const { return static_cast<float>(ToDouble()); }
 
 bool StdString::ToBool() {
     Trim();

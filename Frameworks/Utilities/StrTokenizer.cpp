@@ -24,25 +24,15 @@ StdString StrTokenizer::GetToken(int index) const {
     return index >= 0 && index < GetCount() ? m_tokens[static_cast<std::size_t>(index)] : StdString();
 }
 
-std::int32_t StrTokenizer::GetInteger(int index) const {
-    return GetToken(index).ToInteger();
-}
+std::int32_t StrTokenizer::GetInteger(int index) const { return GetToken(index).ToInteger(); }
 
-std::uint32_t StrTokenizer::GetUnsigned(int index) const {
-    return GetToken(index).ToUnsigned();
-}
+std::uint32_t StrTokenizer::GetUnsigned(int index) const { return GetToken(index).ToUnsigned(); }
 
-double StrTokenizer::GetDouble(int index) const {
-    return GetToken(index).ToDouble();
-}
+double StrTokenizer::GetDouble(int index) const { return GetToken(index).ToDouble(); }
 
-StdString StrTokenizer::JoinUpTo(int last) const {
-    return Join(0, last);
-}
+StdString StrTokenizer::JoinUpTo(int last) const { return Join(0, last); }
 
-StdString StrTokenizer::JoinFrom(int first) const {
-    return Join(first, GetCount() - 1);
-}
+StdString StrTokenizer::JoinFrom(int first) const { return Join(first, GetCount() - 1); }
 
 StdString StrTokenizer::Join(int first, int last) const {
     StdString joined;

@@ -18,13 +18,9 @@ const StdString& TimeInfo::DefaultFormat() {
     return format;
 }
 
-TimeInfo::TimeInfo() : m_format(DefaultFormat()) {
-    ResetTime();
-}
+TimeInfo::TimeInfo() : m_format(DefaultFormat()) { ResetTime(); }
 
-TimeInfo::TimeInfo(std::uint32_t milliseconds) : TimeInfo() {
-    AddMilliSeconds(milliseconds);
-}
+TimeInfo::TimeInfo(std::uint32_t milliseconds) : TimeInfo() { AddMilliSeconds(milliseconds); }
 
 TimeInfo& TimeInfo::operator=(const timespec& time) {
     m_seconds = static_cast<std::int32_t>(time.tv_sec);

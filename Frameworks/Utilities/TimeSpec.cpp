@@ -14,15 +14,11 @@ std::int64_t TotalNanoSeconds(const TimeSpec& time) {
     return std::int64_t{time.GetSeconds()} * NanoSecondsPerSecond + time.GetNanoSeconds();
 }
 
-std::int64_t NanoSecondsOfTenths(std::uint32_t tenths) {
-    return std::int64_t{tenths & 0xFFFFU} * NanoSecondsPerTenth;
-}
+std::int64_t NanoSecondsOfTenths(std::uint32_t tenths) { return std::int64_t{tenths & 0xFFFFU} * NanoSecondsPerTenth; }
 
 }  // namespace
 
-TimeSpec::TimeSpec() {
-    GetTime();
-}
+TimeSpec::TimeSpec() { GetTime(); }
 
 void TimeSpec::SetTenthMilliSeconds(std::uint32_t tenths) {
     const std::int64_t total = NanoSecondsOfTenths(tenths);
@@ -75,13 +71,9 @@ bool operator<(const TimeSpec& left, const TimeSpec& right) {
     return std::tie(left.m_seconds, left.m_nanoSeconds) < std::tie(right.m_seconds, right.m_nanoSeconds);
 }
 
-bool TimeSpec::IsBelowNanoSeconds(std::int64_t nanoSeconds) const {
-    return TotalNanoSeconds(*this) < nanoSeconds;
-}
+bool TimeSpec::IsBelowNanoSeconds(std::int64_t nanoSeconds) const { return TotalNanoSeconds(*this) < nanoSeconds; }
 
-bool TimeSpec::IsAboveNanoSeconds(std::int64_t nanoSeconds) const {
-    return TotalNanoSeconds(*this) > nanoSeconds;
-}
+bool TimeSpec::IsAboveNanoSeconds(std::int64_t nanoSeconds) const { return TotalNanoSeconds(*this) > nanoSeconds; }
 
 bool TimeSpec::IsBelowTenthMilliSeconds(std::uint32_t tenths) const {
     return IsBelowNanoSeconds(NanoSecondsOfTenths(tenths));

@@ -3,7 +3,8 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
-class PeriodicHardwareTestMessage : public DataMessageOf<PeriodicHardwareTestMessage, PERIODIC_HARDWARE_TEST_DATA_MESSAGE> {
+class PeriodicHardwareTestMessage
+    : public DataMessageOf<PeriodicHardwareTestMessage, PERIODIC_HARDWARE_TEST_DATA_MESSAGE> {
 public:
     // 1 board voltages, 2 audio amplifier, 3 and 4 the motor stages, 5 all four.
     std::int32_t GetTestSelector() const { return m_testSelector; }

@@ -35,13 +35,9 @@ StdString Truncated(double number) {
     return Decimal(std::isnan(number) ? 0 : static_cast<std::int32_t>(std::clamp<double>(number, lowest, highest)));
 }
 
-StdString Dates(const TimeInfo& time) {
-    return time.GetTimeString(0) + "," + Real(time.GetXcelTime(), "%20.10f");
-}
+StdString Dates(const TimeInfo& time) { return time.GetTimeString(0) + "," + Real(time.GetXcelTime(), "%20.10f"); }
 
-StdString Seconds(const TimeInfo& time) {
-    return Decimal(time.GetSeconds()) + "," + Decimal(time.GetNanoSeconds());
-}
+StdString Seconds(const TimeInfo& time) { return Decimal(time.GetSeconds()) + "," + Decimal(time.GetNanoSeconds()); }
 
 StdString UnsignedSeconds(const TimeInfo& time) {
     return UnsignedDecimal(static_cast<std::uint32_t>(time.GetSeconds())) + "," +

@@ -13,21 +13,13 @@ std::uint16_t AdcStatusInfo::GetSignalId() const {
     return static_cast<std::uint16_t>(std::min(m_signalId, Largest16Bits));
 }
 
-void AdcStatusInfo::SetSignalId(std::uint32_t id) {
-    m_signalId = std::min(id, Largest16Bits);
-}
+void AdcStatusInfo::SetSignalId(std::uint32_t id) { m_signalId = std::min(id, Largest16Bits); }
 
-std::uint32_t AdcStatusInfo::GetSampleCount() const {
-    return std::min(m_sampleCount, Largest16Bits);
-}
+std::uint32_t AdcStatusInfo::GetSampleCount() const { return std::min(m_sampleCount, Largest16Bits); }
 
-void AdcStatusInfo::SetSampleCount(std::uint32_t count) {
-    m_sampleCount = std::min(count, Largest8Bits);
-}
+void AdcStatusInfo::SetSampleCount(std::uint32_t count) { m_sampleCount = std::min(count, Largest8Bits); }
 
-void AdcStatusInfo::SetSpareValue(float value) {
-    m_spareValue = value > 0.0F ? value : 0.0F;
-}
+void AdcStatusInfo::SetSpareValue(float value) { m_spareValue = value > 0.0F ? value : 0.0F; }
 
 bool AdcStatusInfo::AddReading(std::int32_t seconds, std::int32_t nanoSeconds, std::int32_t value) {
     const std::size_t before = m_readings.size();

@@ -9,9 +9,7 @@ namespace {
 
 constexpr double LargestUnsigned = 4294967295.0;
 
-StdString LowByte(std::uint32_t number) {
-    return static_cast<char>(static_cast<unsigned char>(number & 0xFFU));
-}
+StdString LowByte(std::uint32_t number) { return static_cast<char>(static_cast<unsigned char>(number & 0xFFU)); }
 
 // Whole part; what lies outside the range is held at its ends, and what is no number gives 0, as the instrument's own
 // processor converts.
@@ -39,10 +37,6 @@ double Transmittance(double dark, double reference, double sample) {
     return (sample - dark) / (reference - dark);
 }
 
-double Absorbance(double transmittance) {
-    return -std::log10(transmittance);
-}
+double Absorbance(double transmittance) { return -std::log10(transmittance); }
 
-double Chlorine(double cellConstant, double absorbance) {
-    return cellConstant * absorbance;
-}
+double Chlorine(double cellConstant, double absorbance) { return cellConstant * absorbance; }

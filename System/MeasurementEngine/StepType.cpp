@@ -30,19 +30,13 @@ constexpr StepNames Names[StepCount] = {
     {"SanityCheck", "Sanity Check"},
 };
 
-bool IsStep(StepType step) {
-    return step >= 0 && step < StepCount;
-}
+bool IsStep(StepType step) { return step >= 0 && step < StepCount; }
 
 }  // namespace
 
-StdString GetStepInternalName(StepType step) {
-    return IsStep(step) ? Names[step].internalName : "";
-}
+StdString GetStepInternalName(StepType step) { return IsStep(step) ? Names[step].internalName : ""; }
 
-StdString GetStepDisplayName(StepType step) {
-    return IsStep(step) ? Names[step].displayName : "";
-}
+StdString GetStepDisplayName(StepType step) { return IsStep(step) ? Names[step].displayName : ""; }
 
 StepType FindStepType(const StdString& internalName) {
     for (int step = 0; step < StepCount; ++step) {

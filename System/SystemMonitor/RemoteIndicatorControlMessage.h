@@ -3,7 +3,8 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
-class RemoteIndicatorControlMessage : public DataMessageOf<RemoteIndicatorControlMessage, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE> {
+class RemoteIndicatorControlMessage
+    : public DataMessageOf<RemoteIndicatorControlMessage, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE> {
 public:
     // Statuses: 0 off, 1 normal, 2 alert, 3 alarm or failure.
     std::int32_t GetWaterStatus() const { return m_waterStatus; }

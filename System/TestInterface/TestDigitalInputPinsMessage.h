@@ -5,7 +5,8 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
-class TestDigitalInputPinsMessage : public DataMessageOf<TestDigitalInputPinsMessage, TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE> {
+class TestDigitalInputPinsMessage
+    : public DataMessageOf<TestDigitalInputPinsMessage, TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE> {
 public:
     // Bank times 32 plus pin.
     std::uint16_t GetPinId() const { return m_pinId; }

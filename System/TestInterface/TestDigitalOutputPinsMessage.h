@@ -3,7 +3,8 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
-class TestDigitalOutputPinsMessage : public DataMessageOf<TestDigitalOutputPinsMessage, TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE> {
+class TestDigitalOutputPinsMessage
+    : public DataMessageOf<TestDigitalOutputPinsMessage, TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE> {
 public:
     // Bank times 32 plus pin.
     std::uint16_t GetPinId() const { return m_pinId; }

@@ -2,9 +2,7 @@
 
 #include "System/TestInterface/TimerCompleteMessage.h"
 
-TestInterfaceTimer::TestInterfaceTimer() {
-    SetThreadName(ControllerNames[TEST_INTERFACE] + "_TestInterfaceTimer");
-}
+TestInterfaceTimer::TestInterfaceTimer() { SetThreadName(ControllerNames[TEST_INTERFACE] + "_TestInterfaceTimer"); }
 
 bool TestInterfaceTimer::TimerExpired() {
     auto message = std::make_unique<TimerCompleteMessage>();

@@ -19,7 +19,8 @@ public:
     CommandType GetNextCommand() const { return m_nextCommand; }
     void SetNextCommand(CommandType nextCommand) { m_nextCommand = nextCommand; }
 
-    // Straight to the test interface's queue, past the router. False, and the message is lost, where nobody registered it.
+    // Straight to the test interface's queue, past the router. False, and the message is lost, where nobody registered
+    // it.
     static bool SendToOwner(std::unique_ptr<TimerCompleteMessage> message);
 
 private:

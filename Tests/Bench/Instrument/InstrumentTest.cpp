@@ -292,9 +292,7 @@ TEST_F(Instrument, led_drifts_with_the_hours) {
     EXPECT_NEAR((Read() - settings.darkCount) / fresh, 0.8, 1e-5);
 }
 
-TEST_F(Instrument, disabled_led_leaves_the_dark_count) {
-    EXPECT_EQ(Read(), 1500);
-}
+TEST_F(Instrument, disabled_led_leaves_the_dark_count) { EXPECT_EQ(Read(), 1500); }
 
 TEST_F(Instrument, dead_led_leaves_the_dark_count_at_any_duty) {
     settings.ledDead = true;

@@ -15,9 +15,7 @@ std::unique_ptr<CommandMessage> Command(CommandType type, ThreadControl* source,
     return message;
 }
 
-void Join(const ThreadBase& thread) {
-    EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), 0);
-}
+void Join(const ThreadBase& thread) { EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), 0); }
 
 // A thread that the test ends itself.
 class EndingController : public RecordingController {

@@ -14,16 +14,10 @@ StdString Changed(const char* text, Function change) {
     return result;
 }
 
-std::int32_t Integer(const char* text) {
-    return StdString(text).ToInteger();
-}
-bool Flag(const char* text) {
-    return StdString(text).ToBool();
-}
+std::int32_t Integer(const char* text) { return StdString(text).ToInteger(); }
+bool Flag(const char* text) { return StdString(text).ToBool(); }
 
-std::string TemporaryPath(const char* name) {
-    return (std::filesystem::path(testing::TempDir()) / name).string();
-}
+std::string TemporaryPath(const char* name) { return (std::filesystem::path(testing::TempDir()) / name).string(); }
 
 }  // namespace
 
@@ -216,6 +210,4 @@ TEST(StdString, a_file_that_does_not_open_leaves_an_empty_text) {
     EXPECT_EQ(StdString("x").WriteFile(TemporaryPath("no/such/folder")), 0);
 }
 
-TEST(StdString, a_write_that_fails_at_the_close_counts_nothing) {
-    EXPECT_EQ(StdString("x").WriteFile("/dev/full"), 0);
-}
+TEST(StdString, a_write_that_fails_at_the_close_counts_nothing) { EXPECT_EQ(StdString("x").WriteFile("/dev/full"), 0); }

@@ -27,9 +27,7 @@ TEST(StrTokenizer, cuts_at_each_delimiter_and_keeps_empty_tokens) {
     EXPECT_EQ(Split(",", ","), (Expected{"", ""}));
 }
 
-TEST(StrTokenizer, a_text_without_the_delimiter_is_one_token) {
-    EXPECT_EQ(Split("abc", ","), (Expected{"abc"}));
-}
+TEST(StrTokenizer, a_text_without_the_delimiter_is_one_token) { EXPECT_EQ(Split("abc", ","), (Expected{"abc"})); }
 
 TEST(StrTokenizer, a_longer_delimiter_leaves_its_tail_in_front_of_the_next_token) {
     EXPECT_EQ(Split("a--b--c", "--"), (Expected{"a", "-b", "-c"}));

@@ -17,9 +17,7 @@ TimeInfo At(std::int32_t seconds, std::int32_t nanoSeconds) {
     return info;
 }
 
-TimeSpec Span(std::int32_t seconds, std::int32_t nanoSeconds) {
-    return {seconds, nanoSeconds};
-}
+TimeSpec Span(std::int32_t seconds, std::int32_t nanoSeconds) { return {seconds, nanoSeconds}; }
 
 class TimeStrings : public testing::Test {
 protected:
@@ -42,9 +40,7 @@ TEST_F(TimeStrings, carry_no_leading_zeros_in_the_fraction) {
     EXPECT_EQ(At(0, 0).GetTimeString(9), "MST 1969-12-31 17:00:00.0");
 }
 
-TEST_F(TimeStrings, with_0_digits_have_no_fraction) {
-    EXPECT_EQ(At(0, 5).GetTimeString(0), "MST 1969-12-31 17:00:00");
-}
+TEST_F(TimeStrings, with_0_digits_have_no_fraction) { EXPECT_EQ(At(0, 5).GetTimeString(0), "MST 1969-12-31 17:00:00"); }
 
 TEST_F(TimeStrings, above_9_digits_have_the_whole_number) {
     EXPECT_EQ(At(0, 1234567890).GetTimeString(10), "MST 1969-12-31 17:00:00.1234567890");
