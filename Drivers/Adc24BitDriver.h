@@ -27,7 +27,7 @@ public:
 private:
     bool ReadLocked(SpiDevice& device, bool convert);
     bool StartConversion(SpiDevice& device) const;
-    bool ReadResult(SpiDevice& device);
+    void ReadResult(SpiDevice& device);
 
     bool m_valid = true;
     std::uint32_t m_channel;

@@ -12,7 +12,7 @@ public:
     ~HeldLock() = default;
 
     // Waits while anyone holds it, the holder itself included.
-    bool Lock(const void* holder);
+    void Lock(const void* holder);
     // False, and nothing changes, unless this holder holds it.
     bool Unlock(const void* holder);
     // Whether this holder locked it on the calling thread.

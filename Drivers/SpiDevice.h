@@ -19,13 +19,13 @@ public:
     bool IsOpen() const { return m_isOpen; }
 
     // Lengths in bytes. True if the whole length went.
-    bool Read(void* buffer, std::uint32_t length);
-    bool Write(const void* buffer, std::uint32_t length);
+    bool Read(void* buffer, std::uint32_t length) const;
+    bool Write(const void* buffer, std::uint32_t length) const;
 
     // What comes in replaces what went out, as one transfer, or as one transfer a word (1 byte up to 8 bits a word,
     // else 2 bytes; at most 511 words).
-    bool Transfer(void* buffer, std::uint32_t length);
-    bool TransferWords(void* buffer, std::uint32_t length);
+    bool Transfer(void* buffer, std::uint32_t length) const;
+    bool TransferWords(void* buffer, std::uint32_t length) const;
 
 private:
     bool Open(const std::string& path);

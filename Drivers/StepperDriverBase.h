@@ -38,8 +38,6 @@ protected:
     bool WriteEnablePin(std::int32_t level);
 
 private:
-    bool EnablePwm(bool on);
-
     bool m_valid = false;
     std::uint8_t m_channel;
     std::unique_ptr<PwmChannel> m_pwm;

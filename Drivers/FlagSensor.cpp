@@ -1,0 +1,32 @@
+#include "Drivers/FlagSensor.h"
+
+#include <algorithm>
+
+#include "Drivers/PinAddress.h"
+
+namespace {
+
+constexpr PinAddress FlagLine{1, 18};
+
+constexpr std::uint32_t ShortestWait = 1000;
+constexpr std::uint32_t LongestWait = 60000;
+
+std::int32_t WaitTime(std::uint32_t milliseconds) {
+    return static_cast<std::int32_t>(std::clamp(milliseconds, ShortestWait, LongestWait));
+}
+
+}  // namespace
+
+FlagSensor::FlagSensor() : m_pin(FlagLine.bank, FlagLine.pin, EDGE_GPIO_MODE, BOTH_GPIO_EDGE) {}
+
+bool FlagSensor::IsHigh() const { return m_pin.Read() == HIGH_GPIO_LEVEL; }
+
+bool FlagSensor::IsLow() const { return m_pin.Read() == LOW_GPIO_LEVEL; }
+
+bool FlagSensor::WaitForHigh(std::uint32_t milliseconds) const {
+    return m_pin.WaitForEdge(WaitTime(milliseconds)) == HIGH_GPIO_LEVEL;
+}
+
+bool FlagSensor::WaitForLow(std::uint32_t milliseconds) const {
+    return m_pin.WaitForEdge(WaitTime(milliseconds)) == LOW_GPIO_LEVEL;
+}

@@ -1,0 +1,70 @@
+#include "Drivers/MemoryMappedIO.h"
+
+#include <iterator>
+
+#include "Drivers/PhysicalMemory.h"
+#include "Frameworks/Utilities/Report.h"
+
+namespace {
+
+constexpr std::uint32_t PinsPerBank = 32;
+
+struct PioRegisters {
+    std::uint32_t outputSet;
+    std::uint32_t outputClear;
+    std::uint32_t outputStatus;
+    std::uint32_t dataStatus;
+};
+
+// By bank.
+constexpr PioRegisters Registers[] = {
+    {0xFFFFF430, 0xFFFFF434, 0xFFFFF418, 0xFFFFF43C},
+    {0xFFFFF630, 0xFFFFF634, 0xFFFFF618, 0xFFFFF63C},
+    {0xFFFFF830, 0xFFFFF834, 0xFFFFF818, 0xFFFFF83C},
+    {0xFFFFFA30, 0xFFFFFA34, 0xFFFFFA18, 0xFFFFFA3C},
+};
+
+bool Fail(const char* text) {
+    Report(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
+    return false;
+}
+
+bool OpenFor(std::uint32_t bank, std::uint32_t pin, PhysicalMemory& memory) {
+    if (bank >= std::size(Registers) || pin >= PinsPerBank) {
+        return Fail("MemoryMappedIO - Invalid GPIO pin");
+    }
+    return memory.Open() || Fail("MemoryMappedIO - 'Open' error");
+}
+
+GpioLevel ReadBit(std::uint32_t bank, std::uint32_t pin, std::uint32_t PioRegisters::*status, GpioLevel onError) {
+    PhysicalMemory memory;
+    if (!OpenFor(bank, pin, memory)) {
+        return onError;
+    }
+    std::uint32_t word = 0;
+    if (!memory.ReadWord(Registers[bank].*status, word)) {
+        Fail("MemoryMappedIO - 'Read' error");
+        return onError;
+    }
+    return (word >> pin & 1U) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL;
+}
+
+}  // namespace
+
+GpioLevel MemoryMappedIO::ReadPin(std::uint32_t bank, std::uint32_t pin) {
+    return ReadBit(bank, pin, &PioRegisters::dataStatus, ERROR_GPIO_LEVEL);
+}
+
+GpioLevel MemoryMappedIO::ReadOutput(std::uint32_t bank, std::uint32_t pin) {
+    return ReadBit(bank, pin, &PioRegisters::outputStatus, LOW_GPIO_LEVEL);
+}
+
+bool MemoryMappedIO::WritePin(std::uint32_t bank, std::uint32_t pin, std::uint32_t level) {
+    PhysicalMemory memory;
+    if (!OpenFor(bank, pin, memory)) {
+        return false;
+    }
+    const PioRegisters& registers = Registers[bank];
+    const std::uint32_t address = level != 0 ? registers.outputSet : registers.outputClear;
+    return memory.WriteWord(address, 1U << pin) || Fail("MemoryMappedIO - 'Write' error");
+}

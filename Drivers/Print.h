@@ -1,0 +1,8 @@
+// How a driver tells a failure to whoever stands at the terminal: the text as it is, at once, without a line end of its
+// own. Any thread.
+#pragma once
+
+#include <string_view>
+
+void PrintError(std::string_view text);   // standard error stream
+void PrintOutput(std::string_view text);  // standard output

@@ -1,0 +1,99 @@
+#include "Drivers/StepperDriverMotor.h"
+
+#include "Drivers/Print.h"
+
+namespace {
+
+constexpr std::uint32_t MovingLimit = 7;
+constexpr std::uint32_t RestingLimit = 0;
+constexpr std::uint32_t HighestLimit = 7;
+
+constexpr float DegreesPerRevolution = 360.0F;
+constexpr float StepsPerRevolution = 1600.0F;
+constexpr float MillisecondsPerSecond = 1000.0F;
+constexpr float HighestDutyCycle = 100.0F;
+
+bool Fail(const char* text) {
+    PrintOutput(text);
+    return false;
+}
+
+}  // namespace
+
+StepperDriverMotor::~StepperDriverMotor() {
+    for (auto& line : m_limitPins) {
+        line.reset();
+    }
+}
+
+bool StepperDriverMotor::SetUpCurrentLimit(PinAddress bit0, PinAddress bit1, PinAddress bit2,
+                                           std::uint32_t initialLimit) {
+    const std::array<PinAddress, 3> addresses{bit0, bit1, bit2};
+    bool areOutputs = true;
+    for (std::size_t bit = 0; bit < addresses.size(); ++bit) {
+        m_limitPins[bit].reset();
+        m_limitPins[bit] =
+            std::make_unique<GpioPin>(addresses[bit].bank, addresses[bit].pin, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
+        areOutputs = m_limitPins[bit]->IsValid() && areOutputs;
+    }
+    if (!areOutputs) {
+        PrintOutput("Setting current limit GPIO pin(s) to outputs failed");
+    }
+    if (!areOutputs || !SetCurrentLimit(initialLimit)) {
+        SetInvalid();
+    }
+    return IsValid();
+}
+
+// One line that fails does not keep the others at the old limit.
+bool StepperDriverMotor::SetCurrentLimit(std::uint32_t limit) {
+    if (!IsValid()) {
+        return false;
+    }
+    const std::uint32_t bits = limit <= HighestLimit ? limit : RestingLimit;
+    bool written = true;
+    for (std::size_t bit = 0; bit < m_limitPins.size(); ++bit) {
+        const auto level = static_cast<std::int32_t>(bits >> bit & 1U);
+        written = m_limitPins[bit] != nullptr && m_limitPins[bit]->Write(level) && written;
+    }
+    return written || Fail("Reagent Stepper Motor: Setting current limit pin values failed");
+}
+
+bool StepperDriverMotor::StartMotor(float dutyCycle, float frequency, std::uint32_t limit) {
+    if (IsValid()) {
+        m_lock.Lock(this);
+        if (SetCurrentLimit(limit) && Start(dutyCycle, frequency)) {
+            return true;
+        }
+    }
+    return Fail("StepperDriverMotor: Start operation failed");
+}
+
+bool StepperDriverMotor::MoveAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait) {
+    const bool inRange = IsValid() && angle > 0.0F && dutyCycle > 0.0F && dutyCycle <= HighestDutyCycle;
+    if (inRange && milliseconds != 0) {
+        m_lock.Lock(this);
+        if (SetCurrentLimit(MovingLimit) && RunAngle(angle, dutyCycle, milliseconds, busyWait) && Brake()) {
+            return true;
+        }
+    }
+    return Fail("StepperDriverMotor::MoveAngle failed!");
+}
+
+bool StepperDriverMotor::RunAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait) {
+    const float pulses = angle / DegreesPerRevolution * StepsPerRevolution;
+    const float seconds = static_cast<float>(milliseconds) / MillisecondsPerSecond;
+    return RunForTime(dutyCycle, 1.0F / (seconds / pulses), milliseconds, busyWait);
+}
+
+// The homing of the pump brakes a motor that has been braked before: that the object is not held any more is no
+// failure.
+bool StepperDriverMotor::Brake() {
+    bool braked = false;
+    if (IsValid()) {
+        const bool limited = SetCurrentLimit(RestingLimit);
+        braked = WriteEnablePin(LOW_GPIO_LEVEL) && limited;
+    }
+    m_lock.Unlock(this);
+    return braked || Fail("StepperDriverMotor: Brake operation failed");
+}
