@@ -1,0 +1,128 @@
+// Holds the includes of the product against the order of its layers.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// From the bottom up; an area may include itself and what stands in its row.
+const std::map<std::string, std::vector<std::string>>& Layers() {
+    static const std::map<std::string, std::vector<std::string>> layers = {
+        {"Frameworks/Utilities", {}},
+        {"Frameworks/Xml", {"Frameworks/Utilities"}},
+        {"Frameworks/Threading", {"Frameworks/Utilities"}},
+        {"Frameworks/Messaging", {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading"}},
+        {"Frameworks/Configuration",
+         {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading", "Frameworks/Messaging"}},
+        {"Drivers", {"Frameworks/Utilities", "Frameworks/Threading", "Frameworks/Messaging"}},
+        {"Frameworks/Storage", {"Frameworks/Utilities", "Frameworks/Threading", "Frameworks/Messaging", "Drivers"}},
+        {"System",
+         {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading", "Frameworks/Messaging",
+          "Frameworks/Configuration", "Frameworks/Storage", "Drivers"}},
+    };
+    return layers;
+}
+
+// What travels in the messages of a controller, and may so be known to others.
+const std::vector<std::string>& SharedRecords() {
+    static const std::vector<std::string> records = {"MeasurementResults.h", "StepResults.h", "StepParameters.h",
+                                                     "StepType.h", "DetectorInformation.h", "AdcStatusInfo.h"};
+    return records;
+}
+
+struct Include {
+    std::string file;    // from the root of the project
+    std::string target;  // as written
+};
+
+bool StartsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
+
+std::vector<std::string> FilesBelow(const std::string& folder) {
+    std::vector<std::string> files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(SOURCE_FOLDER) / folder)) {
+        const std::string extension = entry.path().extension().string();
+        if (extension == ".h" || extension == ".cpp") {
+            files.push_back(fs::relative(entry.path(), SOURCE_FOLDER).string());
+        }
+    }
+    return files;
+}
+
+std::vector<Include> IncludesBelow(const std::string& folder) {
+    static const std::regex pattern("^\\s*#\\s*include\\s*\"([^\"]+)\"");
+    std::vector<Include> includes;
+    for (const std::string& file : FilesBelow(folder)) {
+        std::ifstream stream(fs::path(SOURCE_FOLDER) / file);
+        std::smatch match;
+        for (std::string line; std::getline(stream, line);) {
+            if (std::regex_search(line, match, pattern)) {
+                includes.push_back({file, match[1]});
+            }
+        }
+    }
+    return includes;
+}
+
+std::string AreaOf(const std::string& path) {
+    for (const auto& [area, lower] : Layers()) {
+        if (StartsWith(path, area + "/")) {
+            return area;
+        }
+    }
+    return path;
+}
+
+// System/<Controller>/File.h gives <Controller>.
+std::string ControllerOf(const std::string& path) {
+    const std::string rest = path.substr(std::string("System/").size());
+    return rest.substr(0, rest.find('/'));
+}
+
+bool Contains(const std::vector<std::string>& list, const std::string& item) {
+    return std::find(list.begin(), list.end(), item) != list.end();
+}
+
+}  // namespace
+
+TEST(House, includes_run_downwards) {
+    std::size_t seen = 0;
+    for (const auto& [area, lower] : Layers()) {
+        for (const Include& include : IncludesBelow(area)) {
+            const std::string target = AreaOf(include.target);
+            EXPECT_TRUE(target == area || Contains(lower, target)) << include.file << " includes " << include.target;
+            ++seen;
+        }
+    }
+    EXPECT_GT(seen, 100U);
+}
+
+TEST(House, controllers_know_each_other_by_their_messages_only) {
+    for (const Include& include : IncludesBelow("System")) {
+        if (!StartsWith(include.target, "System/") || StartsWith(include.file, "System/SystemControl/") ||
+            ControllerOf(include.target) == ControllerOf(include.file)) {
+            continue;
+        }
+        const std::string name = fs::path(include.target).filename().string();
+        EXPECT_TRUE(name.ends_with("Message.h") || Contains(SharedRecords(), name))
+            << include.file << " includes " << include.target;
+    }
+}
+
+TEST(House, the_product_does_not_know_the_bench) {
+    static const std::regex words("bench|virtual board|libboard|gtest", std::regex::icase);
+    for (const char* folder : {"Frameworks", "Drivers", "System"}) {
+        for (const std::string& file : FilesBelow(folder)) {
+            std::ifstream stream(fs::path(SOURCE_FOLDER) / file);
+            for (std::string line; std::getline(stream, line);) {
+                EXPECT_FALSE(std::regex_search(line, words)) << file << ": " << line;
+            }
+        }
+    }
+}
