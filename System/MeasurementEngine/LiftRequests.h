@@ -1,0 +1,21 @@
+// What the test link may ask of the board's lines: analog inputs, digital pins, PWM channels. Each operation answers
+// with a new message of the request's class, and uses hardware objects of its own, so it can collide with a cycle on
+// the same lines. One thread at a time: the measurement engine's.
+#pragma once
+
+class AdcStatusMessage;
+class TestDigitalInputPinsMessage;
+class TestDigitalOutputPinsMessage;
+class TestPWMMessage;
+
+// The requested number of readings, one a sample interval. A reading that fails is 0 in the answer and is told nowhere
+// else. False for null, and for what is no request.
+bool LIFTAnalogInput(const AdcStatusMessage* request);
+
+void LIFTDigitalInput(const TestDigitalInputPinsMessage& request);
+
+// The pin is given back at once, so the level stays for as long as the kernel keeps it.
+void LIFTDigitalOutput(const TestDigitalOutputPinsMessage& request);
+
+// Takes a second. A channel that was asked for once stays claimed to the end of the process.
+void LIFTPWM(const TestPWMMessage& request);

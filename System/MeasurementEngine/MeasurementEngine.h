@@ -1,0 +1,30 @@
+// The measurement controller: it turns commands into states, starts and aborts measurement cycles, primes the fluidics,
+// and serves the test link's requests for lines of the board. The cycle has a thread of its own, so the queue is served
+// meanwhile; priming, aborting and the waits block it. Kill may be called from any thread.
+#pragma once
+
+#include "Frameworks/Messaging/ThreadControl.h"
+#include "System/MeasurementEngine/MeasurementControl.h"
+
+class MeasurementEngine final : public ThreadControl {
+public:
+    MeasurementEngine();  // starts the thread
+
+    void Kill() override;  // returns when a cycle in progress has ended its step
+    bool Init() override;
+    // Nothing: the test link's requests are served where they come, and no one sends them here yet.
+    bool DoRegistration() override { return true; }
+    bool ProcessCommandMessage(CommandMessage* message) override;
+    bool ProcessDataMessage(DataMessage* message) override;
+    bool ProcessTimeOut() override;
+
+private:
+    void MoveToIdle();
+    void MoveToRunning();
+    void MoveToShutdown();
+    void Prime();
+    void Collect(const CommandMessage& message);
+    void AnalogInput(const DataMessage& message);
+
+    MeasurementControl m_control;
+};

@@ -1,0 +1,108 @@
+#include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
+
+#include <algorithm>
+
+#include "Drivers/FlagSensor.h"
+#include "Drivers/StepperDriverMotor.h"
+#include "Frameworks/Messaging/MessageController.h"
+#include "System/MeasurementEngine/Truncate.h"
+
+namespace {
+
+constexpr float PumpDutyCycle = 50.0F;
+constexpr std::uint32_t PumpCurrentLimit = 7;
+constexpr double StepsPerDegree = 4.444444444444445;  // 1600 steps a revolution
+constexpr double HighStretch = 390.0;  // degrees: whatever part of the turn the flag is high on, it has ended by then
+constexpr double LowStretch = 60.0;
+constexpr double PastTheEdge = 5.0;
+constexpr int HomingTries = 3;
+
+void LogError(const char* text) {
+    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
+}
+
+std::uint32_t MilliSecondsFor(double degrees, double speed) {
+    return TruncateTo<std::uint32_t>(degrees / speed * 1000.0);
+}
+
+}  // namespace
+
+double PumpTurn(double from, double to) {
+    return to < from ? to + 360.0 - from : to - from;
+}
+
+std::uint32_t PumpTurnTime(float angle, std::uint32_t speed, std::uint32_t duration) {
+    const auto degreesPerSecond = static_cast<float>(speed);
+    float time = 0.0F;
+    if (std::int64_t{TruncateTo<std::int32_t>(angle)} < std::int64_t{speed}) {
+        time = angle >= 1.0F ? 1000.0F / (degreesPerSecond / angle) : 0.0F;
+    } else if (speed != 0) {
+        time = static_cast<float>(TruncateTo<std::int32_t>(angle / degreesPerSecond * 1000.0F));
+    }
+    return TruncateTo<std::uint32_t>(std::min(time, static_cast<float>(duration)));
+}
+
+std::int32_t ReAgentDeliveryProcessing::Exit() {
+    ForgetStep();
+    return StepWorker::Exit();
+}
+
+// The time comes first, so a homing step too has to give an angle and a duration that make one.
+void ReAgentDeliveryProcessing::PerformReAgentProcessing() {
+    const StepParameters& step = *GetStep();
+    const double turn = PumpTurn(m_pumpAngle, step.motorAngle);
+    const std::uint32_t time = PumpTurnTime(step.motorAngle, step.motorSpeed, step.duration);
+    if (time < 1) {
+        LogError(
+            "ReAgentDeliveryProcessing::PerformReAgentProcessing Unable to perform ReAgend Processing due to invalid "
+            "Motor Turn Time");
+        return;
+    }
+    if (step.findStartPosition) {
+        FindHomePosition(step.motorSpeed);
+        m_pumpAngle = 0.0;
+        return;
+    }
+    m_pumpAngle = step.motorAngle;
+    m_motor->MoveAngle(static_cast<float>(turn), PumpDutyCycle, time, false);
+}
+
+bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
+    const FlagSensor flag;
+    if (m_motor == nullptr) {
+        LogError(
+            "ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position due to unavailable device "
+            "object");
+        return false;
+    }
+    const auto frequency = TruncateTo<std::uint32_t>(speed * StepsPerDegree);
+    m_motor->StartMotor(PumpDutyCycle, static_cast<float>(frequency), PumpCurrentLimit);
+    if (!FindRisingEdge(flag, speed)) {
+        StopAndBrake();
+        LogError("ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position");
+        return false;
+    }
+    m_motor->MoveAngle(static_cast<float>(PastTheEdge), PumpDutyCycle, MilliSecondsFor(PastTheEdge, speed), false);
+    return true;
+}
+
+// From inside the high stretch the pump first runs off it, then on to the next rising edge. After one wait for that
+// edge the pump stands, seen or not, so the further tries only wait again.
+bool ReAgentDeliveryProcessing::FindRisingEdge(const FlagSensor& flag, double speed) {
+    bool found = false;
+    for (int tries = 0; !found && tries < HomingTries; ++tries) {
+        if (flag.IsHigh() && !flag.WaitForLow(MilliSecondsFor(HighStretch, speed))) {
+            return false;
+        }
+        if (!flag.IsHigh()) {
+            found = flag.WaitForHigh(MilliSecondsFor(LowStretch, speed));
+            StopAndBrake();
+        }
+    }
+    return found;
+}
+
+void ReAgentDeliveryProcessing::StopAndBrake() {
+    m_motor->Stop();
+    m_motor->Brake();
+}
