@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "Frameworks/Xml/XmlFile.h"
 #include "Frameworks/Xml/XmlIndex.h"
 
 class XmlDocument {
@@ -67,18 +68,18 @@ public:
     const XmlIndex& GetIndex() const { return m_index; }
 
 private:
+    // Every offset has to fit the words of the index.
+    static constexpr std::uint64_t LongestText = 0xFFFFFFFF;
+
     struct Place;
 
     void SetPosition(std::uint32_t parent, std::uint32_t main, std::uint32_t child);
-    bool FitsIndex(std::uint64_t size) const;
     bool Parse();
-    void Refuse(const char* message);
 
     std::string_view NameAt(std::uint32_t index) const;
     std::string_view StartTag(std::uint32_t index) const;
 
     bool FindPlace(std::uint32_t flags, Place& place) const;
-    void OpenParent(const Place& place, std::string& text, std::size_t& lead);
     void Splice(std::size_t offset, std::size_t removed, std::string_view text);
     std::size_t BehindWhiteSpace(std::size_t offset) const;
 
@@ -87,7 +88,6 @@ private:
     std::uint32_t m_parent = 0;
     std::uint32_t m_main = 0;   // 0: before the first child of the parent
     std::uint32_t m_child = 0;  // remembered child of the main element
-    std::uint32_t m_documentFlags = 0;
-    std::string m_encoding;  // of the file that was loaded; empty for none
+    XmlFileForm m_form;         // of the file that was loaded
     XmlIndex m_index;
 };

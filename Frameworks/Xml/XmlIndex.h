@@ -87,7 +87,7 @@ private:
 
     void MakeRoom(std::uint32_t index);
     void Release(std::uint32_t index);
-    std::uint32_t NextInTree(std::uint32_t index, std::uint32_t top) const;
+    std::uint32_t NextInTree(std::uint32_t index) const;
     std::uint32_t DepthBelow(std::uint32_t parent) const;
 
     std::vector<std::unique_ptr<XmlRecord[]>> m_segments;

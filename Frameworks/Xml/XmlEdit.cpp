@@ -1,0 +1,222 @@
+// How a document changes: one splice of the text, and the same change to the offsets of the index.
+#include <algorithm>
+
+#include "Frameworks/Xml/XmlAttributes.h"
+#include "Frameworks/Xml/XmlDocument.h"
+#include "Frameworks/Xml/XmlEntities.h"
+#include "Frameworks/Xml/XmlScanner.h"
+
+namespace {
+
+constexpr std::size_t SpliceReserve = 128;
+constexpr std::string_view EndTagStart = "</";
+
+bool BreaksName(char byte) {
+    return EndsXmlName(byte) || std::string_view("<=&\"'").find(byte) != std::string_view::npos;
+}
+
+// A name that the scanner would read back as it is.
+bool IsAttributeName(std::string_view name) {
+    return !name.empty() && std::none_of(name.begin(), name.end(), BreaksName);
+}
+
+bool IsElementName(std::string_view name) {
+    return IsAttributeName(name) && IsXmlNameStart(name.front());
+}
+
+struct ElementText {
+    std::string text;
+    std::size_t startTag = 0;
+    std::size_t endTag = 0;
+};
+
+ElementText MakeElement(std::string_view name, std::string_view data, std::uint32_t flags) {
+    ElementText element;
+    element.text.append("<").append(name);
+    if (data.empty()) {
+        const bool isOpen = (flags & XmlDocument::NoEndTagFlag) != 0;
+        const char* blank = (flags & XmlDocument::BlankFlag) != 0 ? " " : "";
+        element.text.append(isOpen ? "" : blank).append(isOpen ? ">" : "/>");
+        element.startTag = element.text.size();
+        return element;
+    }
+    element.text += '>';
+    element.startTag = element.text.size();
+    element.text +=
+        (flags & XmlDocument::CDataFlag) != 0 ? XmlCDataSection(data) : EscapeXml(data, XmlEscapeMode::TEXT_MODE);
+    element.endTag = EndTagStart.size() + name.size() + 1;
+    element.text.append(EndTagStart).append(name).append(">");
+    return element;
+}
+
+}  // namespace
+
+struct XmlDocument::Place {
+    std::uint32_t parent = 0;
+    std::uint32_t previous = 0;   // sibling in front of the new element, 0 for none
+    std::size_t offset = 0;       // where the new text goes
+    bool opensParent = false;     // the parent is an empty element; the offset is that of its "/"
+    bool isFirstContent = false;  // the parent has both tags and nothing between them
+};
+
+std::size_t XmlDocument::BehindWhiteSpace(std::size_t offset) const {
+    std::size_t at = offset;
+    while (at < m_text.size() && IsXmlWhiteSpace(m_text[at])) {
+        ++at;
+    }
+    return at < m_text.size() && m_text[at] == '<' ? at : offset;
+}
+
+void XmlDocument::Splice(std::size_t offset, std::size_t removed, std::string_view text) {
+    const std::size_t needed = m_text.size() - removed + text.size();
+    if (needed > m_text.capacity()) {
+        m_text.reserve(needed + needed / 2 + SpliceReserve);
+    }
+    m_text.replace(offset, removed, text);
+}
+
+bool XmlDocument::SetAttribute(const char* name, const char* value) {
+    if (m_main == 0 || name == nullptr || !IsAttributeName(name)) {
+        return false;
+    }
+    const std::string_view tag = StartTag(m_main);
+    std::string text = "\"" + EscapeXml(value == nullptr ? "" : value, XmlEscapeMode::ATTRIBUTE_MODE) + "\"";
+    XmlAttribute attribute;
+    std::size_t at = 0;
+    std::size_t removed = 0;
+    const std::size_t nameEnd = 1 + NameAt(m_main).size();
+    if (FindXmlAttribute(tag, nameEnd, name, attribute)) {
+        at = attribute.valueStart;
+        removed = attribute.valueEnd - attribute.valueStart;
+        text.insert(0, attribute.hasEqualSign ? "" : "=");
+    } else {
+        XmlAttributes attributes(tag, nameEnd);
+        at = nameEnd;
+        bool isCutOff = false;
+        while (attributes.Next(attribute)) {
+            at = attribute.valueEnd;
+            isCutOff = attribute.hasEqualSign && attribute.valueStart == attribute.valueEnd;
+        }
+        text.insert(0, std::string(" ").append(name).append("="));
+        // A last attribute that ends in its "=" would take the new one for its value.
+        text.insert(0, isCutOff ? "\"\"" : "");
+    }
+    if (m_text.size() - removed + std::uint64_t{text.size()} > LongestText) {
+        return false;
+    }
+    const std::size_t offset = m_index.At(m_main).start + at;
+    const std::uint32_t startTag = m_index.StartTagLength(m_main);
+    Splice(offset, removed, text);
+    const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);
+    if (change != 0) {
+        m_index.Shift(static_cast<std::uint32_t>(offset), change);
+        m_index.Lengthen(m_main, change);
+        m_index.SetTagLengths(m_main, static_cast<std::uint32_t>(startTag + change), m_index.EndTagLength(m_main));
+    }
+    return true;
+}
+
+bool XmlDocument::FindPlace(std::uint32_t flags, Place& place) const {
+    std::uint32_t reference = m_main;
+    place.parent = m_parent;
+    if ((flags & ChildFlag) != 0) {
+        if (m_main == 0) {
+            return false;
+        }
+        place.parent = m_main;
+        reference = m_child;
+    }
+    const XmlRecord& parent = m_index.At(place.parent);
+    // An element without an end tag has no content that an element could be put into.
+    if (place.parent != 0 && (parent.flags & XmlIndex::NoEndTagFlag) != 0) {
+        return false;
+    }
+    if ((flags & FirstPlaceFlag) != 0 && parent.firstChild != 0) {
+        place.offset = m_index.At(parent.firstChild).start;
+        return true;
+    }
+    if (reference != 0) {
+        const bool isBefore = (flags & BeforeFlag) != 0;
+        place.previous = isBefore ? m_index.Previous(reference) : reference;
+        place.offset = isBefore ? m_index.At(reference).start : BehindWhiteSpace(m_index.End(reference));
+        return true;
+    }
+    place.previous = m_index.LastChild(place.parent);
+    place.offset = m_text.size();
+    if (place.parent == 0) {
+        return true;
+    }
+    const std::uint32_t endTag = m_index.EndTagLength(place.parent);
+    place.opensParent = endTag == 0;
+    place.isFirstContent = m_index.StartTagLength(place.parent) + endTag == parent.length;
+    place.offset = m_index.End(place.parent) - (place.opensParent ? std::size_t{2} : endTag);
+    return true;
+}
+
+bool XmlDocument::AddElement(const char* name, const char* data, std::uint32_t flags) {
+    const std::string_view content = data == nullptr ? std::string_view() : std::string_view(data);
+    if (name == nullptr || !IsElementName(name) || ((flags & NoEndTagFlag) != 0 && !content.empty())) {
+        return false;
+    }
+    if (!m_index.Exists()) {
+        Parse();
+    }
+    Place place;
+    if (!FindPlace(flags, place)) {
+        return false;
+    }
+    const ElementText element = MakeElement(name, content, flags);
+    const char* lineFeed = (flags & NoLineFeedFlag) != 0 ? "" : "\n";
+    std::string text = place.opensParent ? ">" : "";
+    text += place.opensParent || place.isFirstContent ? lineFeed : "";
+    const std::size_t lead = text.size();
+    text.append(element.text).append(lineFeed);
+    std::size_t parentName = 0;
+    if (place.opensParent) {
+        const std::string_view parent = NameAt(place.parent);
+        parentName = parent.size();
+        text.append(EndTagStart).append(parent);
+    }
+    const std::size_t removed = place.opensParent ? 1 : 0;
+    if (m_text.size() - removed + std::uint64_t{text.size()} > LongestText) {
+        return false;
+    }
+    Splice(place.offset, removed, text);
+
+    const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);
+    m_index.Shift(static_cast<std::uint32_t>(place.offset), change);
+    m_index.Lengthen(place.parent, change);
+    if (place.opensParent) {
+        // The "/" of the start tag went to the end tag.
+        m_index.SetTagLengths(place.parent, m_index.StartTagLength(place.parent) - 1,
+                              static_cast<std::uint32_t>(EndTagStart.size() + parentName + 1));
+    }
+    const std::uint32_t added =
+        m_index.Take(static_cast<std::uint32_t>(place.offset + lead), static_cast<std::uint32_t>(element.text.size()));
+    m_index.SetTagLengths(added, static_cast<std::uint32_t>(element.startTag),
+                          static_cast<std::uint32_t>(element.endTag));
+    m_index.LinkBehind(place.parent, place.previous, added);
+    if ((flags & NoEndTagFlag) != 0) {
+        m_index.At(added).flags |= XmlIndex::NoEndTagFlag;
+        m_index.MarkIllFormed(place.parent);
+        m_index.At(0).flags |= XmlIndex::IllFormedFlag;
+    }
+    SetPosition(place.parent, added, 0);
+    return true;
+}
+
+bool XmlDocument::RemoveElement() {
+    if (m_main == 0) {
+        return false;
+    }
+    const std::size_t start = m_index.At(m_main).start;
+    const std::size_t end = BehindWhiteSpace(m_index.End(m_main));
+    const std::uint32_t previous = m_index.Previous(m_main);
+    Splice(start, end - start, {});
+    m_index.Remove(m_main);
+    const std::int64_t change = static_cast<std::int64_t>(start) - static_cast<std::int64_t>(end);
+    m_index.Shift(static_cast<std::uint32_t>(end), change);
+    m_index.Lengthen(m_parent, change);
+    SetPosition(m_parent, previous, 0);
+    return true;
+}

@@ -1,0 +1,26 @@
+// Character encodings of document files: conversion by iconv, and the search for the encoding that a document declares.
+// Any thread.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// In both operations one of the two encodings is UTF-8; an empty name means that of the locale.
+bool CanConvertEncoding(const std::string& to, const std::string& from);
+
+struct XmlConversion {
+    std::string text;
+    std::size_t lost = 0;  // characters that became "?"
+    bool isDone = false;   // false if there is no such conversion, or the result would be over `limit` bytes
+    bool isTooLong = false;
+};
+
+// `margin` more bytes of room than measured: one in so many; 0 for none.
+XmlConversion ConvertEncoding(const std::string& to, const std::string& from, std::string_view text,
+                              std::uint64_t limit, std::size_t margin = 0);
+
+// The encoding that the head of a document names, in its XML declaration or the meta element of an HTML form; empty if
+// none is found.
+std::string DeclaredEncoding(std::string_view text);
