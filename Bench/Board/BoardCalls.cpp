@@ -1,0 +1,54 @@
+// Calls counted by kind, and the one that must fail.
+#include <algorithm>
+
+#include "Bench/Board/BoardState.h"
+
+namespace Bench {
+
+namespace {
+
+constexpr const char* Kinds[] = {
+    "open",  "close",   "read", "write",  "seek",  "sync",   "ioctl",     "poll",   "mmap",  "fopen",  "fclose", "opendir",
+    "stat",  "statfs",  "mount", "umount", "setmntent", "access", "mkdir", "remove", "rename", "truncate", "chmod",
+};
+static_assert(std::size(Kinds) == static_cast<std::size_t>(Call::Count));
+
+CallState* FindCall(BoardState& state, const std::string& kind) {
+    const auto* row = std::find(std::begin(Kinds), std::end(Kinds), kind);
+    return row == std::end(Kinds) ? nullptr : &state.calls[row - std::begin(Kinds)];
+}
+
+}  // namespace
+
+int CountCall(BoardState& state, Call call) {
+    CallState& counter = state.calls[static_cast<std::size_t>(call)];
+    ++counter.count;
+    if (counter.failIn == 0) {
+        return 0;
+    }
+    return --counter.failIn == 0 ? counter.error : 0;
+}
+
+const std::vector<std::string>& Board::CallKinds() {
+    static const std::vector<std::string> kinds(std::begin(Kinds), std::end(Kinds));
+    return kinds;
+}
+
+bool Board::FailCall(const std::string& kind, int n, int error) {
+    const BoardLock lock(*m_state);
+    CallState* call = FindCall(*m_state, kind);
+    if (call == nullptr || n < 1) {
+        return false;
+    }
+    call->failIn = n;
+    call->error = error;
+    return true;
+}
+
+std::uint64_t Board::CallCount(const std::string& kind) const {
+    const BoardLock lock(*m_state);
+    const CallState* call = FindCall(*m_state, kind);
+    return call == nullptr ? 0 : call->count;
+}
+
+}  // namespace Bench

@@ -1,0 +1,74 @@
+// The on-chip converter, with the two eight-way multiplexers in front of its input 6.
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+
+#include "Bench/Board/BoardState.h"
+
+namespace Bench {
+
+namespace {
+
+enum IioFile : std::uint8_t { RawFile, ScaleFile };
+
+constexpr int MultiplexerInput = 6;
+constexpr int FullScale = 1023;  // ten bits
+
+int RawOf(const BoardState& state, int input) {
+    if (input != MultiplexerInput) {
+        return state.iio.inputRaw[input];
+    }
+    const int channel = SelectedChannel(state);
+    if (state.iio.source[channel] == Source::Raw) {
+        return state.iio.raw[channel];
+    }
+    const double volts =
+        state.iio.source[channel] == Source::Volts ? state.iio.volts[channel] : ChannelVolts(state, channel);
+    const double scale = std::strtod(state.iio.scale, nullptr);
+    const double raw = scale > 0.0 ? std::round(volts * 1024.0 / scale) : 0.0;
+    return static_cast<int>(std::clamp(raw, 0.0, static_cast<double>(FullScale)));
+}
+
+}  // namespace
+
+Node FindIioNode(const BoardState& /*state*/, std::string_view name) {
+    constexpr std::string_view Prefix = "in_voltage";
+    constexpr std::string_view Suffix = "_raw";
+    if (name == "in_voltage_scale") {
+        return {Family::Iio, ScaleFile};
+    }
+    if (!name.starts_with(Prefix) || !name.ends_with(Suffix) || name.size() <= Prefix.size() + Suffix.size()) {
+        return {};
+    }
+    const std::string_view number = name.substr(Prefix.size(), name.size() - Prefix.size() - Suffix.size());
+    std::uint8_t input = 0;
+    const auto result = std::from_chars(number.data(), number.data() + number.size(), input);
+    if (result.ec != std::errc() || result.ptr != number.data() + number.size() || input >= IioInputs) {
+        return {};
+    }
+    return {Family::Iio, RawFile, input};
+}
+
+void IioPath(Node node, Buffer& path) {
+    if (node.file == ScaleFile) {
+        Put(path, "/sys/bus/iio/devices/iio:device0/in_voltage_scale");
+    } else {
+        Put(path, "/sys/bus/iio/devices/iio:device0/in_voltage%u_raw", static_cast<unsigned>(node.first));
+    }
+}
+
+void IioContent(BoardState& state, Node node, Buffer& content) {
+    if (node.file == ScaleFile) {
+        Put(content, "%s\n", state.iio.scale);
+    } else {
+        Put(content, "%d\n", RawOf(state, node.first));
+    }
+}
+
+int SelectedChannel(const BoardState& state) {
+    const int address = (PinLevel(state, 2, 27) ? 1 : 0) | (PinLevel(state, 2, 28) ? 2 : 0) | (PinLevel(state, 2, 31) ? 4 : 0);
+    return address + (PinLevel(state, 3, 10) ? 0 : 8);  // the enable line chooses the multiplexer
+}
+
+}  // namespace Bench

@@ -1,0 +1,103 @@
+// The file "log" of the bench folder: one line for each line of the system log, its fields divided by tabs: priority, ident,
+// options, facility, text, format. A tab, a line end and a backslash within a field stand as \t, \n and \\.
+#include <fcntl.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "Bench/Board/BoardState.h"
+#include "Bench/Board/Real.h"
+
+namespace Bench {
+
+namespace {
+
+std::string LogPath(const BoardState& state) { return std::string(state.folder) + "/log"; }
+
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (character == '\t') {
+            escaped += "\\t";
+        } else if (character == '\n') {
+            escaped += "\\n";
+        } else if (character == '\\') {
+            escaped += "\\\\";
+        } else {
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
+// Takes the next field off the line.
+std::string NextField(std::string_view& line) {
+    std::string field;
+    std::size_t i = 0;
+    for (; i < line.size() && line[i] != '\t'; ++i) {
+        if (line[i] != '\\' || i + 1 == line.size()) {
+            field += line[i];
+            continue;
+        }
+        ++i;
+        field += line[i] == 't' ? '\t' : line[i] == 'n' ? '\n' : line[i];
+    }
+    line = i < line.size() ? line.substr(i + 1) : std::string_view{};
+    return field;
+}
+
+LogLine ParseLine(std::string_view text) {
+    LogLine line;
+    line.priority = std::atoi(NextField(text).c_str());
+    line.ident = NextField(text);
+    line.options = std::atoi(NextField(text).c_str());
+    line.facility = std::atoi(NextField(text).c_str());
+    line.text = NextField(text);
+    line.format = NextField(text);
+    return line;
+}
+
+std::string ReadWhole(const std::string& path) {
+    std::string whole;
+    const int file = Real::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return whole;
+    }
+    char part[4096];
+    for (ssize_t got = Real::read(file, part, sizeof(part)); got > 0; got = Real::read(file, part, sizeof(part))) {
+        whole.append(part, static_cast<std::size_t>(got));
+    }
+    Real::close(file);
+    return whole;
+}
+
+}  // namespace
+
+void AppendLogLine(const BoardState& state, const LogLine& line) {
+    const std::string text = std::to_string(line.priority) + '\t' + Escaped(line.ident) + '\t' +
+                             std::to_string(line.options) + '\t' + std::to_string(line.facility) + '\t' +
+                             Escaped(line.text) + '\t' + Escaped(line.format) + '\n';
+    const int file = Real::open(LogPath(state).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (file >= 0) {
+        if (Real::write(file, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+            std::perror("board: can't write the log");
+        }
+        Real::close(file);
+    }
+}
+
+std::vector<LogLine> ReadLogLines(const BoardState& state) {
+    const std::string whole = ReadWhole(LogPath(state));
+    std::vector<LogLine> lines;
+    std::string_view rest = whole;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('\n');
+        lines.push_back(ParseLine(rest.substr(0, end)));
+        rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
+    }
+    return lines;
+}
+
+}  // namespace Bench
