@@ -1,0 +1,100 @@
+// A controller that keeps a copy of each data message that reaches it. Start it once its name and types are set.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "Frameworks/Messaging/MessagingControl.h"
+#include "Frameworks/Messaging/ThreadControl.h"
+
+class CapturingController final : public ThreadControl {
+public:
+    explicit CapturingController(const StdString& name, std::vector<DataMessageType> types = {})
+        : m_types(std::move(types)) {
+        SetThreadName(name);
+        EXPECT_TRUE(CreateThread());
+        // A command from the controller to itself comes back only after it has registered.
+        auto ready = std::make_unique<CommandMessage>(MOVE_TO_IDLE);
+        ready->SetSource(this);
+        ready->SetDestination(this);
+        MessageBase::Send(std::move(ready));
+        EXPECT_TRUE(WaitFor([this] { return m_ready; }));
+    }
+    CapturingController(const CapturingController&) = delete;
+    CapturingController& operator=(const CapturingController&) = delete;
+    ~CapturingController() override {
+        Kill();
+        pthread_join(GetThreadId(), nullptr);
+    }
+
+    bool Init() override { return ThreadControl::Init() && DoRegistration(); }
+
+    bool DoRegistration() override {
+        RegisterForCommand(MOVE_TO_IDLE);  // enters the name
+        for (const DataMessageType type : m_types) {
+            EXPECT_TRUE(RegisterForDataMessage(type));
+        }
+        return true;
+    }
+
+    bool ProcessCommandMessage(CommandMessage* /*message*/) override {
+        const std::lock_guard lock(m_mutex);
+        m_ready = true;
+        m_changed.notify_all();
+        return true;
+    }
+
+    bool ProcessDataMessage(DataMessage* message) override {
+        const std::lock_guard lock(m_mutex);
+        m_messages.push_back(message->Clone());
+        m_changed.notify_all();
+        return true;
+    }
+
+    bool ProcessTimeOut() override { return true; }
+
+    // The message of that position, from 0, once it came; the deadline only ends a hang.
+    template <typename Message>
+    const Message& Get(std::size_t position = 0) {
+        EXPECT_TRUE(WaitFor([this, position] { return m_messages.size() > position; }));
+        const std::lock_guard lock(m_mutex);
+        return static_cast<const Message&>(*m_messages.at(position));
+    }
+
+    std::size_t Count() {
+        const std::lock_guard lock(m_mutex);
+        return m_messages.size();
+    }
+
+private:
+    template <typename Condition>
+    bool WaitFor(Condition condition) {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::seconds(60), condition);
+    }
+
+    const std::vector<DataMessageType> m_types;
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_ready = false;
+    std::vector<std::unique_ptr<MessageBase>> m_messages;
+};
+
+// A router for the length of a test.
+class RoutedTest : public testing::Test {
+protected:
+    RoutedTest() { MessageBase::SetMessagingControl(&router); }
+
+    ~RoutedTest() override {
+        MessageBase::SetMessagingControl(nullptr);
+        router.Kill();
+        pthread_join(router.GetThreadId(), nullptr);
+    }
+
+    MessagingControl router;
+};
