@@ -20,3 +20,11 @@ if(VERNICOR_SANITIZE)
     -fsanitize=${VERNICOR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(sanitizer_options INTERFACE -fsanitize=${VERNICOR_SANITIZE})
 endif()
+
+# What has to be preloaded ahead of the board where the product is built with the address sanitizer: "" or "PATH:".
+set(SANITIZER_RUNTIME "")
+if(VERNICOR_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libasan.so
+                  OUTPUT_VARIABLE SANITIZER_RUNTIME OUTPUT_STRIP_TRAILING_WHITESPACE)
+  string(APPEND SANITIZER_RUNTIME ":")
+endif()

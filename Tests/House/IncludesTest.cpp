@@ -32,8 +32,9 @@ const std::map<std::string, std::vector<std::string>>& Layers() {
 
 // What travels in the messages of a controller, and may so be known to others.
 const std::vector<std::string>& SharedRecords() {
-    static const std::vector<std::string> records = {"MeasurementResults.h", "StepResults.h", "StepParameters.h",
-                                                     "StepType.h", "DetectorInformation.h", "AdcStatusInfo.h"};
+    static const std::vector<std::string> records = {"MeasurementResults.h",  "StepResults.h",
+                                                     "StepParameters.h",      "StepType.h",
+                                                     "DetectorInformation.h", "AdcStatusInfo.h"};
     return records;
 }
 

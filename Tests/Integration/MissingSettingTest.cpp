@@ -1,0 +1,53 @@
+// Settings that the product can't run without: the process ends, and says first what it missed.
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/ProductProcess.h"
+#include "Tests/Support/SampleConfiguration.h"
+
+namespace {
+
+Bench::BoardSetup Fast() {
+    Bench::BoardSetup setup;
+    setup.speed = 100.0;
+    return setup;
+}
+
+class MissingSetting : public BoardTest {
+protected:
+    MissingSetting() : BoardTest(Fast()) { configuration.Set("AutoStartDelay", "1000"); }
+
+    void ExpectEndNaming(const std::string& place) {
+        configuration.LayInto(Folder());
+        ProductProcess product(Folder(), true);
+        const int status = product.Wait();
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << status;
+        EXPECT_NE(product.Errors().find(place), std::string::npos) << product.Errors();
+        bool logged = false;
+        for (const Bench::LogLine& line : Board().Log()) {
+            logged = logged || line.text.find(place) != std::string::npos;
+        }
+        EXPECT_TRUE(logged);
+    }
+
+    SampleConfiguration configuration;
+};
+
+}  // namespace
+
+TEST_F(MissingSetting, of_the_top_controller_ends_the_process) {
+    configuration.Remove("DefaultMeasurementTimeout");
+    ExpectEndNaming("section SYSTEM_CONTROL_INFO has no key DefaultMeasurementTimeout");
+}
+
+TEST_F(MissingSetting, of_logging_ends_the_process) {
+    configuration.Remove("LogDataFilePath");
+    ExpectEndNaming("section LOGGING_INFO has no key LogDataFilePath");
+}
+
+TEST_F(MissingSetting, of_the_measurement_ends_the_process_at_the_first_priming) {
+    configuration.Remove("LEDSettleTime");
+    ExpectEndNaming("section MEASUREMENT_ENGINE_INFO has no key LEDSettleTime");
+}
