@@ -66,9 +66,7 @@ bool XmlDocument::IsWellFormed() const {
     return root != 0 && m_index.At(root).nextSibling == 0;
 }
 
-std::string XmlDocument::GetResultText() const {
-    return XmlReportText(m_result);
-}
+std::string XmlDocument::GetResultText() const { return XmlReportText(m_result); }
 
 void XmlDocument::SetPosition(std::uint32_t parent, std::uint32_t main, std::uint32_t child) {
     m_parent = parent;
@@ -76,13 +74,9 @@ void XmlDocument::SetPosition(std::uint32_t parent, std::uint32_t main, std::uin
     m_child = child;
 }
 
-void XmlDocument::ResetPosition() {
-    SetPosition(0, 0, 0);
-}
+void XmlDocument::ResetPosition() { SetPosition(0, 0, 0); }
 
-void XmlDocument::ResetMainPosition() {
-    SetPosition(m_parent, 0, 0);
-}
+void XmlDocument::ResetMainPosition() { SetPosition(m_parent, 0, 0); }
 
 bool XmlDocument::FindElement(const char* name) {
     if (!m_index.Exists()) {
@@ -129,9 +123,7 @@ std::string_view XmlDocument::NameAt(std::uint32_t index) const {
     return std::string_view(m_text).substr(start, end - start);
 }
 
-std::string XmlDocument::GetTagName() const {
-    return m_main == 0 ? std::string() : std::string(NameAt(m_main));
-}
+std::string XmlDocument::GetTagName() const { return m_main == 0 ? std::string() : std::string(NameAt(m_main)); }
 
 std::string XmlDocument::GetAttribute(const char* name) const {
     XmlAttribute attribute;

@@ -20,9 +20,7 @@ bool IsAttributeName(std::string_view name) {
     return !name.empty() && std::none_of(name.begin(), name.end(), BreaksName);
 }
 
-bool IsElementName(std::string_view name) {
-    return IsAttributeName(name) && IsXmlNameStart(name.front());
-}
+bool IsElementName(std::string_view name) { return IsAttributeName(name) && IsXmlNameStart(name.front()); }
 
 struct ElementText {
     std::string text;

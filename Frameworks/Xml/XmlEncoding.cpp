@@ -162,9 +162,7 @@ bool ConvertByHand(const std::string& to, const std::string& from, std::string_v
 
 }  // namespace
 
-bool CanConvertEncoding(const std::string& to, const std::string& from) {
-    return OpenConverter(to, from) != nullptr;
-}
+bool CanConvertEncoding(const std::string& to, const std::string& from) { return OpenConverter(to, from) != nullptr; }
 
 XmlConversion ConvertEncoding(const std::string& to, const std::string& from, std::string_view text,
                               std::uint64_t limit, std::size_t margin) {

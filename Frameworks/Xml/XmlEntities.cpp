@@ -19,9 +19,7 @@ constexpr std::string_view CDataStart = "<![CDATA[";
 constexpr std::string_view CDataEnd = "]]>";
 constexpr std::string_view SplitCDataEnd = "]]]]><![CDATA[>";
 
-char Lower(char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-}
+char Lower(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
 
 std::uint32_t NumberedCode(std::string_view number) {
     const bool isHexadecimal = number.starts_with('x');
@@ -60,9 +58,7 @@ const char* EscapeOf(char byte, XmlEscapeMode mode) {
 
 }  // namespace
 
-std::uint32_t XmlEntityCode(std::string_view name) {
-    return Entities.Find(name);
-}
+std::uint32_t XmlEntityCode(std::string_view name) { return Entities.Find(name); }
 
 std::string EscapeXml(std::string_view text, XmlEscapeMode mode) {
     std::string escaped;

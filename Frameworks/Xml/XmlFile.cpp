@@ -39,9 +39,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-File Open(const char* path, const char* mode) {
-    return File(std::fopen(path == nullptr ? "" : path, mode));
-}
+File Open(const char* path, const char* mode) { return File(std::fopen(path == nullptr ? "" : path, mode)); }
 
 bool FileError(int error, std::string& result) {
     AddXmlReport(result, "file_error", {.msg = std::strerror(error)});

@@ -97,9 +97,7 @@ std::uint32_t XmlIndex::DepthBelow(std::uint32_t parent) const {
     return std::min((At(parent).flags & DepthMask) + 1, DepthMask);
 }
 
-void XmlIndex::LinkLast(std::uint32_t parent, std::uint32_t index) {
-    LinkBehind(parent, LastChild(parent), index);
-}
+void XmlIndex::LinkLast(std::uint32_t parent, std::uint32_t index) { LinkBehind(parent, LastChild(parent), index); }
 
 void XmlIndex::LinkBehind(std::uint32_t parent, std::uint32_t previous, std::uint32_t index) {
     XmlRecord& above = At(parent);

@@ -32,23 +32,15 @@ constexpr std::array<std::uint8_t, 256> MakeByteClasses() {
 
 constexpr std::array<std::uint8_t, 256> ByteClasses = MakeByteClasses();
 
-bool Is(char byte, ByteClass byteClass) {
-    return (ByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0;
-}
+bool Is(char byte, ByteClass byteClass) { return (ByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0; }
 
 }  // namespace
 
-bool IsXmlWhiteSpace(char byte) {
-    return Is(byte, WHITE_SPACE_CLASS);
-}
+bool IsXmlWhiteSpace(char byte) { return Is(byte, WHITE_SPACE_CLASS); }
 
-bool IsXmlNameStart(char byte) {
-    return Is(byte, NAME_START_CLASS);
-}
+bool IsXmlNameStart(char byte) { return Is(byte, NAME_START_CLASS); }
 
-bool EndsXmlName(char byte) {
-    return Is(byte, NAME_END_CLASS);
-}
+bool EndsXmlName(char byte) { return Is(byte, NAME_END_CLASS); }
 
 const XmlToken& XmlScanner::Next() {
     m_token = XmlToken{};

@@ -14,9 +14,7 @@ constexpr std::uint32_t FirstBeyondUnit = 0x10000;
 constexpr std::uint32_t HalfMask = 0x3FF;
 constexpr unsigned HalfBits = 10;
 
-char Byte(std::uint32_t value) {
-    return static_cast<char>(static_cast<unsigned char>(value));
-}
+char Byte(std::uint32_t value) { return static_cast<char>(static_cast<unsigned char>(value)); }
 
 // The bytes of the sequence that the lead byte announces; 0 for a byte that leads none.
 std::size_t SequenceLength(unsigned char lead) {
@@ -138,6 +136,4 @@ void SwapUtf16(std::string& units) {
     }
 }
 
-const char* NativeUtf16() {
-    return std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
-}
+const char* NativeUtf16() { return std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE"; }

@@ -1,0 +1,32 @@
+#include "Frameworks/Xml/XmlEncodingNames.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+
+#include "Frameworks/Xml/XmlEncodingTable.h"
+
+namespace {
+
+constexpr std::size_t NameCount = std::size(XmlEncodingRows);
+static_assert(NameCount == 365);
+constexpr std::size_t NameBuckets = 155;
+constexpr std::size_t NameTextSize = XmlTableTextSize(XmlEncodingRows, NameCount, 2 + 5);
+constexpr XmlPackedTable<NameBuckets, 2, 5, NameTextSize> Names(XmlEncodingRows, NameCount);
+
+constexpr std::size_t LongestName = 99;
+constexpr std::uint32_t Utf32CodePage = 65005;
+
+char Lower(unsigned char byte) { return static_cast<char>(std::tolower(byte)); }
+
+}  // namespace
+
+std::uint32_t EncodingCodePage(std::string_view name) {
+    char lowered[LongestName];
+    if (name.size() > LongestName) {
+        return 0;
+    }
+    std::transform(name.begin(), name.end(), lowered, Lower);
+    const std::string_view key(lowered, name.size());
+    return key == "utf-32" ? Utf32CodePage : Names.Find(key);
+}

@@ -1,0 +1,8 @@
+// The encoding names that are registered for documents. Any thread.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+// The Windows code page of an encoding name, whatever its case; 0 if the name is not known or has over 99 characters.
+std::uint32_t EncodingCodePage(std::string_view name);

@@ -1,0 +1,34 @@
+// A file of a test's own, gone when the test is over.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+class XmlTestFile {
+public:
+    XmlTestFile() {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        m_path = testing::TempDir() + test->test_suite_name() + "." + test->name() + "." + std::to_string(getpid());
+    }
+    explicit XmlTestFile(const std::string& content) : XmlTestFile() { Write(content); }
+    ~XmlTestFile() { std::remove(m_path.c_str()); }
+    XmlTestFile(const XmlTestFile&) = delete;
+    XmlTestFile& operator=(const XmlTestFile&) = delete;
+
+    const char* Path() const { return m_path.c_str(); }
+
+    void Write(const std::string& content) const { std::ofstream(m_path, std::ios::binary) << content; }
+
+    std::string Read() const {
+        std::ifstream file(m_path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+private:
+    std::string m_path;
+};
