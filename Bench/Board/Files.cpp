@@ -152,7 +152,7 @@ ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std:
         error = SpiWrite(state, data, size, moved);
     } else if (!NodeAlive(state, node)) {
         error = ENODEV;
-    } else {
+    } else if (size > 0) {
         error = NodeWrite(state, node, {static_cast<const char*>(data), size});
     }
     return error == 0 ? static_cast<ssize_t>(moved) : Refuse<ssize_t>(error, -1);
