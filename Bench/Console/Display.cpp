@@ -1,0 +1,101 @@
+#include "Bench/Console/Display.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace Bench {
+
+namespace {
+
+constexpr const char* Plain = "";
+constexpr const char* Dim = "\033[2m";
+constexpr const char* Bold = "\033[1m";
+constexpr const char* Amber = "\033[33m";
+constexpr const char* Cyan = "\033[36m";
+constexpr const char* Reset = "\033[0m";
+constexpr const char* EraseLine = "\r\033[K";
+
+int TerminalWidth() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+}  // namespace
+
+Display::Display()
+    : m_terminal(isatty(STDOUT_FILENO) == 1), m_coloured(m_terminal && std::getenv("NO_COLOR") == nullptr) {}
+
+void Display::Write(const std::string& text, const char* colour) {
+    EndProgress();
+    const bool coloured = m_coloured && *colour != '\0';
+    std::printf("%s%s%s\n", coloured ? colour : "", text.c_str(), coloured ? Reset : "");
+    std::fflush(stdout);
+}
+
+void Display::Line(const std::string& text) { Write(text, Plain); }
+
+void Display::Quiet(const std::string& text) { Write(text, Dim); }
+
+void Display::Status(const std::string& date, const std::string& time, const std::string& text) {
+    if (date != m_date) {
+        m_date = date;
+        Write("---- " + date + " ----", Dim);
+    }
+    Write(time + "  " + text, Plain);
+}
+
+void Display::LogLine(const std::string& text) { Write("    log  " + text, Dim); }
+
+void Display::Result(const std::string& text) { Write(text, m_terminal ? Bold : Plain); }
+
+void Display::Warning(const std::string& text) { Write(text, Amber); }
+
+void Display::Progress(const std::string& text) {
+    if (!m_terminal) {
+        return;
+    }
+    const std::string cut = CutToWidth(text, TerminalWidth() - 1);
+    std::printf("%s%s%s%s", EraseLine, m_coloured ? Cyan : "", cut.c_str(), m_coloured ? Reset : "");
+    std::fflush(stdout);
+    m_progress = true;
+}
+
+void Display::EndProgress() {
+    if (m_progress) {
+        std::fputs(EraseLine, stdout);
+        std::fflush(stdout);
+        m_progress = false;
+    }
+}
+
+std::string ProgressBar(double share, int width) {
+    const double held = std::clamp(share, 0.0, 1.0);
+    const int filled = static_cast<int>(std::floor(held * width + 1e-9));
+    std::string bar;
+    for (int i = 0; i < width; ++i) {
+        bar += i < filled ? '#' : '-';
+    }
+    char percent[16];
+    std::snprintf(percent, sizeof(percent), " %3d %%", static_cast<int>(std::floor(held * 100.0 + 1e-9)));
+    return bar + percent;
+}
+
+std::string CutToWidth(const std::string& text, int width) {
+    std::string cut;
+    int characters = 0;
+    for (const char byte : text) {
+        const bool continues = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+        if (!continues && ++characters > width) {
+            break;
+        }
+        cut += byte;
+    }
+    return cut;
+}
+
+}  // namespace Bench

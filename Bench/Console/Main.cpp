@@ -1,0 +1,56 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "Bench/Console/Runner.h"
+
+namespace {
+
+int Refuse(const std::string& error) {
+    std::fprintf(stderr, "run: %s\n", error.c_str());
+    return Bench::ExitWrongArgument;
+}
+
+void ListFaults() {
+    for (const Bench::FaultInfo& fault : Bench::Board::KnownFaults()) {
+        const std::string form = fault.value.empty() ? fault.name : fault.name + "=" + fault.value;
+        std::printf("%-28s %s\n", form.c_str(), fault.description.c_str());
+    }
+}
+
+bool FaultsKnown(const Bench::Options& options, std::string& error) {
+    const std::vector<Bench::FaultInfo>& known = Bench::Board::KnownFaults();
+    for (const std::string& fault : options.faults) {
+        const std::string name = Bench::FaultNameOf(fault);
+        if (std::none_of(known.begin(), known.end(), [&name](const auto& info) { return info.name == name; })) {
+            error = "there is no fault \"" + name + "\"; --fault list shows all";
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    Bench::Options options;
+    std::string error;
+    if (!Bench::ReadOptions({arguments + 1, arguments + count}, options, error) || !FaultsKnown(options, error)) {
+        return Refuse(error);
+    }
+    if (options.help) {
+        std::fputs(Bench::HelpText().c_str(), stdout);
+        return Bench::ExitDone;
+    }
+    if (options.listFaults) {
+        ListFaults();
+        return Bench::ExitDone;
+    }
+    if (!options.program.empty() && access(options.program.c_str(), X_OK) != 0) {
+        return Refuse("can't run the program " + options.program);
+    }
+    return Bench::Runner(options, {BENCH_PROGRAM, BENCH_LIBRARY, BENCH_CONFIGURATION, BENCH_FOLDER}).Run();
+}

@@ -1,0 +1,60 @@
+// What the analyzer shows to the outside, read back: lines of its measurement file and status texts of its log.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace Bench {
+
+struct MeasurementRecord {
+    std::uint64_t index = 0;
+    double chlorine = 0.0;
+    double absorbance = 0.0;
+    double dark = 0.0;
+    double reference = 0.0;
+    double reacted = 0.0;
+};
+
+// Reads one measurement file, line by line, without line ends.
+class MeasurementReader {
+public:
+    enum class Kind { Columns, Record, Unreadable };
+    // The column line tells where the fields of all later records stand; a record without one before it, with a field
+    // missing or with one that is not a number is unreadable.
+    Kind Read(const std::string& line, MeasurementRecord& record);
+
+private:
+    enum Column { Absorbance, Chlorine, Dark, Reference, Reacted, Index, ColumnCount };
+
+    bool ReadColumns(const std::string& line);
+
+    std::size_t m_fields[ColumnCount] = {};
+    bool m_known = false;
+};
+
+// The text in one line of the bench's log file; nothing where the line is of another form. Control characters in it
+// stay escaped, as the file has them.
+std::optional<std::string> TextOfLogRecord(const std::string& line);
+
+// A status text with its moment, from one line of the system log: "UTC 2026-12-31 23:57:05.000000001 :: TEXT".
+struct StatusLine {
+    std::string date;  // "2026-12-31"
+    std::string time;  // "23:57:05"
+    std::string text;
+};
+std::optional<StatusLine> ReadStatusLine(const std::string& line);
+
+// Whether a text is one that tells the progress of a cycle, and not any other log line.
+bool IsCycleStatus(const std::string& text);
+
+// The display name in "Executing NAME Step"; nothing for other texts.
+std::optional<std::string> StepOfStatus(const std::string& text);
+
+// The duty in percent of "End of Measurement Cycle: LED DutyCycle = ..."; nothing for other texts.
+std::optional<double> DutyOfStatus(const std::string& text);
+
+// The line that a person and a script read.
+std::string ResultLine(const MeasurementRecord& record, double sample, double duty);
+
+}  // namespace Bench

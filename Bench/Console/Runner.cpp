@@ -1,0 +1,246 @@
+#include "Bench/Console/Runner.h"
+
+#include <poll.h>
+
+#include <csignal>
+#include <cstdarg>
+#include <cstdio>
+#include <ctime>
+
+#include "System/MeasurementEngine/StepType.h"
+
+namespace Bench {
+
+namespace {
+
+// Simulated time before the first cycle: the automatic start waits for silence, primes and settles.
+constexpr double StartSeconds = 120.0;
+// Of a cycle beside its steps: homing and the trials of the LED adjustment.
+constexpr double CycleExtraSeconds = 60.0;
+constexpr double TimesExpected = 3.0;
+constexpr int LookMilliseconds = 50;
+
+volatile sig_atomic_t g_signal = 0;
+
+void NoteSignal(int signal) { g_signal = signal; }
+
+void CatchSignals() {
+    struct sigaction action {};
+    action.sa_handler = NoteSignal;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaction(signal, &action, nullptr);
+    }
+}
+
+[[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...) {
+    char text[1024];
+    va_list values;
+    va_start(values, format);
+    std::vsnprintf(text, sizeof(text), format, values);
+    va_end(values);
+    return text;
+}
+
+std::string TimeOfDay(std::int64_t wallNanoSeconds) {
+    const std::time_t seconds = wallNanoSeconds / 1000000000;
+    std::tm date{};
+    gmtime_r(&seconds, &date);
+    char text[16];
+    std::strftime(text, sizeof(text), "%H:%M:%S", &date);
+    return text;
+}
+
+std::string Length(double seconds) {
+    const auto whole = static_cast<long long>(seconds);
+    return whole < 60 ? Format("%lld s", whole) : Format("%lld min %lld s", whole / 60, whole % 60);
+}
+
+std::string InternalName(const std::string& displayName) {
+    for (int step = 0; step < StepCount; ++step) {
+        if (GetStepDisplayName(static_cast<StepType>(step)) == displayName) {
+            return GetStepInternalName(static_cast<StepType>(step)).Text();
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
+int Runner::Run() {
+    std::string error;
+    CatchSignals();
+    if (!Prepare(error)) {
+        std::fprintf(stderr, "run: %s\n", error.c_str());
+        return ExitWrongArgument;
+    }
+    Greet();
+    const std::string program = m_options.program.empty() ? m_places.program : m_options.program;
+    if (!m_analyzer.Start(program, m_places.library, m_folder.Path(), m_folder.Path() + "/output", error)) {
+        return Fail(error);
+    }
+    const int status = Follow();
+    m_display.EndProgress();
+    m_analyzer.Stop();
+    m_display.Quiet(Format("%llu results in %s of simulated time; the run's files stay in %s",
+                           static_cast<unsigned long long>(m_results), Length(m_board->Seconds()).c_str(),
+                           m_folder.Path().c_str()));
+    return status;
+}
+
+bool Runner::Prepare(std::string& error) {
+    const std::string configuration = m_options.config.empty() ? m_places.configuration : m_options.config;
+    const std::string bench = m_options.bench.empty() ? m_places.bench : m_options.bench;
+    return ReadAnalyzerSettings(configuration, m_settings, error) && m_folder.Take(bench, error) &&
+           m_folder.Furnish(configuration, error) && MakeBoard(error);
+}
+
+bool Runner::MakeBoard(std::string& error) {
+    BoardSetup setup;
+    setup.speed = m_options.speed;
+    setup.startSeconds = m_options.start.value_or(std::time(nullptr));
+    setup.seed = m_options.seed;
+    m_board = Board::Create(m_folder.Path(), setup, error);
+    if (!m_board) {
+        return false;
+    }
+    InstrumentSettings instrument = m_board->Settings();
+    instrument.chlorine = m_options.chlorine;
+    instrument.cellConstant = m_settings.cellConstant;
+    m_board->SetSettings(instrument);
+    for (const std::string& fault : m_options.faults) {
+        if (!m_board->SetFault(fault, error)) {
+            error.insert(0, "--fault " + fault + ": ");
+            return false;
+        }
+    }
+    m_measurements.emplace(m_folder.Card(), m_settings.measurementFileName);
+    m_log.emplace(m_folder.Path() + "/log");
+    return true;
+}
+
+void Runner::Greet() {
+    m_display.Line(
+        Format("The analyzer on the bench: %.4g mg/l chlorine in the water, cell constant %.6g, %.4g times "
+               "as fast as the clock",
+               m_options.chlorine, m_settings.cellConstant, m_options.speed));
+    for (const std::string& fault : m_options.faults) {
+        m_display.Warning("fault " + fault);
+    }
+}
+
+int Runner::Follow() {
+    while (true) {
+        Look();
+        if (m_options.cycles && m_results >= *m_options.cycles) {
+            return ExitDone;
+        }
+        if (g_signal != 0) {
+            return ExitSignalBase + g_signal;
+        }
+        std::string reason;
+        if (m_analyzer.HasEnded(reason)) {
+            Look();
+            return Fail(reason + "; what it printed stands in " + m_folder.Path() + "/output");
+        }
+        const double allowed = SecondsAllowed();
+        if (m_board->Seconds() - m_lastResult > allowed) {
+            return Fail("no result in " + Length(allowed) + " of simulated time");
+        }
+        ShowProgress();
+        poll(nullptr, 0, LookMilliseconds);
+    }
+}
+
+double Runner::SecondsAllowed() const {
+    const double expected = m_settings.cycleSeconds + CycleExtraSeconds + (m_results == 0 ? StartSeconds : 0.0);
+    return TimesExpected * expected;
+}
+
+int Runner::Fail(const std::string& reason) {
+    m_display.EndProgress();
+    std::fprintf(stderr, "run: %s\n", reason.c_str());
+    return ExitFailed;
+}
+
+void Runner::Look() {
+    // Records first: the status texts of a cycle are in the log before its record is on the card.
+    std::vector<MeasurementRecord> records;
+    for (const DayFileTail::Line& line : m_measurements->Read()) {
+        TakeRecord(line, records);
+    }
+    for (const std::string& line : m_log->Read()) {
+        TakeLogText(TextOfLogRecord(line).value_or(line));
+    }
+    for (const MeasurementRecord& record : records) {
+        if (!m_options.cycles || m_results < *m_options.cycles) {
+            ShowResult(record);
+        }
+    }
+}
+
+void Runner::TakeRecord(const DayFileTail::Line& line, std::vector<MeasurementRecord>& records) {
+    MeasurementRecord record;
+    switch (m_reader.Read(line.text, record)) {
+        case MeasurementReader::Kind::Columns:
+            break;
+        case MeasurementReader::Kind::Record:
+            records.push_back(record);
+            break;
+        case MeasurementReader::Kind::Unreadable:
+            m_display.Warning("unreadable line in " + line.file + ": " + line.text);
+            break;
+    }
+}
+
+void Runner::TakeLogText(const std::string& text) {
+    const std::optional<StatusLine> status = ReadStatusLine(text);
+    if (!status || !IsCycleStatus(status->text)) {
+        if (m_options.log) {
+            m_display.LogLine(text);
+        }
+        return;
+    }
+    m_display.Status(status->date, status->time, status->text);
+    m_step = StepOfStatus(status->text).value_or("");
+    m_stepStart = m_board->Seconds();
+    m_duty = DutyOfStatus(status->text).value_or(m_duty);
+}
+
+void Runner::ShowResult(const MeasurementRecord& record) {
+    m_display.Result(ResultLine(record, m_board->Settings().chlorine, m_duty));
+    m_lastResult = m_board->Seconds();
+    ++m_results;
+}
+
+std::string Runner::RunningStep() const {
+    if (m_step.empty()) {
+        return m_results == 0 ? "waiting for the first cycle" : "waiting for the next cycle";
+    }
+    const double passed = m_board->Seconds() - m_stepStart;
+    const auto duration = m_settings.durations.find(InternalName(m_step));
+    if (duration == m_settings.durations.end() || !(duration->second > 0.0) || passed > duration->second) {
+        return m_step + Format("  %.0f s", passed);
+    }
+    return m_step + "  " + ProgressBar(passed / duration->second, 20) +
+           Format("  %.0f of %.0f s", passed, duration->second);
+}
+
+void Runner::ShowProgress() {
+    if (!m_display.IsTerminal()) {
+        return;
+    }
+    const InstrumentInputs inputs = m_board->Inputs();
+    std::string doing = Format("LED %.1f %%", inputs.ledDuty * 100.0);
+    if (inputs.valvePower > 0.0) {
+        doing += ", sample flowing";
+    }
+    if (inputs.pumpStepFrequency != 0.0) {
+        doing += ", pump turning";
+    }
+    if (inputs.stirStepFrequency != 0.0) {
+        doing += ", stirring";
+    }
+    m_display.Progress(TimeOfDay(m_board->WallNanoSeconds()) + "  " + RunningStep() + "   " + doing);
+}
+
+}  // namespace Bench

@@ -1,0 +1,114 @@
+#include "Bench/Console/BenchFolder.h"
+
+#include <gtest/gtest.h>
+
+#include "Tests/Bench/Console/TemporaryFolder.h"
+
+namespace Bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(BenchFolder, missing_folder_is_made_with_those_above_it) {
+    const TemporaryFolder top;
+    BenchFolder folder;
+    std::string error;
+    ASSERT_TRUE(folder.Take(top / "a/b", error)) << error;
+    EXPECT_EQ(folder.Path(), top / "a/b");
+    EXPECT_EQ(folder.Card(), top / "a/b/card");
+    EXPECT_TRUE(fs::is_regular_file(top / "a/b/.bench-folder"));
+}
+
+TEST(BenchFolder, empty_folder_is_taken) {
+    const TemporaryFolder top;
+    BenchFolder folder;
+    std::string error;
+    EXPECT_TRUE(folder.Take(top.Path() + "/", error)) << error;
+    EXPECT_EQ(folder.Path(), top.Path());
+}
+
+TEST(BenchFolder, folder_of_somebody_else_stays_as_it_is) {
+    const TemporaryFolder top;
+    WriteFile(top / "letter", "dear");
+    BenchFolder folder;
+    std::string error;
+    EXPECT_FALSE(folder.Take(top.Path(), error));
+    EXPECT_EQ(error, top.Path() + " is neither empty nor a bench folder, so it stays as it is");
+    EXPECT_EQ(ReadFile(top / "letter"), "dear");
+    EXPECT_FALSE(fs::exists(top / ".bench-folder"));
+}
+
+TEST(BenchFolder, file_is_no_folder) {
+    const TemporaryFolder top;
+    WriteFile(top / "letter", "dear");
+    BenchFolder folder;
+    std::string error;
+    EXPECT_FALSE(folder.Take(top / "letter", error));
+    EXPECT_EQ(error, top / "letter is no folder");
+}
+
+TEST(BenchFolder, next_run_finds_it_empty_again) {
+    const TemporaryFolder top;
+    std::string error;
+    {
+        BenchFolder folder;
+        ASSERT_TRUE(folder.Take(top / "b", error));
+        fs::create_directories(top / "b/card/deep");
+        WriteFile(top / "b/card/deep/2026-12-31_Status.csv", "old");
+    }
+    BenchFolder folder;
+    ASSERT_TRUE(folder.Take(top / "b", error)) << error;
+    EXPECT_FALSE(fs::exists(top / "b/card"));
+}
+
+TEST(BenchFolder, what_a_link_in_it_points_to_stays) {
+    const TemporaryFolder top;
+    std::string error;
+    {
+        BenchFolder folder;
+        ASSERT_TRUE(folder.Take(top / "b", error));
+    }
+    fs::create_directory(top / "mine");
+    WriteFile(top / "mine/letter", "dear");
+    fs::create_directory_symlink(top / "mine", top / "b/link");
+    BenchFolder folder;
+    ASSERT_TRUE(folder.Take(top / "b", error)) << error;
+    EXPECT_EQ(ReadFile(top / "mine/letter"), "dear");
+    EXPECT_FALSE(fs::exists(top / "b/link"));
+}
+
+TEST(BenchFolder, second_run_in_the_same_folder_is_refused) {
+    const TemporaryFolder top;
+    BenchFolder first;
+    BenchFolder second;
+    std::string error;
+    ASSERT_TRUE(first.Take(top / "b", error));
+    WriteFile(top / "b/of-the-first", "run");
+    EXPECT_FALSE(second.Take(top / "b", error));
+    EXPECT_EQ(error, "another run holds the folder " + (top / "b"));
+    EXPECT_EQ(ReadFile(top / "b/of-the-first"), "run");
+}
+
+TEST(BenchFolder, analyzer_finds_its_folders_and_its_configuration) {
+    const TemporaryFolder top;
+    WriteFile(top / "c.xml", "<ROOT_ANALYZER/>");
+    BenchFolder folder;
+    std::string error;
+    ASSERT_TRUE(folder.Take(top / "b", error));
+    ASSERT_TRUE(folder.Furnish(top / "c.xml", error)) << error;
+    EXPECT_EQ(ReadFile(top / "b/usr/share/vorn/bin/configuration/analyzer.conf.xml"), "<ROOT_ANALYZER/>");
+    EXPECT_TRUE(fs::is_directory(top / "b/var/log/vorn/data"));
+    EXPECT_TRUE(fs::is_directory(top / "b/card"));
+}
+
+TEST(BenchFolder, configuration_that_is_not_there_is_named) {
+    const TemporaryFolder top;
+    BenchFolder folder;
+    std::string error;
+    ASSERT_TRUE(folder.Take(top / "b", error));
+    EXPECT_FALSE(folder.Furnish("/nowhere/c.xml", error));
+    EXPECT_EQ(error, "can't copy the configuration /nowhere/c.xml: No such file or directory");
+}
+
+}  // namespace
+}  // namespace Bench

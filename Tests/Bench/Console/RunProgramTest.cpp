@@ -1,0 +1,275 @@
+// The program behind ./run, as whoever starts it sees it: its output, its exit status and what it leaves behind.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include "Bench/Board/Board.h"
+#include "Tests/Bench/Console/TemporaryFolder.h"
+
+namespace Bench {
+namespace {
+
+constexpr const char* Configuration =
+    "<INFO_ITEM name=\"ColorimeterCellConstant\" value=\"2.4\"/>"
+    "<INFO_ITEM name=\"LogMeasurementDataFileName\" value=\"Measurement.csv\"/>";
+
+// One started bench-run. Its output lies in files, so that no pipe can fill.
+class RunProgram : public testing::Test {
+protected:
+    RunProgram() { WriteFile(m_folder / "c.xml", Configuration); }
+    ~RunProgram() override {
+        if (m_pid > 0) {
+            kill(m_pid, SIGKILL);
+            waitpid(m_pid, nullptr, 0);
+        }
+    }
+
+    void Start(std::vector<std::string> arguments, const std::string& fake) {
+        arguments.insert(arguments.begin(), BINARY_FOLDER "/bench-run");
+        m_pid = fork();
+        if (m_pid == 0) {
+            setenv("FAKE_ANALYZER", fake.c_str(), 1);
+            const int out = open((m_folder / "out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+            const int err = open((m_folder / "err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+            dup2(out, STDOUT_FILENO);
+            dup2(err, STDERR_FILENO);
+            std::vector<char*> pointers;
+            for (std::string& argument : arguments) {
+                pointers.push_back(argument.data());
+            }
+            pointers.push_back(nullptr);
+            execv(pointers[0], pointers.data());
+            _exit(99);
+        }
+    }
+
+    // On the fake analyzer, in a bench folder of the test.
+    void StartFake(const std::string& fake, const std::vector<std::string>& more = {}) {
+        std::vector<std::string> arguments = {
+            "--program", BINARY_FOLDER "/fake_analyzer", "--bench", Bench(), "--config", m_folder / "c.xml"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        Start(arguments, fake);
+    }
+
+    int Wait() {
+        int status = 0;
+        while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
+        }
+        m_pid = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+    int Run(const std::vector<std::string>& arguments) {
+        Start(arguments, "");
+        return Wait();
+    }
+
+    void ExpectRefused(const std::vector<std::string>& arguments, const std::string& sentence) {
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(Out(), "");
+        EXPECT_EQ(Err(), "run: " + sentence + "\n");
+    }
+
+    std::string Out() const { return ReadFile(m_folder / "out"); }
+    std::string Err() const { return ReadFile(m_folder / "err"); }
+    std::string Bench() const { return m_folder / "bench"; }
+
+    // A guard against hanging, never a measure.
+    template <typename Condition>
+    static bool Eventually(Condition condition) {
+        for (int tries = 0; tries < 6000; ++tries) {
+            if (condition()) {
+                return true;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return false;
+    }
+
+    std::vector<pid_t> FakePids() const {
+        std::vector<pid_t> pids;
+        std::ifstream file(Bench() + "/pids");
+        for (pid_t pid = 0; file >> pid;) {
+            pids.push_back(pid);
+        }
+        return pids;
+    }
+
+    void ExpectNothingLeftAfter(int signal, int status) {
+        StartFake("children");
+        ASSERT_TRUE(Eventually([this] { return !ReadFile(Bench() + "/ready").empty(); }));
+        const std::vector<pid_t> pids = FakePids();
+        ASSERT_EQ(pids.size(), 3U);
+        kill(m_pid, signal);
+        EXPECT_EQ(Wait(), status);
+        for (const pid_t pid : pids) {
+            EXPECT_TRUE(Eventually([pid] { return kill(pid, 0) != 0 && errno == ESRCH; }));
+        }
+    }
+
+    TemporaryFolder m_folder;
+    pid_t m_pid = -1;
+};
+
+TEST_F(RunProgram, wrong_option_ends_with_a_sentence) {
+    ExpectRefused({"--cyles", "3"}, "unknown argument \"--cyles\"; --help lists what there is");
+}
+
+TEST_F(RunProgram, wrong_value_ends_with_a_sentence) {
+    ExpectRefused({"--cycles", "0"}, "--cycles does not take \"0\", but a whole number from 1 to 1000000");
+}
+
+TEST_F(RunProgram, unknown_fault_is_refused) {
+    ExpectRefused({"--fault", "moonlight@3"}, "there is no fault \"moonlight\"; --fault list shows all");
+}
+
+TEST_F(RunProgram, program_that_is_not_there_is_refused) {
+    ExpectRefused({"--program", "/nowhere/p"}, "can't run the program /nowhere/p");
+}
+
+TEST_F(RunProgram, configuration_that_is_not_there_is_refused) {
+    ExpectRefused({"--config", "/nowhere/c.xml", "--bench", Bench()}, "can't read the configuration /nowhere/c.xml");
+    EXPECT_FALSE(std::filesystem::exists(Bench()));
+}
+
+TEST_F(RunProgram, folder_of_somebody_else_is_refused_and_stays) {
+    std::filesystem::create_directory(Bench());
+    WriteFile(Bench() + "/letter", "dear");
+    ExpectRefused({"--bench", Bench(), "--config", m_folder / "c.xml"},
+                  Bench() + " is neither empty nor a bench folder, so it stays as it is");
+    EXPECT_EQ(ReadFile(Bench() + "/letter"), "dear");
+}
+
+TEST_F(RunProgram, help_is_printed) {
+    EXPECT_EQ(Run({"--help"}), 0);
+    EXPECT_EQ(Out().rfind("./run puts the analyzer on a virtual board", 0), 0U);
+    EXPECT_EQ(Err(), "");
+}
+
+TEST_F(RunProgram, fault_list_shows_every_fault_on_its_line) {
+    EXPECT_EQ(Run({"--fault", "list"}), 0);
+    for (const FaultInfo& fault : Board::KnownFaults()) {
+        const std::string form = fault.value.empty() ? fault.name : fault.name + "=" + fault.value;
+        EXPECT_NE(("\n" + Out()).find("\n" + form + " "), std::string::npos) << form;
+        EXPECT_NE(Out().find(" " + fault.description + "\n"), std::string::npos) << form;
+    }
+}
+
+TEST_F(RunProgram, cycle_is_shown_as_plain_lines_where_there_is_no_terminal) {
+    StartFake("cycle", {"--cycles", "1", "--chlorine", "0.35"});
+    EXPECT_EQ(Wait(), 0);
+    std::string out = Out();
+    const std::size_t last = out.rfind("1 results in ");
+    ASSERT_NE(last, std::string::npos) << out;
+    EXPECT_EQ(out.substr(0, last),
+              "The analyzer on the bench: 0.35 mg/l chlorine in the water, cell constant 2.4, 20 times as fast as the "
+              "clock\n"
+              "---- 2026-12-31 ----\n"
+              "23:57:05  Executing Mixing Step\n"
+              "23:57:05  Waiting for Next Measurement Initiation\n"
+              "23:57:05  End of Measurement Cycle: LED DutyCycle = 28.571429%% and LED Adjust Time = 2500ms\n"
+              "result 1 chlorine 0.5997 sample 0.3500 absorbance 0.24988 dark 1500 reference 2001234 reacted 1126544 "
+              "duty 28.57\n");
+    EXPECT_EQ(Err(), "");
+}
+
+TEST_F(RunProgram, log_is_shown_on_demand) {
+    StartFake("cycle", {"--cycles", "1", "--log"});
+    EXPECT_EQ(Wait(), 0);
+    EXPECT_NE(Out().find("\n    log  UTC 2026-12-31 23:57:05.000000001 :: SystemControl is not a status\n"),
+              std::string::npos);
+}
+
+TEST_F(RunProgram, cells_calibration_follows_the_configuration) {
+    StartFake("cycle", {"--cycles", "1", "--chlorine", "0.35"});
+    EXPECT_EQ(Wait(), 0);
+    std::string error;
+    const std::unique_ptr<Board> board = Board::Open(Bench(), error);
+    ASSERT_NE(board, nullptr) << error;
+    EXPECT_EQ(board->Settings().cellConstant, 2.4);
+    EXPECT_EQ(board->Settings().chlorine, 0.35);
+}
+
+TEST_F(RunProgram, folder_stays_after_the_run_and_is_reset_by_the_next) {
+    StartFake("cycle", {"--cycles", "1"});
+    EXPECT_EQ(Wait(), 0);
+    EXPECT_TRUE(std::filesystem::exists(Bench() + "/card/2026-12-31_Measurement.csv"));
+    WriteFile(Bench() + "/card/old", "old");
+    StartFake("end");
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_FALSE(std::filesystem::exists(Bench() + "/card/old"));
+}
+
+TEST_F(RunProgram, end_of_the_analyzer_is_told_with_its_status) {
+    StartFake("end", {"--cycles", "1"});
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(Err(), "run: the analyzer ended with status 3; what it printed stands in " + Bench() + "/output\n");
+    EXPECT_EQ(ReadFile(Bench() + "/output"), "the fake ends\n");
+}
+
+TEST_F(RunProgram, fault_of_the_analyzer_is_told_with_its_signal) {
+    StartFake("fault");
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(Err(),
+              "run: the analyzer was ended by a signal: Aborted; what it printed stands in " + Bench() + "/output\n");
+}
+
+TEST_F(RunProgram, run_without_a_result_ends) {
+    StartFake("nothing", {"--cycles", "1", "--speed", "1000"});
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(Err(), "run: no result in 9 min 0 s of simulated time\n");
+}
+
+TEST_F(RunProgram, fault_with_a_wrong_value_is_refused_by_name) {
+    StartFake("nothing", {"--fault", "rail-out=ninety"});
+    EXPECT_EQ(Wait(), 2);
+    EXPECT_EQ(Err().rfind("run: --fault rail-out=ninety: ", 0), 0U) << Err();
+}
+
+TEST_F(RunProgram, fault_is_active_in_the_run) {
+    StartFake("cycle", {"--cycles", "1", "--fault", "led-dead"});
+    EXPECT_EQ(Wait(), 0);
+    EXPECT_NE(Out().find("\nfault led-dead\n"), std::string::npos);
+    std::string error;
+    const std::unique_ptr<Board> board = Board::Open(Bench(), error);
+    ASSERT_NE(board, nullptr) << error;
+    EXPECT_TRUE(board->Settings().ledDead);
+}
+
+TEST_F(RunProgram, clock_of_the_run_starts_as_asked) {
+    StartFake("cycle", {"--cycles", "1", "--start", "2026-12-31 23:57:00"});
+    EXPECT_EQ(Wait(), 0);
+    std::string error;
+    const std::unique_ptr<Board> board = Board::Open(Bench(), error);
+    ASSERT_NE(board, nullptr) << error;
+    const double sinceStart = static_cast<double>(board->WallNanoSeconds()) / 1e9 - 1798761420.0;
+    EXPECT_NEAR(sinceStart, board->Seconds(), 20.0);
+}
+
+TEST_F(RunProgram, interrupt_leaves_no_process_behind) { ExpectNothingLeftAfter(SIGINT, 130); }
+
+TEST_F(RunProgram, termination_leaves_no_process_behind) { ExpectNothingLeftAfter(SIGTERM, 143); }
+
+TEST_F(RunProgram, killed_runner_leaves_no_process_behind) { ExpectNothingLeftAfter(SIGKILL, -SIGKILL); }
+
+TEST_F(RunProgram, second_run_in_the_same_folder_is_refused) {
+    StartFake("children");
+    ASSERT_TRUE(Eventually([this] { return !ReadFile(Bench() + "/ready").empty(); }));
+    const pid_t first = m_pid;
+    StartFake("end");
+    EXPECT_EQ(Wait(), 2);
+    EXPECT_EQ(Err(), "run: another run holds the folder " + Bench() + "\n");
+    m_pid = first;
+    kill(first, SIGTERM);
+    EXPECT_EQ(Wait(), 143);
+}
+
+}  // namespace
+}  // namespace Bench

@@ -1,0 +1,41 @@
+// The lines that the classes below the message layer report while one of these lives.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Frameworks/Utilities/Report.h"
+
+struct ReportedLine {
+    std::string text;
+    LogLevel level;
+    ControllerType origin;
+};
+
+class ReportedLines {
+public:
+    ReportedLines() {
+        lines.clear();
+        SetReportFunction([](const StdString& text, LogLevel level, ControllerType origin) {
+            lines.push_back({text.Text(), level, origin});
+        });
+    }
+    ReportedLines(const ReportedLines&) = delete;
+    ReportedLines& operator=(const ReportedLines&) = delete;
+    ~ReportedLines() { SetReportFunction(nullptr); }
+
+    // One entry a line; a line that is no error of the top controller shows its numbers too.
+    std::vector<std::string> Texts() const {
+        std::vector<std::string> texts;
+        for (const ReportedLine& line : lines) {
+            const bool usual = line.level == ERROR_LOG_LEVEL && line.origin == SYSTEM_CONTROL;
+            texts.push_back(usual ? line.text
+                                  : line.text + " level " + std::to_string(line.level) + " origin " +
+                                        std::to_string(line.origin));
+        }
+        return texts;
+    }
+
+private:
+    static inline std::vector<ReportedLine> lines;
+};
