@@ -6,7 +6,10 @@ target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_link_libraries(project_options INTERFACE Threads::Threads)
 target_compile_options(project_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wcast-align -Wnull-dereference -Wformat=2 -Wundef -Werror)
+  -Woverloaded-virtual -Wcast-align -Wformat=2 -Wundef -Werror)
+if(NOT VERNICOR_SANITIZE)  # g++ 12 sees null pointers in its own instrumented streams
+  target_compile_options(project_options INTERFACE -Wnull-dereference)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(project_options INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast)
   if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
