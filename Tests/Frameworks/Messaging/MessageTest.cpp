@@ -133,7 +133,7 @@ TEST_F(MessageRouting, a_source_outside_the_table_is_the_router) {
 }
 
 TEST_F(MessageRouting, a_clone_keeps_command_time_count_and_ends_but_no_names) {
-    RecordingController thread("One");
+    RecordingController& thread = Add("One");
     auto message = std::make_unique<CommandMessage>(PRIME_SYSTEM);
     message->SetSource(&thread);
     message->SetDestination(&thread);

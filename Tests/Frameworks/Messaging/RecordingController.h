@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Frameworks/Messaging/LogInfoMessage.h"
+#include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
 #include "Frameworks/Messaging/ThreadControl.h"
 
@@ -83,6 +84,11 @@ public:
             << note << " did not come";
     }
 
+    void ForgetNotes() {
+        const std::lock_guard lock(m_mutex);
+        m_notes.clear();
+    }
+
     std::vector<std::string> Notes() {
         const std::lock_guard lock(m_mutex);
         return m_notes;
@@ -104,7 +110,18 @@ private:
     std::vector<std::string> m_notes;
 };
 
-// A router for the length of a test.
+// The log level of a test: without the trace of the messages themselves, and from before the router writes its first
+// line.
+class QuietLog {
+public:
+    QuietLog() { MessageController::SetLogLevel(INFORMATIONAL_LOG_LEVEL); }
+    ~QuietLog() { MessageController::SetLogLevel(RUMOR_LOG_LEVEL); }
+    QuietLog(const QuietLog&) = delete;
+    QuietLog& operator=(const QuietLog&) = delete;
+};
+
+// A router for the length of a test, and controllers that outlive it: as in the system, nobody is deleted while the
+// router may still deliver.
 class RouterFixture : public testing::Test {
 protected:
     RouterFixture() { MessageBase::SetMessagingControl(&router); }
@@ -115,5 +132,26 @@ protected:
         pthread_join(router.GetThreadId(), nullptr);
     }
 
+    RecordingController& Add(const char* name, DataMessageType type = NO_DATA_MESSAGE) {
+        m_controllers.push_back(std::make_unique<RecordingController>(name, type));
+        return *m_controllers.back();
+    }
+
+    // A running controller that gets the log lines, with the router up and nothing noted yet.
+    RecordingController& AddLogger(const char* name = "Logger") {
+        RecordingController& logger = Add(name, LOGGING_DATA_MESSAGE);
+        logger.CreateThread();
+        logger.WaitForNote("init");
+        logger.Log("ready", NOTICE_LOG_LEVEL);
+        logger.WaitForNote("ready");
+        logger.ForgetNotes();
+        return logger;
+    }
+
+private:
+    QuietLog m_quiet;
+    std::vector<std::unique_ptr<RecordingController>> m_controllers;
+
+protected:
     MessagingControl router;
 };

@@ -8,7 +8,6 @@
 #include <set>
 
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
-#include "Frameworks/Messaging/MessageController.h"
 #include "Tests/Frameworks/Messaging/RecordingController.h"
 
 namespace {
@@ -26,22 +25,20 @@ unsigned Seed() {
 class RoutingModel : public RouterFixture {
 protected:
     RoutingModel() : seed(Seed()), random(seed) {
-        MessageController::SetLogLevel(EMERGENCY_LOG_LEVEL);
         for (int index = 0; index < Threads; ++index) {
-            threads.push_back(std::make_unique<RecordingController>(("Thread" + std::to_string(index)).c_str()));
+            threads.push_back(&Add(("Thread" + std::to_string(index)).c_str()));
             threads.back()->CreateThread();
             expected.push_back({"init"});
         }
+        router.RegisterCommand(threads.front(), MOVE_TO_SHUTDOWN);
     }
-
-    ~RoutingModel() override { MessageController::SetLogLevel(RUMOR_LOG_LEVEL); }
 
     int Random(int bound) { return std::uniform_int_distribution<int>(0, bound - 1)(random); }
 
     void RegisterSomeone() {
         static constexpr CommandType commands[] = {PRIME_SYSTEM, COLLECT_MEASUREMENT, MOVE_TO_IDLE, RESET_SYSTEM};
         const int index = Random(Threads);
-        RecordingController* thread = threads[static_cast<std::size_t>(index)].get();
+        RecordingController* thread = threads[static_cast<std::size_t>(index)];
         if (Random(5) == 0) {
             EXPECT_EQ(router.RegisterDataMessage(thread, MEASUREMENT_STATUS_MESSAGE), dataModel.insert(index).second);
         } else {
@@ -60,11 +57,18 @@ protected:
             Expect(dataModel, "MEASUREMENT_STATUS_MESSAGE");
         } else {
             const auto command = static_cast<CommandType>(Random(CommandCount));
-            if (command != KILLING_SYSTEM) {
+            if (command != KILLING_SYSTEM && command != MOVE_TO_SHUTDOWN) {
                 sender.SendCommand(command);
                 Expect(commandModel[command], CommandNames[command].Text());
             }
         }
+    }
+
+    // Once this has come, the router has dealt with all that was sent before.
+    void SendEndOfRound() {
+        threads.front()->SendCommand(MOVE_TO_SHUTDOWN);
+        expected.front().push_back("MOVE_TO_SHUTDOWN");
+        ASSERT_EQ(threads.front()->WaitForNotes(expected.front().size()), expected.front());
     }
 
     void Expect(const std::set<int>& receivers, const std::string& note) {
@@ -75,7 +79,7 @@ protected:
 
     const unsigned seed;
     std::mt19937 random;
-    std::vector<std::unique_ptr<RecordingController>> threads;
+    std::vector<RecordingController*> threads;
     std::vector<std::vector<std::string>> expected;
     std::map<CommandType, std::set<int>> commandModel;
     std::set<int> dataModel;
@@ -90,6 +94,7 @@ TEST_F(RoutingModel, everyone_gets_what_was_asked_for_in_order) {
         for (int count = 0; count < MessagesPerRound; ++count) {
             SendSomething();
         }
+        SendEndOfRound();
         for (std::size_t index = 0; index < threads.size(); ++index) {
             ASSERT_EQ(threads[index]->WaitForNotes(expected[index].size()), expected[index]) << "round " << round;
         }

@@ -11,12 +11,7 @@ namespace {
 
 using Notes = std::vector<std::string>;
 
-class Routing : public RouterFixture {
-protected:
-    // Lines of the log at level 6 and more severe, so that the trace of the messages themselves stays out.
-    Routing() { MessageController::SetLogLevel(INFORMATIONAL_LOG_LEVEL); }
-    ~Routing() override { MessageController::SetLogLevel(RUMOR_LOG_LEVEL); }
-};
+class Routing : public RouterFixture {};
 
 std::unique_ptr<CommandMessage> Command(CommandType type, ThreadControl* source, ThreadControl* destination) {
     auto message = std::make_unique<CommandMessage>(type);
@@ -28,8 +23,8 @@ std::unique_ptr<CommandMessage> Command(CommandType type, ThreadControl* source,
 }  // namespace
 
 TEST_F(Routing, a_command_reaches_every_subscriber_in_order_of_registration) {
-    RecordingController one("One");
-    RecordingController two("Two");
+    RecordingController& one = Add("One");
+    RecordingController& two = Add("Two");
     for (RecordingController* thread : {&one, &two}) {
         thread->CreateThread();
         thread->WaitForNotes(1);
@@ -41,7 +36,7 @@ TEST_F(Routing, a_command_reaches_every_subscriber_in_order_of_registration) {
 }
 
 TEST_F(Routing, registering_twice_is_refused_and_delivers_once) {
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     EXPECT_TRUE(router.RegisterCommand(&one, PRIME_SYSTEM));
     EXPECT_FALSE(router.RegisterCommand(&one, PRIME_SYSTEM));
     EXPECT_TRUE(router.RegisterDataMessage(&one, MEASUREMENT_STATUS_MESSAGE));
@@ -60,7 +55,7 @@ TEST_F(Routing, registering_twice_is_refused_and_delivers_once) {
 }
 
 TEST_F(Routing, a_message_without_subscribers_is_dropped_and_the_router_goes_on) {
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     one.CreateThread();
     one.WaitForNotes(1);
     router.RegisterCommand(&one, PRIME_SYSTEM);
@@ -71,22 +66,21 @@ TEST_F(Routing, a_message_without_subscribers_is_dropped_and_the_router_goes_on)
 }
 
 TEST_F(Routing, the_routers_own_clone_changes_its_state_and_goes_no_further) {
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     one.CreateThread();
     router.RegisterCommand(&router, MOVE_TO_RUNNING);
     router.RegisterCommand(&one, MOVE_TO_RUNNING);
     router.RegisterCommand(&one, PRIME_SYSTEM);
-    router.SetTimeOut(1000000);
     one.SendCommand(MOVE_TO_RUNNING);
     one.WaitForNote("MOVE_TO_RUNNING");
+    // The router's own clone stands in its queue by now, ahead of this.
     one.SendCommand(PRIME_SYSTEM);
     EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "MOVE_TO_RUNNING", "PRIME_SYSTEM"}));
     EXPECT_EQ(router.GetState(), RUNNING_STATE);
-    EXPECT_EQ(router.GetTimeOut(), -1);
 }
 
 TEST_F(Routing, each_move_command_sets_the_routers_state) {
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     one.CreateThread();
     for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
         router.RegisterCommand(&router, command);
@@ -100,15 +94,16 @@ TEST_F(Routing, each_move_command_sets_the_routers_state) {
     std::size_t notes = 1;
     for (const auto& [command, state] : rows) {
         one.SendCommand(command);
+        one.WaitForNotes(++notes);
+        // The router's own clone stands in its queue by now, ahead of this.
         one.SendCommand(PRIME_SYSTEM);
-        notes += 2;
-        one.WaitForNotes(notes);
+        one.WaitForNotes(++notes);
         EXPECT_EQ(router.GetState(), state);
     }
 }
 
 TEST_F(Routing, a_data_message_that_was_sent_twice_is_ignored_at_the_router) {
-    RecordingController one("One", MEASUREMENT_STATUS_MESSAGE);
+    RecordingController& one = Add("One", MEASUREMENT_STATUS_MESSAGE);
     one.CreateThread();
     one.WaitForNotes(1);
     router.RegisterCommand(&one, PRIME_SYSTEM);
@@ -125,7 +120,7 @@ TEST_F(Routing, a_data_message_that_was_sent_twice_is_ignored_at_the_router) {
 }
 
 TEST_F(Routing, log_lines_from_before_the_first_subscriber_come_in_order_but_for_the_one_that_frees_them) {
-    RecordingController sender("Sender");
+    RecordingController& sender = Add("Sender");
     sender.Log("first", NOTICE_LOG_LEVEL);
     sender.Log("second", NOTICE_LOG_LEVEL);
     // The router answers a command only when it has put both away.
@@ -133,7 +128,7 @@ TEST_F(Routing, log_lines_from_before_the_first_subscriber_come_in_order_but_for
     router.RegisterCommand(&sender, PRIME_SYSTEM);
     sender.SendCommand(PRIME_SYSTEM);
     sender.WaitForNote("PRIME_SYSTEM");
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
+    RecordingController& logger = Add("Logger", LOGGING_DATA_MESSAGE);
     logger.CreateThread();
     logger.WaitForNotes(1);
     sender.Log("lost", NOTICE_LOG_LEVEL);
@@ -142,10 +137,10 @@ TEST_F(Routing, log_lines_from_before_the_first_subscriber_come_in_order_but_for
 }
 
 TEST_F(Routing, waiting_log_lines_reach_every_subscriber) {
-    RecordingController sender("Sender");
+    RecordingController& sender = Add("Sender");
     sender.Log("first", NOTICE_LOG_LEVEL);
-    RecordingController one("One");
-    RecordingController two("Two");
+    RecordingController& one = Add("One");
+    RecordingController& two = Add("Two");
     one.CreateThread();
     two.CreateThread();
     router.RegisterCommand(&one, PRIME_SYSTEM);
@@ -159,22 +154,18 @@ TEST_F(Routing, waiting_log_lines_reach_every_subscriber) {
 }
 
 TEST_F(Routing, a_line_above_the_log_level_makes_no_message) {
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
+    RecordingController& logger = AddLogger();
     logger.Log("too fine", DEBUG_LOG_LEVEL);
     logger.Log("no level counts as the finest", NO_LOG_LEVEL);
     MessageController::LogMessage("too fine", DEBUG_LOG_LEVEL, SYSTEM_CONTROL);
     logger.Log("passes", INFORMATIONAL_LOG_LEVEL);
-    EXPECT_EQ(logger.WaitForNotes(2), (Notes{"init", "passes"}));
+    EXPECT_EQ(logger.WaitForNotes(1), (Notes{"passes"}));
 }
 
 TEST_F(Routing, every_message_leaves_one_line_of_trace_at_its_receiver) {
+    RecordingController& logger = AddLogger();
     MessageController::SetLogLevel(RUMOR_LOG_LEVEL);
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     one.CreateThread();
     one.WaitForNotes(1);
     one.ReceiveMessage(Command(PRIME_SYSTEM, &logger, &one));
@@ -193,45 +184,37 @@ TEST_F(Routing, every_message_leaves_one_line_of_trace_at_its_receiver) {
 }
 
 TEST_F(Routing, the_routers_time_out_leaves_a_line) {
+    RecordingController& logger = AddLogger();
     MessageController::SetLogLevel(RUMOR_LOG_LEVEL);
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
     EXPECT_TRUE(router.ProcessTimeOut());
     logger.WaitForNote("Processing TimeOut for - MessagingControl");
 }
 
 TEST_F(Routing, LogMessage_without_an_origin_says_so_in_the_routers_name) {
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
+    RecordingController& logger = AddLogger();
     router.RegisterCommand(&router, PRIME_SYSTEM);
     MessageController::LogMessage("never seen", ERROR_LOG_LEVEL, NO_CONTROLLER);
-    EXPECT_EQ(logger.WaitForNotes(2), (Notes{"init", "Invalid Controller Type"}));
+    EXPECT_EQ(logger.WaitForNotes(1), (Notes{"Invalid Controller Type"}));
 }
 
 TEST_F(Routing, SendMessage_refuses_a_null_message_and_no_origin) {
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
+    RecordingController& logger = AddLogger();
     router.RegisterCommand(&router, PRIME_SYSTEM);
     router.RegisterCommand(&logger, PRIME_SYSTEM);
     EXPECT_FALSE(MessageController::SendMessage(nullptr, MESSAGING_CONTROL));
     EXPECT_FALSE(MessageController::SendMessage(std::make_unique<CommandMessage>(PRIME_SYSTEM), NO_CONTROLLER));
-    EXPECT_EQ(logger.WaitForNotes(3), (Notes{"init", "Attempt to send NULL message", "Invalid Controller Type"}));
+    EXPECT_EQ(logger.WaitForNotes(2), (Notes{"Attempt to send NULL message", "Invalid Controller Type"}));
 }
 
 TEST_F(Routing, the_layers_below_report_through_the_router) {
-    RecordingController logger("Logger", LOGGING_DATA_MESSAGE);
-    logger.CreateThread();
-    logger.WaitForNotes(1);
+    RecordingController& logger = AddLogger();
     router.RegisterCommand(&router, PRIME_SYSTEM);
     Report("from below", ERROR_LOG_LEVEL, MESSAGING_CONTROL);
-    EXPECT_EQ(logger.WaitForNotes(2), (Notes{"init", "from below"}));
+    EXPECT_EQ(logger.WaitForNotes(1), (Notes{"from below"}));
 }
 
 TEST_F(Routing, a_status_message_goes_out_in_the_name_of_the_measurement_engine) {
-    RecordingController engine("MeasurementEngine", MEASUREMENT_STATUS_MESSAGE);
+    RecordingController& engine = Add("MeasurementEngine", MEASUREMENT_STATUS_MESSAGE);
     engine.CreateThread();
     engine.WaitForNotes(1);
     router.RegisterCommand(&engine, PRIME_SYSTEM);
@@ -248,10 +231,10 @@ TEST_F(Routing, a_message_to_a_controller_that_never_registered_is_refused) {
 }
 
 TEST_F(Routing, a_burst_is_delivered_whole_and_in_order) {
-    RecordingController one("One");
+    RecordingController& one = Add("One");
     router.RegisterCommand(&one, PRIME_SYSTEM);
     router.RegisterCommand(&one, COLLECT_MEASUREMENT);
-    RecordingController sender("Sender");
+    RecordingController& sender = Add("Sender");
     const unsigned seed = std::random_device{}();
     std::mt19937 random(seed);
     Notes expected{"init"};
