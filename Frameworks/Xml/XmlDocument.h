@@ -80,7 +80,7 @@ private:
     std::string_view StartTag(std::uint32_t index) const;
 
     bool FindPlace(std::uint32_t flags, Place& place) const;
-    void Splice(std::size_t offset, std::size_t removed, std::string_view text);
+    bool Change(std::uint32_t enclosing, std::size_t offset, std::size_t removed, std::string_view text);
     std::size_t BehindWhiteSpace(std::size_t offset) const;
 
     std::string m_text;

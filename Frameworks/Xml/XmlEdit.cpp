@@ -47,6 +47,32 @@ ElementText MakeElement(std::string_view name, std::string_view data, std::uint3
     return element;
 }
 
+struct AttributeChange {
+    std::size_t start;    // in the tag
+    std::size_t removed;  // bytes
+    std::string text;
+};
+
+AttributeChange ChangeOfAttribute(std::string_view tag, std::size_t nameEnd, std::string_view name,
+                                  std::string_view value) {
+    std::string quoted = "\"" + EscapeXml(value, XmlEscapeMode::ATTRIBUTE_MODE) + "\"";
+    XmlAttribute attribute;
+    if (FindXmlAttribute(tag, nameEnd, name, attribute)) {
+        quoted.insert(0, attribute.hasEqualSign ? "" : "=");
+        return {attribute.valueStart, attribute.valueEnd - attribute.valueStart, std::move(quoted)};
+    }
+    std::size_t last = nameEnd;
+    bool isCutOff = false;
+    XmlAttributes attributes(tag, nameEnd);
+    while (attributes.Next(attribute)) {
+        last = attribute.valueEnd;
+        isCutOff = attribute.hasEqualSign && attribute.valueStart == attribute.valueEnd;
+    }
+    // A last attribute that ends in its "=" would take the new one for its value.
+    std::string text = isCutOff ? "\"\" " : " ";
+    return {last, 0, text.append(name).append("=").append(quoted)};
+}
+
 }  // namespace
 
 struct XmlDocument::Place {
@@ -65,52 +91,36 @@ std::size_t XmlDocument::BehindWhiteSpace(std::size_t offset) const {
     return at < m_text.size() && m_text[at] == '<' ? at : offset;
 }
 
-void XmlDocument::Splice(std::size_t offset, std::size_t removed, std::string_view text) {
+// Replaces a part of the text within `enclosing` and moves all offsets behind it. False if the text would grow too
+// long.
+bool XmlDocument::Change(std::uint32_t enclosing, std::size_t offset, std::size_t removed, std::string_view text) {
     const std::size_t needed = m_text.size() - removed + text.size();
+    if (needed > LongestText) {
+        return false;
+    }
     if (needed > m_text.capacity()) {
         m_text.reserve(needed + needed / 2 + SpliceReserve);
     }
     m_text.replace(offset, removed, text);
+    if (text.size() != removed) {
+        const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);
+        m_index.Shift(static_cast<std::uint32_t>(offset), change);
+        m_index.Lengthen(enclosing, change);
+    }
+    return true;
 }
 
 bool XmlDocument::SetAttribute(const char* name, const char* value) {
     if (m_main == 0 || name == nullptr || !IsAttributeName(name)) {
         return false;
     }
-    const std::string_view tag = StartTag(m_main);
-    std::string text = "\"" + EscapeXml(value == nullptr ? "" : value, XmlEscapeMode::ATTRIBUTE_MODE) + "\"";
-    XmlAttribute attribute;
-    std::size_t at = 0;
-    std::size_t removed = 0;
-    const std::size_t nameEnd = 1 + NameAt(m_main).size();
-    if (FindXmlAttribute(tag, nameEnd, name, attribute)) {
-        at = attribute.valueStart;
-        removed = attribute.valueEnd - attribute.valueStart;
-        text.insert(0, attribute.hasEqualSign ? "" : "=");
-    } else {
-        XmlAttributes attributes(tag, nameEnd);
-        at = nameEnd;
-        bool isCutOff = false;
-        while (attributes.Next(attribute)) {
-            at = attribute.valueEnd;
-            isCutOff = attribute.hasEqualSign && attribute.valueStart == attribute.valueEnd;
-        }
-        text.insert(0, std::string(" ").append(name).append("="));
-        // A last attribute that ends in its "=" would take the new one for its value.
-        text.insert(0, isCutOff ? "\"\"" : "");
-    }
-    if (m_text.size() - removed + std::uint64_t{text.size()} > LongestText) {
+    const AttributeChange change =
+        ChangeOfAttribute(StartTag(m_main), 1 + NameAt(m_main).size(), name, value == nullptr ? "" : value);
+    if (!Change(m_main, m_index.At(m_main).start + change.start, change.removed, change.text)) {
         return false;
     }
-    const std::size_t offset = m_index.At(m_main).start + at;
-    const std::uint32_t startTag = m_index.StartTagLength(m_main);
-    Splice(offset, removed, text);
-    const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);
-    if (change != 0) {
-        m_index.Shift(static_cast<std::uint32_t>(offset), change);
-        m_index.Lengthen(m_main, change);
-        m_index.SetTagLengths(m_main, static_cast<std::uint32_t>(startTag + change), m_index.EndTagLength(m_main));
-    }
+    const std::size_t startTag = m_index.StartTagLength(m_main) - change.removed + change.text.size();
+    m_index.SetTagLengths(m_main, static_cast<std::uint32_t>(startTag), m_index.EndTagLength(m_main));
     return true;
 }
 
@@ -164,33 +174,25 @@ bool XmlDocument::AddElement(const char* name, const char* data, std::uint32_t f
         return false;
     }
     const ElementText element = MakeElement(name, content, flags);
-    const char* lineFeed = (flags & NoLineFeedFlag) != 0 ? "" : "\n";
-    std::string text = place.opensParent ? ">" : "";
-    text += place.opensParent || place.isFirstContent ? lineFeed : "";
-    const std::size_t lead = text.size();
-    text.append(element.text).append(lineFeed);
-    std::size_t parentName = 0;
+    const std::string_view lineFeed = (flags & NoLineFeedFlag) != 0 ? "" : "\n";
+    std::string lead(place.opensParent || place.isFirstContent ? lineFeed : "");
+    std::string end(lineFeed);
     if (place.opensParent) {
-        const std::string_view parent = NameAt(place.parent);
-        parentName = parent.size();
-        text.append(EndTagStart).append(parent);
+        // The old ">" closes the new end tag. A second "/" must not come to stand before the new ">".
+        lead.insert(0, m_text[place.offset - 1] == '/' ? " >" : ">");
+        end.append(EndTagStart).append(NameAt(place.parent));
     }
     const std::size_t removed = place.opensParent ? 1 : 0;
-    if (m_text.size() - removed + std::uint64_t{text.size()} > LongestText) {
+    if (!Change(place.parent, place.offset, removed, lead + element.text + end)) {
         return false;
     }
-    Splice(place.offset, removed, text);
-
-    const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);
-    m_index.Shift(static_cast<std::uint32_t>(place.offset), change);
-    m_index.Lengthen(place.parent, change);
     if (place.opensParent) {
-        // The "/" of the start tag went to the end tag.
-        m_index.SetTagLengths(place.parent, m_index.StartTagLength(place.parent) - 1,
-                              static_cast<std::uint32_t>(EndTagStart.size() + parentName + 1));
+        const std::size_t startTag = place.offset + lead.size() - lineFeed.size() - m_index.At(place.parent).start;
+        const std::size_t endTag = end.size() - lineFeed.size() + 1;
+        m_index.SetTagLengths(place.parent, static_cast<std::uint32_t>(startTag), static_cast<std::uint32_t>(endTag));
     }
-    const std::uint32_t added =
-        m_index.Take(static_cast<std::uint32_t>(place.offset + lead), static_cast<std::uint32_t>(element.text.size()));
+    const std::uint32_t added = m_index.Take(static_cast<std::uint32_t>(place.offset + lead.size()),
+                                             static_cast<std::uint32_t>(element.text.size()));
     m_index.SetTagLengths(added, static_cast<std::uint32_t>(element.startTag),
                           static_cast<std::uint32_t>(element.endTag));
     m_index.LinkBehind(place.parent, place.previous, added);
@@ -210,11 +212,8 @@ bool XmlDocument::RemoveElement() {
     const std::size_t start = m_index.At(m_main).start;
     const std::size_t end = BehindWhiteSpace(m_index.End(m_main));
     const std::uint32_t previous = m_index.Previous(m_main);
-    Splice(start, end - start, {});
     m_index.Remove(m_main);
-    const std::int64_t change = static_cast<std::int64_t>(start) - static_cast<std::int64_t>(end);
-    m_index.Shift(static_cast<std::uint32_t>(end), change);
-    m_index.Lengthen(m_parent, change);
+    Change(m_parent, start, end - start, {});
     SetPosition(m_parent, previous, 0);
     return true;
 }

@@ -91,6 +91,14 @@ TEST_F(XmlEdit, an_empty_parent_with_a_blank_keeps_the_blank) {
     EXPECT_EQ(Text(), "<r >\n<b/>\n</r>");
 }
 
+TEST_F(XmlEdit, an_empty_parent_with_a_second_slash_is_opened_all_the_same) {
+    Inside("<r a=b//>");
+    ASSERT_TRUE(m_document.AddElement("b"));
+    EXPECT_EQ(Text(), "<r a=b/ >\n<b/>\n</r>");
+    m_document.OutOfElement();
+    EXPECT_EQ(m_document.GetAttribute("a"), "b/");
+}
+
 TEST_F(XmlEdit, a_parent_with_nothing_between_its_tags_gets_a_line_feed_in_front) {
     Inside("<r></r>");
     ASSERT_TRUE(m_document.AddElement("b"));
