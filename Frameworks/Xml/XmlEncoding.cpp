@@ -51,7 +51,7 @@ Converter OpenConverter(const std::string& to, const std::string& from) {
     if (!ConverterName(to, toName) || !ConverterName(from, fromName)) {
         return nullptr;
     }
-    const iconv_t converter = iconv_open(toName.c_str(), fromName.c_str());
+    iconv_t converter = iconv_open(toName.c_str(), fromName.c_str());
     // The library's sign of failure is a pointer of all ones.
     return Converter(reinterpret_cast<std::intptr_t>(converter) == -1 ? nullptr : converter);
 }
@@ -209,29 +209,37 @@ std::string_view CharacterSet(std::string_view content) {
     return content.substr(0, content.find_first_of("; \t\r\n"));
 }
 
+std::string_view EncodingIn(std::string_view tag, const XmlToken& token) {
+    if (token.kind == XmlTokenKind::PROCESSING_INSTRUCTION_TOKEN && token.name == "xml") {
+        return AttributeOf(tag, token, "encoding");
+    }
+    const bool isMeta = token.kind == XmlTokenKind::START_TAG_TOKEN && token.name == "meta";
+    if (isMeta && AttributeOf(tag, token, "http-equiv") == "Content-Type") {
+        return CharacterSet(AttributeOf(tag, token, "content"));
+    }
+    return {};
+}
+
+bool EndsSearch(const XmlToken& token) {
+    if (token.kind == XmlTokenKind::START_TAG_TOKEN) {
+        return token.name != "html" && token.name != "head" && token.name != "meta";
+    }
+    return token.kind == XmlTokenKind::END_OF_TEXT_TOKEN ||
+           (token.kind == XmlTokenKind::END_TAG_TOKEN && token.name == "head");
+}
+
 }  // namespace
 
 std::string DeclaredEncoding(std::string_view text) {
     XmlScanner scanner(text);
-    for (const XmlToken* token = &scanner.Next(); token->kind != XmlTokenKind::END_OF_TEXT_TOKEN;
-         token = &scanner.Next()) {
-        const std::string_view tag = text.substr(token->start, token->end - token->start);
-        if (token->kind == XmlTokenKind::PROCESSING_INSTRUCTION_TOKEN && token->name == "xml") {
-            if (const std::string_view encoding = AttributeOf(tag, *token, "encoding"); !encoding.empty()) {
-                return std::string(encoding);
-            }
-        } else if (token->kind == XmlTokenKind::END_TAG_TOKEN && token->name == "head") {
-            return {};
-        } else if (token->kind == XmlTokenKind::START_TAG_TOKEN && token->name == "meta") {
-            if (AttributeOf(tag, *token, "http-equiv") == "Content-Type") {
-                const std::string_view encoding = CharacterSet(AttributeOf(tag, *token, "content"));
-                if (!encoding.empty()) {
-                    return std::string(encoding);
-                }
-            }
-        } else if (token->kind == XmlTokenKind::START_TAG_TOKEN && token->name != "html" && token->name != "head") {
+    for (;;) {
+        const XmlToken& token = scanner.Next();
+        if (EndsSearch(token)) {
             return {};
         }
+        const std::string_view encoding = EncodingIn(text.substr(token.start, token.end - token.start), token);
+        if (!encoding.empty()) {
+            return std::string(encoding);
+        }
     }
-    return {};
 }
