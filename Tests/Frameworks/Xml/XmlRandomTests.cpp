@@ -89,10 +89,10 @@ public:
         ASSERT_EQ(m_document.GetTagName(), m_model.Main() == nullptr ? "" : m_model.Main()->name);
         const std::string& name = Pick(AttributeNames);
         ASSERT_EQ(m_document.GetAttribute(name.c_str()), m_model.Attribute(name));
-        ASSERT_EQ(CheckIndex(m_document), "");
     }
 
     void CompareWithFreshParse() {
+        ASSERT_EQ(CheckIndex(m_document), "");
         XmlDocument fresh;
         const bool isWellFormed = fresh.SetDocumentText(m_document.GetDocumentText().c_str());
         ASSERT_EQ(isWellFormed, m_document.IsWellFormed());
@@ -209,7 +209,7 @@ TEST(XmlRandom, ten_thousand_edits_leave_the_text_that_the_model_has) {
     for (int edit = 0; edit < Edits && !testing::Test::HasFailure(); ++edit) {
         edits.Step();
         edits.Compare();
-        if (edit % 10 == 0) {
+        if (edit % 5 == 0) {
             edits.CompareWithFreshParse();
         }
         if (edit % 500 == 499) {

@@ -6,7 +6,7 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <string>
 
 class XmlTestFile {
@@ -26,7 +26,9 @@ public:
 
     std::string Read() const {
         std::ifstream file(m_path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+        std::ostringstream content;
+        content << file.rdbuf();
+        return content.str();
     }
 
 private:
