@@ -144,7 +144,8 @@ int Runner::Follow() {
         }
         const double allowed = SecondsAllowed();
         if (m_board->Seconds() - m_lastResult > allowed) {
-            return Fail("no result in " + Length(allowed) + " of simulated time");
+            const char* card = m_board->Card().inserted ? "" : ", and the card with its records is out";
+            return Fail("no result in " + Length(allowed) + " of simulated time" + card);
         }
         ShowProgress();
         poll(nullptr, 0, LookMilliseconds);

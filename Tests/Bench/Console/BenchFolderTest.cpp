@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Bench/Console/TemporaryFolder.h"
+#include "Tests/Support/BenchRun.h"
 
 namespace Bench {
 namespace {

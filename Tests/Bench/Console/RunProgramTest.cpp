@@ -1,17 +1,11 @@
 // The program behind ./run, as whoever starts it sees it: its output, its exit status and what it leaves behind.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <thread>
-#include <vector>
 
 #include "Bench/Board/Board.h"
-#include "Tests/Bench/Console/TemporaryFolder.h"
+#include "Tests/Support/BenchRun.h"
 
 namespace Bench {
 namespace {
@@ -20,56 +14,23 @@ constexpr const char* Configuration =
     "<INFO_ITEM name=\"ColorimeterCellConstant\" value=\"2.4\"/>"
     "<INFO_ITEM name=\"LogMeasurementDataFileName\" value=\"Measurement.csv\"/>";
 
-// One started bench-run. Its output lies in files, so that no pipe can fill.
 class RunProgram : public testing::Test {
 protected:
     RunProgram() { WriteFile(m_folder / "c.xml", Configuration); }
-    ~RunProgram() override {
-        if (m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
-    }
-
-    void Start(std::vector<std::string> arguments, const std::string& fake) {
-        arguments.insert(arguments.begin(), BINARY_FOLDER "/bench-run");
-        m_pid = fork();
-        if (m_pid == 0) {
-            setenv("FAKE_ANALYZER", fake.c_str(), 1);
-            const int out = open((m_folder / "out").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            const int err = open((m_folder / "err").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            dup2(out, STDOUT_FILENO);
-            dup2(err, STDERR_FILENO);
-            std::vector<char*> pointers;
-            for (std::string& argument : arguments) {
-                pointers.push_back(argument.data());
-            }
-            pointers.push_back(nullptr);
-            execv(pointers[0], pointers.data());
-            _exit(99);
-        }
-    }
 
     // On the fake analyzer, in a bench folder of the test.
-    void StartFake(const std::string& fake, const std::vector<std::string>& more = {}) {
+    void StartFake(const std::string& fake, const std::vector<std::string>& more = {}) { StartFake(m_run, fake, more); }
+
+    void StartFake(BenchRun& run, const std::string& fake, const std::vector<std::string>& more = {}) {
         std::vector<std::string> arguments = {
             "--program", BINARY_FOLDER "/fake_analyzer", "--bench", Bench(), "--config", m_folder / "c.xml"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        Start(arguments, fake);
+        setenv("FAKE_ANALYZER", fake.c_str(), 1);
+        run.Start(arguments);
     }
 
-    int Wait() {
-        int status = 0;
-        while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
-        }
-        m_pid = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-
-    int Run(const std::vector<std::string>& arguments) {
-        Start(arguments, "");
-        return Wait();
-    }
+    int Wait() { return m_run.Wait(); }
+    int Run(const std::vector<std::string>& arguments) { return m_run.Run(arguments); }
 
     void ExpectRefused(const std::vector<std::string>& arguments, const std::string& sentence) {
         EXPECT_EQ(Run(arguments), 2);
@@ -77,8 +38,8 @@ protected:
         EXPECT_EQ(Err(), "run: " + sentence + "\n");
     }
 
-    std::string Out() const { return ReadFile(m_folder / "out"); }
-    std::string Err() const { return ReadFile(m_folder / "err"); }
+    std::string Out() const { return m_run.Out(); }
+    std::string Err() const { return m_run.Err(); }
     std::string Bench() const { return m_folder / "bench"; }
 
     // A guard against hanging, never a measure.
@@ -107,7 +68,7 @@ protected:
         ASSERT_TRUE(Eventually([this] { return !ReadFile(Bench() + "/ready").empty(); }));
         const std::vector<pid_t> pids = FakePids();
         ASSERT_EQ(pids.size(), 3U);
-        kill(m_pid, signal);
+        m_run.Signal(signal);
         EXPECT_EQ(Wait(), status);
         for (const pid_t pid : pids) {
             EXPECT_TRUE(Eventually([pid] { return kill(pid, 0) != 0 && errno == ESRCH; }));
@@ -115,7 +76,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
-    pid_t m_pid = -1;
+    BenchRun m_run;
 };
 
 TEST_F(RunProgram, wrong_option_ends_with_a_sentence) {
@@ -262,12 +223,11 @@ TEST_F(RunProgram, killed_runner_leaves_no_process_behind) { ExpectNothingLeftAf
 TEST_F(RunProgram, second_run_in_the_same_folder_is_refused) {
     StartFake("children");
     ASSERT_TRUE(Eventually([this] { return !ReadFile(Bench() + "/ready").empty(); }));
-    const pid_t first = m_pid;
-    StartFake("end");
-    EXPECT_EQ(Wait(), 2);
-    EXPECT_EQ(Err(), "run: another run holds the folder " + Bench() + "\n");
-    m_pid = first;
-    kill(first, SIGTERM);
+    BenchRun second;
+    StartFake(second, "end");
+    EXPECT_EQ(second.Wait(), 2);
+    EXPECT_EQ(second.Err(), "run: another run holds the folder " + Bench() + "\n");
+    m_run.Signal(SIGTERM);
     EXPECT_EQ(Wait(), 143);
 }
 
