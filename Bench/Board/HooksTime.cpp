@@ -215,7 +215,7 @@ unsigned sleep(unsigned seconds) {
     return static_cast<unsigned>((left + NanoSecondsPerSecond - 1) / NanoSecondsPerSecond);
 }
 
-// A time with the nanoseconds of a second or more is refused by libc unless the semaphore is free; left to it.
+// A time with the nanoseconds of a second or more is refused by libc; left to it.
 int sem_timedwait(sem_t* semaphore, const timespec* until) {
     BoardState* state = AttachedState();
     if (state == nullptr || !Valid(*until)) {
