@@ -88,6 +88,15 @@ int Truncate(RealTruncate& real, int file, Offset length) {
     return real(file, length);
 }
 
+template <typename RealControl>
+int Control(RealControl& real, int file, int command, void* argument) {
+    const int result = real(file, command, argument);
+    if (result >= 0 && (command == F_DUPFD || command == F_DUPFD_CLOEXEC)) {
+        CopyFile(file, result);
+    }
+    return result;
+}
+
 }  // namespace
 
 extern "C" {
@@ -163,6 +172,22 @@ int dup3(int file, int copy, int flags) noexcept {
         CopyFile(file, copy);
     }
     return result;
+}
+
+int fcntl(int file, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    return Control(Real::fcntl, file, command, argument);
+}
+
+int fcntl64(int file, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    return Control(Real::fcntl64, file, command, argument);
 }
 
 ssize_t read(int file, void* data, size_t size) {

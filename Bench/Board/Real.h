@@ -80,6 +80,8 @@ public:
     ROW(dup, int(int))                                                                         \
     ROW(dup2, int(int, int))                                                                   \
     ROW(dup3, int(int, int, int))                                                              \
+    ROW(fcntl, int(int, int, ...))                                                             \
+    ROW(fcntl64, int(int, int, ...))                                                           \
     ROW(read, ssize_t(int, void*, size_t))                                                     \
     ROW(write, ssize_t(int, const void*, size_t))                                              \
     ROW(readv, ssize_t(int, const iovec*, int))                                                \
@@ -127,7 +129,6 @@ public:
     ROW(umount, int(const char*))                                                              \
     ROW(umount2, int(const char*, int))                                                        \
     ROW(setmntent, FILE*(const char*, const char*))                                            \
-    ROW(endmntent, int(FILE*))                                                                 \
     ROW(access, int(const char*, int))                                                         \
     ROW(mkdir, int(const char*, mode_t))                                                       \
     ROW(rmdir, int(const char*))                                                               \
