@@ -1,4 +1,5 @@
-// Which board the hooks of this process serve, and what they know of its open files. No locks: a fork may come at any time.
+// Which board the hooks of this process serve, and what they know of its open files. No locks: a fork may come at any
+// time.
 #pragma once
 
 #include <sys/types.h>

@@ -28,9 +28,15 @@ constexpr std::uint64_t Magic = 0x42656e6368303031;
 constexpr const char* StateFile = "/board.state";
 
 constexpr const char* Folders[] = {
-    "/sys/class/gpio", "/sys/class/pwm/pwmchip0",     "/sys/bus/iio/devices/iio:device0",
-    "/dev",            "/mnt/sd-card",                "/etc",
-    "/card",           "/usr/share/vorn/bin",         "/var/log/vorn/data",
+    "/sys/class/gpio",
+    "/sys/class/pwm/pwmchip0",
+    "/sys/bus/iio/devices/iio:device0",
+    "/dev",
+    "/mnt/sd-card",
+    "/etc",
+    "/card",
+    "/usr/share/vorn/bin",
+    "/var/log/vorn/data",
 };
 
 constexpr const char* Files[] = {

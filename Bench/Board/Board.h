@@ -216,7 +216,8 @@ private:
 void AttachThisProcess(const Board& board);
 void DetachThisProcess();
 
-// A fresh board in a fresh folder under TMPDIR, or in memory where that is unset, with this process attached; all is removed at the end.
+// A fresh board in a fresh folder under TMPDIR, or in memory where that is unset, with this process attached; all is
+// removed at the end.
 class TemporaryBoard {
 public:
     explicit TemporaryBoard(const BoardSetup& setup = {});

@@ -27,12 +27,10 @@ struct ClockReading {
 ClockReading ReadClock(const ClockState& clock) {
     for (;;) {
         const std::uint32_t before = clock.sequence.load(std::memory_order_acquire);
-        const ClockReading reading{clock.realAnchor.load(std::memory_order_acquire),
-                                   clock.boardAnchor.load(std::memory_order_acquire),
-                                   clock.speed.load(std::memory_order_acquire),
-                                   clock.wallOffset.load(std::memory_order_acquire),
-                                   clock.jumpAt.load(std::memory_order_acquire),
-                                   clock.jumpBy.load(std::memory_order_acquire)};
+        const ClockReading reading{
+            clock.realAnchor.load(std::memory_order_acquire), clock.boardAnchor.load(std::memory_order_acquire),
+            clock.speed.load(std::memory_order_acquire),      clock.wallOffset.load(std::memory_order_acquire),
+            clock.jumpAt.load(std::memory_order_acquire),     clock.jumpBy.load(std::memory_order_acquire)};
         if ((before & 1U) == 0 && clock.sequence.load(std::memory_order_acquire) == before) {
             return reading;
         }

@@ -43,11 +43,13 @@ constexpr FaultRow Rows[] = {
     {FaultName::ValveStuck, "valve-stuck", "", ValueKind::None, "the sample valve stays closed"},
     {FaultName::LedDead, "led-dead", "", ValueKind::None, "the emitter gives no light"},
     {FaultName::DetectorSaturated, "detector-saturated", "", ValueKind::None, "the detector reads full scale"},
-    {FaultName::RailOut, "rail-out", "CHANNEL", ValueKind::Channel, "the rail at that multiplexer channel has half its voltage"},
+    {FaultName::RailOut, "rail-out", "CHANNEL", ValueKind::Channel,
+     "the rail at that multiplexer channel has half its voltage"},
     {FaultName::CardOut, "card-out", "", ValueKind::None, "the card is pulled, mounted or not"},
     {FaultName::CardIn, "card-in", "", ValueKind::None, "the card is put into its slot"},
     {FaultName::CardFull, "card-full", "", ValueKind::None, "the card has no space left"},
-    {FaultName::CardSlow, "card-slow", "MS", ValueKind::Number, "each write and sync on the card takes that much longer"},
+    {FaultName::CardSlow, "card-slow", "MS", ValueKind::Number,
+     "each write and sync on the card takes that much longer"},
     {FaultName::CardProtected, "card-protected", "", ValueKind::None, "the card is write-protected"},
     {FaultName::ClockBack, "clock-back", "SECONDS", ValueKind::Number, "the wall clock is set back"},
     {FaultName::ReagentEmpty, "reagent-empty", "", ValueKind::None, "the reagent bottle is dry"},
@@ -83,8 +85,8 @@ bool ValueFits(const FaultRow& row, std::string_view value, std::string& error) 
         error = name + " needs a value: " + name + "=" + row.valueName;
     } else if (row.kind == ValueKind::Number && (!ParseDouble(value, number) || number < 0.0 || number > 1e9)) {
         error = name + ": \"" + std::string(value) + "\" is no number from 0 to 1000000000";
-    } else if (row.kind == ValueKind::Channel &&
-               (!ParseDouble(value, number) || number < 0.0 || number >= MultiplexerChannels || number != std::floor(number))) {
+    } else if (row.kind == ValueKind::Channel && (!ParseDouble(value, number) || number < 0.0 ||
+                                                  number >= MultiplexerChannels || number != std::floor(number))) {
         error = name + ": \"" + std::string(value) + "\" is no multiplexer channel, 0 to 15";
     }
     return error.empty();
@@ -184,9 +186,8 @@ private:
 }  // namespace
 
 bool FaultActive(const BoardState& state, FaultName name) {
-    return std::any_of(std::begin(state.faults), std::end(state.faults), [name](const FaultEntry& entry) {
-        return entry.applied && Rows[entry.row].fault == name;
-    });
+    return std::any_of(std::begin(state.faults), std::end(state.faults),
+                       [name](const FaultEntry& entry) { return entry.applied && Rows[entry.row].fault == name; });
 }
 
 bool WriteRefused(const BoardState& state, Node node) {

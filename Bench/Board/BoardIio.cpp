@@ -67,7 +67,8 @@ void IioContent(BoardState& state, Node node, Buffer& content) {
 }
 
 int SelectedChannel(const BoardState& state) {
-    const int address = (PinLevel(state, 2, 27) ? 1 : 0) | (PinLevel(state, 2, 28) ? 2 : 0) | (PinLevel(state, 2, 31) ? 4 : 0);
+    const int address =
+        (PinLevel(state, 2, 27) ? 1 : 0) | (PinLevel(state, 2, 28) ? 2 : 0) | (PinLevel(state, 2, 31) ? 4 : 0);
     return address + (PinLevel(state, 3, 10) ? 0 : 8);  // the enable line chooses the multiplexer
 }
 

@@ -1,5 +1,5 @@
-// The file "log" of the bench folder: one line for each line of the system log, its fields divided by tabs: priority, ident,
-// options, facility, text, format. A tab, a line end and a backslash within a field stand as \t, \n and \\.
+// The file "log" of the bench folder: one line for each line of the system log, its fields divided by tabs: priority,
+// ident, options, facility, text, format. A tab, a line end and a backslash within a field stand as \t, \n and \\.
 #include <fcntl.h>
 
 #include <cstdio>

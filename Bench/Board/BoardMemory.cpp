@@ -1,5 +1,5 @@
-// The processor's IO registers as /dev/mem shows them: one page is filled when it is mapped, and what the program stored
-// in the set and clear registers acts when it is unmapped.
+// The processor's IO registers as /dev/mem shows them: one page is filled when it is mapped, and what the program
+// stored in the set and clear registers acts when it is unmapped.
 #include "Bench/Board/BoardState.h"
 
 namespace Bench {

@@ -1,5 +1,5 @@
-// The SPI bus with the 24-bit converter on it. A command word starts a conversion; the reading is taken when it ends and
-// waits for the next read.
+// The SPI bus with the 24-bit converter on it. A command word starts a conversion; the reading is taken when it ends
+// and waits for the next read.
 #include <linux/spi/spidev.h>
 #include <sys/ioctl.h>
 
@@ -252,7 +252,8 @@ int SpiIoctl(BoardState& state, unsigned long request, void* argument, int& resu
         default:
             break;
     }
-    const bool message = _IOC_TYPE(request) == SPI_IOC_MAGIC && _IOC_NR(request) == 0 && _IOC_DIR(request) == _IOC_WRITE;
+    const bool message =
+        _IOC_TYPE(request) == SPI_IOC_MAGIC && _IOC_NR(request) == 0 && _IOC_DIR(request) == _IOC_WRITE;
     return message ? Message(state, request, argument, result) : ENOTTY;
 }
 

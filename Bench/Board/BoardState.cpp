@@ -50,9 +50,9 @@ constexpr struct {
     int error;
     const char* name;
 } ErrorNames[] = {
-    {EPERM, "EPERM"},   {ENOENT, "ENOENT"}, {EIO, "EIO"},       {ENXIO, "ENXIO"},   {EBADF, "EBADF"},
-    {EAGAIN, "EAGAIN"}, {ENOMEM, "ENOMEM"}, {EACCES, "EACCES"}, {EBUSY, "EBUSY"},   {EEXIST, "EEXIST"},
-    {ENODEV, "ENODEV"}, {EINVAL, "EINVAL"}, {ENOTTY, "ENOTTY"}, {ENOSPC, "ENOSPC"}, {EROFS, "EROFS"},
+    {EPERM, "EPERM"},   {ENOENT, "ENOENT"},   {EIO, "EIO"},       {ENXIO, "ENXIO"},   {EBADF, "EBADF"},
+    {EAGAIN, "EAGAIN"}, {ENOMEM, "ENOMEM"},   {EACCES, "EACCES"}, {EBUSY, "EBUSY"},   {EEXIST, "EEXIST"},
+    {ENODEV, "ENODEV"}, {EINVAL, "EINVAL"},   {ENOTTY, "ENOTTY"}, {ENOSPC, "ENOSPC"}, {EROFS, "EROFS"},
     {EINTR, "EINTR"},   {ENOTDIR, "ENOTDIR"},
 };
 

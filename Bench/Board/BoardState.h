@@ -1,6 +1,6 @@
-// What lies in the mapped file, and the rules of the board over it, one family of devices a source file. All but the clock
-// is read and changed under BoardLock, which also brings the instrument and the faults up to the present. Whatever a hook
-// calls here leaves errno alone and gives an error number, 0 for success.
+// What lies in the mapped file, and the rules of the board over it, one family of devices a source file. All but the
+// clock is read and changed under BoardLock, which also brings the instrument and the faults up to the present.
+// Whatever a hook calls here leaves errno alone and gives an error number, 0 for success.
 #pragma once
 
 #include <pthread.h>
@@ -32,9 +32,9 @@ struct ClockState {
 constexpr std::int64_t NanoSecondsPerSecond = 1000000000;
 constexpr std::int64_t MonotonicAtStart = 1000 * NanoSecondsPerSecond;
 
-std::int64_t RealNanoSeconds();                        // CLOCK_MONOTONIC of the machine
-std::int64_t MonotonicNow(const ClockState& clock);    // as the program sees it
-std::int64_t WallNow(const ClockState& clock);         // as the program sees it
+std::int64_t RealNanoSeconds();                                        // CLOCK_MONOTONIC of the machine
+std::int64_t MonotonicNow(const ClockState& clock);                    // as the program sees it
+std::int64_t WallNow(const ClockState& clock);                         // as the program sees it
 std::int64_t ToReal(const ClockState& clock, std::int64_t simulated);  // a length, rounded up
 void StartClock(ClockState& clock, double speed, std::int64_t startSeconds);
 void SetClockSpeed(ClockState& clock, double speed);
@@ -124,8 +124,30 @@ struct FaultEntry {
 };
 
 enum class Call : std::uint8_t {
-    Open, Close, Read, Write, Seek, Sync, Ioctl, Poll, Mmap, Fopen, Fclose, Opendir, Stat, Statfs, Mount, Umount,
-    Setmntent, Access, Mkdir, Remove, Rename, Truncate, Chmod, Count
+    Open,
+    Close,
+    Read,
+    Write,
+    Seek,
+    Sync,
+    Ioctl,
+    Poll,
+    Mmap,
+    Fopen,
+    Fclose,
+    Opendir,
+    Stat,
+    Statfs,
+    Mount,
+    Umount,
+    Setmntent,
+    Access,
+    Mkdir,
+    Remove,
+    Rename,
+    Truncate,
+    Chmod,
+    Count
 };
 
 struct CallState {
@@ -164,7 +186,7 @@ struct BoardState {
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
-    std::uint64_t traced = 0;  // of the whole run
+    std::uint64_t traced = 0;      // of the whole run
     std::uint64_t traceStart = 0;  // the first that was not cleared
     TraceRecord trace[TraceLength];
 };
@@ -194,7 +216,7 @@ enum class Family : std::uint8_t { None, Gpio, Pwm, Spi, Iio, Memory, Regular, C
 
 struct Node {
     Family family = Family::None;
-    std::uint8_t file = 0;  // of the family
+    std::uint8_t file = 0;    // of the family
     std::uint8_t first = 0;   // bank, channel or input
     std::uint8_t second = 0;  // pin
 };
@@ -267,9 +289,32 @@ InstrumentSettings EffectiveSettings(const BoardState& state);
 double ChannelVolts(const BoardState& state, int channel);
 
 enum class FaultName : std::uint8_t {
-    GpioMissing, PwmMissing, SpiMissing, IioMissing, MemMissing, WriteRefused, SpiShort, SpiEcho, EocStuck, FlagStuckHigh,
-    FlagStuckLow, MotorStalled, StirStalled, ValveStuck, LedDead, DetectorSaturated, RailOut, CardOut, CardIn, CardFull,
-    CardSlow, CardProtected, ClockBack, ReagentEmpty, Bubbles, FlowStopped
+    GpioMissing,
+    PwmMissing,
+    SpiMissing,
+    IioMissing,
+    MemMissing,
+    WriteRefused,
+    SpiShort,
+    SpiEcho,
+    EocStuck,
+    FlagStuckHigh,
+    FlagStuckLow,
+    MotorStalled,
+    StirStalled,
+    ValveStuck,
+    LedDead,
+    DetectorSaturated,
+    RailOut,
+    CardOut,
+    CardIn,
+    CardFull,
+    CardSlow,
+    CardProtected,
+    ClockBack,
+    ReagentEmpty,
+    Bubbles,
+    FlowStopped
 };
 
 bool FaultActive(const BoardState& state, FaultName name);

@@ -1,5 +1,5 @@
-// The system log: kept in the bench folder with all that the program gave, printed on the error stream where it asked for
-// that, and never handed to the machine's own.
+// The system log: kept in the bench folder with all that the program gave, printed on the error stream where it asked
+// for that, and never handed to the machine's own.
 #include <syslog.h>
 #include <unistd.h>
 
@@ -114,7 +114,9 @@ int setlogmask(int mask) noexcept {
 }
 
 void vsyslog(int priority, const char* format, va_list arguments) { Log(priority, format, arguments); }
-void __vsyslog_chk(int priority, int /*flag*/, const char* format, va_list arguments) { Log(priority, format, arguments); }
+void __vsyslog_chk(int priority, int /*flag*/, const char* format, va_list arguments) {
+    Log(priority, format, arguments);
+}
 
 void syslog(int priority, const char* format, ...) {
     va_list arguments;

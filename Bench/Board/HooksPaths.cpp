@@ -221,6 +221,24 @@ int lstat64(const char* path, struct stat64* status) noexcept { return StatPath(
 int fstat(int file, struct stat* status) noexcept { return StatFile(Real::fstat, file, status); }
 int fstat64(int file, struct stat64* status) noexcept { return StatFile(Real::fstat64, file, status); }
 
+// The older names behind the same calls: the thread sanitizer's own fstat goes by them.
+int __xstat(int /*version*/, const char* path, struct stat* status) noexcept {
+    return StatPath(Real::stat, path, status);
+}
+int __xstat64(int /*version*/, const char* path, struct stat64* status) noexcept {
+    return StatPath(Real::stat64, path, status);
+}
+int __lxstat(int /*version*/, const char* path, struct stat* status) noexcept {
+    return StatPath(Real::lstat, path, status);
+}
+int __lxstat64(int /*version*/, const char* path, struct stat64* status) noexcept {
+    return StatPath(Real::lstat64, path, status);
+}
+int __fxstat(int /*version*/, int file, struct stat* status) noexcept { return StatFile(Real::fstat, file, status); }
+int __fxstat64(int /*version*/, int file, struct stat64* status) noexcept {
+    return StatFile(Real::fstat64, file, status);
+}
+
 int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
     return StatAt(Real::fstatat, folder, path, status, flags);
 }
@@ -242,7 +260,9 @@ int rmdir(const char* path) noexcept { return OnPath(Real::rmdir, Call::Remove, 
 int remove(const char* path) noexcept { return OnPath(Real::remove, Call::Remove, true, path); }
 int unlink(const char* path) noexcept { return OnPath(Real::unlink, Call::Remove, true, path); }
 int chmod(const char* path, mode_t mode) noexcept { return OnPath(Real::chmod, Call::Chmod, true, path, mode); }
-int truncate(const char* path, off_t length) noexcept { return OnPath(Real::truncate, Call::Truncate, true, path, length); }
+int truncate(const char* path, off_t length) noexcept {
+    return OnPath(Real::truncate, Call::Truncate, true, path, length);
+}
 int truncate64(const char* path, off64_t length) noexcept {
     return OnPath(Real::truncate64, Call::Truncate, true, path, length);
 }

@@ -111,7 +111,8 @@ int WaitForOthers(BoardState& state, pollfd* files, nfds_t count, std::int64_t e
     for (;;) {
         const std::int64_t left = end == Forever ? Forever : std::max<std::int64_t>(end - MonotonicNow(state.clock), 0);
         const std::int64_t real = left == Forever ? LongestWait : std::min(ToReal(state.clock, left), LongestWait);
-        const timespec wait{static_cast<time_t>(real / NanoSecondsPerSecond), static_cast<long>(real % NanoSecondsPerSecond)};
+        const timespec wait{static_cast<time_t>(real / NanoSecondsPerSecond),
+                            static_cast<long>(real % NanoSecondsPerSecond)};
         const int result = Real::ppoll(files, count, &wait, mask);
         if (result != 0 || left == 0) {
             return result;
@@ -154,9 +155,9 @@ int ppoll(pollfd* files, nfds_t count, const timespec* timeout, const sigset_t* 
                                                     timeout->tv_nsec >= NanoSecondsPerSecond))) {
         return Real::ppoll(files, count, timeout, mask);
     }
-    const std::int64_t end = timeout == nullptr ? Forever
-                                                : MonotonicNow(state->clock) +
-                                                      timeout->tv_sec * NanoSecondsPerSecond + timeout->tv_nsec;
+    const std::int64_t end =
+        timeout == nullptr ? Forever
+                           : MonotonicNow(state->clock) + timeout->tv_sec * NanoSecondsPerSecond + timeout->tv_nsec;
     return PollUntil(*state, files, count, end, mask);
 }
 

@@ -1,6 +1,6 @@
 // C streams and the streams of the C++ library above them. A stream on a file of the board is a cookie stream over the
-// board's reads and writes, since libc's own inner calls meet no hook; fileno still tells its descriptor, by which the C++
-// library reads and writes.
+// board's reads and writes, since libc's own inner calls meet no hook; fileno still tells its descriptor, by which the
+// C++ library reads and writes.
 #include <fcntl.h>
 #include <mntent.h>
 

@@ -14,20 +14,33 @@ constexpr std::string_view Redirected[] = {"/sys", "/dev", "/mnt", "/etc/mtab", 
 
 // What libc, the sanitizers and shells open themselves, and what names no device of the board.
 constexpr std::string_view Ordinary[] = {
-    "/dev/null",   "/dev/zero",   "/dev/full",   "/dev/random", "/dev/urandom", "/dev/tty",
-    "/dev/ptmx",   "/dev/pts",    "/dev/shm",    "/dev/fd",     "/dev/stdin",   "/dev/stdout",
-    "/dev/stderr", "/dev/log",    "/dev/console", "/sys/devices/system/cpu", "/sys/devices/system/node",
-    "/sys/fs/cgroup", "/sys/kernel/mm/transparent_hugepage",
+    "/dev/null",
+    "/dev/zero",
+    "/dev/full",
+    "/dev/random",
+    "/dev/urandom",
+    "/dev/tty",
+    "/dev/ptmx",
+    "/dev/pts",
+    "/dev/shm",
+    "/dev/fd",
+    "/dev/stdin",
+    "/dev/stdout",
+    "/dev/stderr",
+    "/dev/log",
+    "/dev/console",
+    "/sys/devices/system/cpu",
+    "/sys/devices/system/node",
+    "/sys/fs/cgroup",
+    "/sys/kernel/mm/transparent_hugepage",
 };
 
 constexpr struct {
     std::string_view path;
     FaultName fault;
 } MissingPaths[] = {
-    {"/sys/class/gpio", FaultName::GpioMissing},
-    {"/sys/class/pwm", FaultName::PwmMissing},
-    {"/sys/bus/iio", FaultName::IioMissing},
-    {"/dev/spidev32765.1", FaultName::SpiMissing},
+    {"/sys/class/gpio", FaultName::GpioMissing}, {"/sys/class/pwm", FaultName::PwmMissing},
+    {"/sys/bus/iio", FaultName::IioMissing},     {"/dev/spidev32765.1", FaultName::SpiMissing},
     {"/dev/mem", FaultName::MemMissing},
 };
 
@@ -66,8 +79,8 @@ void Lead(Target& target, Family family, std::string_view folder, std::string_vi
     target.inside = true;
     target.node = {family};
     Buffer path{target.path, sizeof(target.path)};
-    Put(path, "%.*s%.*s%.*s", static_cast<int>(folder.size()), folder.data(), static_cast<int>(inner.size()), inner.data(),
-        static_cast<int>(rest.size()), rest.data());
+    Put(path, "%.*s%.*s%.*s", static_cast<int>(folder.size()), folder.data(), static_cast<int>(inner.size()),
+        inner.data(), static_cast<int>(rest.size()), rest.data());
 }
 
 void ResolveOnCard(const BoardState& state, std::string_view rest, Target& target) {

@@ -59,7 +59,8 @@ TEST_F(CardTest, mount_and_umount_show_in_the_mount_table_and_the_trace) {
     EXPECT_TRUE(Board().Card().mounted);
     ASSERT_EQ(Unmount(), 0);
     EXPECT_EQ(WholeFile("/etc/mtab").find(MountPoint), std::string::npos);
-    EXPECT_EQ(Board().Trace(), (std::vector<std::string>{"mount /dev/mmcblk0p1 /mnt/sd-card vfat 16", "umount /mnt/sd-card"}));
+    EXPECT_EQ(Board().Trace(),
+              (std::vector<std::string>{"mount /dev/mmcblk0p1 /mnt/sd-card vfat 16", "umount /mnt/sd-card"}));
 }
 
 TEST_F(CardTest, the_mount_table_is_walked_entry_by_entry) {

@@ -29,8 +29,7 @@ inline std::string ReadDevice(const std::string& path) {
     }
     char text[4096];
     const ssize_t got = read(file, text, sizeof(text));
-    const std::string result =
-        got < 0 ? "!" + std::to_string(errno) : std::string(text, static_cast<std::size_t>(got));
+    const std::string result = got < 0 ? "!" + std::to_string(errno) : std::string(text, static_cast<std::size_t>(got));
     close(file);
     return result;
 }
@@ -43,7 +42,8 @@ inline bool AccessRegister(std::uint32_t address, std::uint32_t& value, bool wri
     if (file < 0) {
         return false;
     }
-    void* page = mmap(nullptr, PageSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, static_cast<off_t>(address & ~PageMask));
+    void* page =
+        mmap(nullptr, PageSize, PROT_READ | PROT_WRITE, MAP_SHARED, file, static_cast<off_t>(address & ~PageMask));
     if (page != MAP_FAILED) {
         volatile std::uint32_t* word = static_cast<std::uint32_t*>(page) + (address & PageMask) / sizeof(std::uint32_t);
         if (writing) {

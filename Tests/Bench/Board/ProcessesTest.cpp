@@ -19,8 +19,8 @@ protected:
     std::string Shell(const std::string& command, int& status) const { return Shell(command, Folder(), status); }
 
     static std::string Shell(const std::string& command, const std::string& folder, int& status) {
-        const std::string line = "VERNICOR_BENCH='" + folder + "' LD_PRELOAD='" BINARY_FOLDER "/Bench/libboard.so' sh -c '" +
-                                 command + "' 2>&1";
+        const std::string line = "VERNICOR_BENCH='" + folder +
+                                 "' LD_PRELOAD='" BINARY_FOLDER "/Bench/libboard.so' sh -c '" + command + "' 2>&1";
         FILE* output = popen(line.c_str(), "r");
         std::string text;
         for (int next = fgetc(output); next != EOF; next = fgetc(output)) {
@@ -56,7 +56,9 @@ TEST_F(ProcessesTest, the_board_outlives_the_program) {
     EXPECT_NE(status, 0);
 }
 
-TEST_F(ProcessesTest, a_preloaded_program_lives_at_the_simulated_date) { EXPECT_EQ(Shell("date -u +%Y-%m-%d"), "2012-12-31\n"); }
+TEST_F(ProcessesTest, a_preloaded_program_lives_at_the_simulated_date) {
+    EXPECT_EQ(Shell("date -u +%Y-%m-%d"), "2012-12-31\n");
+}
 
 TEST_F(ProcessesTest, a_preloaded_program_sleeps_simulated_time) {
     Board().SetSpeed(1000.0);
@@ -67,7 +69,8 @@ TEST_F(ProcessesTest, a_preloaded_program_sleeps_simulated_time) {
 
 TEST_F(ProcessesTest, a_program_without_its_board_says_so_and_ends) {
     int status = 0;
-    EXPECT_EQ(Shell("true", "/nowhere", status), "board: VERNICOR_BENCH: /nowhere/board.state: No such file or directory\n");
+    EXPECT_EQ(Shell("true", "/nowhere", status),
+              "board: VERNICOR_BENCH: /nowhere/board.state: No such file or directory\n");
     EXPECT_EQ(status, 127);
 }
 

@@ -33,7 +33,9 @@ protected:
     }
 
     bool Converting() const { return Board().Pin(0, 21).level; }
-    void WaitForConversion() const { ASSERT_TRUE(Board().WaitUntil([this] { return !Converting(); })); }
+    void WaitForConversion() const {
+        ASSERT_TRUE(Board().WaitUntil([this] { return !Converting(); }));
+    }
 
     int m_file;
 };
@@ -61,11 +63,10 @@ TEST_F(SpiTest, mode_bits_and_speed_are_kept_and_traced) {
     ASSERT_EQ(ioctl(m_file, SPI_IOC_RD_MAX_SPEED_HZ, &speed), 0);
     EXPECT_EQ(bits, 16);
     EXPECT_EQ(speed, 3000000U);
-    EXPECT_EQ(Board().Trace(),
-              (std::vector<std::string>{
-                  "ioctl /dev/spidev32765.1 0x40016b01=0", "ioctl /dev/spidev32765.1 0x40016b03=16",
-                  "ioctl /dev/spidev32765.1 0x40046b04=3000000", "ioctl /dev/spidev32765.1 0x80016b03",
-                  "ioctl /dev/spidev32765.1 0x80046b04"}));
+    EXPECT_EQ(Board().Trace(), (std::vector<std::string>{
+                                   "ioctl /dev/spidev32765.1 0x40016b01=0", "ioctl /dev/spidev32765.1 0x40016b03=16",
+                                   "ioctl /dev/spidev32765.1 0x40046b04=3000000", "ioctl /dev/spidev32765.1 0x80016b03",
+                                   "ioctl /dev/spidev32765.1 0x80046b04"}));
 }
 
 TEST_F(SpiTest, an_unknown_request_is_refused) {

@@ -37,7 +37,8 @@ bool StartsWithAny(const std::string& name, std::initializer_list<const char*> b
 // program needs it; so are the sanitizers' own.
 Names Symbols(const std::string& option, const std::string& file) {
     Names names;
-    FILE* output = popen(("nm -D --format=just-symbols --without-symbol-versions " + option + " '" + file + "'").c_str(), "r");
+    FILE* output =
+        popen(("nm -D --format=just-symbols --without-symbol-versions " + option + " '" + file + "'").c_str(), "r");
     std::string name;
     for (int next = fgetc(output); next != EOF; next = fgetc(output)) {
         if (next != '\n') {
@@ -46,7 +47,7 @@ Names Symbols(const std::string& option, const std::string& file) {
         }
         const bool fileSystem = option == "--undefined-only" && name.find("10filesystem") != std::string::npos;
         if (fileSystem || !StartsWithAny(name, {"_Z", "__asan", "__ubsan", "__tsan", "__sanitizer", "__cxa", "__gxx",
-                                                "_Unwind", "_ITM"})) {
+                                                "_Unwind", "_ITM", "GLIBC_"})) {
             names.insert(name);
         }
         name.clear();
