@@ -39,9 +39,7 @@ protected:
 
 }  // namespace
 
-TEST_F(MeasurementSection, without_a_document_is_not_read) {
-    EXPECT_FALSE(m_section.GetXML(SectionName));
-}
+TEST_F(MeasurementSection, without_a_document_is_not_read) { EXPECT_FALSE(m_section.GetXML(SectionName)); }
 
 TEST_F(MeasurementSection, that_is_absent_is_not_read) {
     EXPECT_TRUE(Read(StepList(StepOrder() + Step("HomePosition"))));
@@ -101,21 +99,15 @@ TEST_F(MeasurementSection, a_step_without_a_name_stands_under_the_empty_key) {
     EXPECT_TRUE(HasStep(""));
 }
 
-TEST_F(MeasurementSection, without_a_step_list_is_unreadable) {
-    EXPECT_FALSE(Read(Item("A", "1")));
-}
+TEST_F(MeasurementSection, without_a_step_list_is_unreadable) { EXPECT_FALSE(Read(Item("A", "1"))); }
 
-TEST_F(MeasurementSection, with_an_empty_step_list_is_unreadable) {
-    EXPECT_FALSE(Read("<MEASUREMENT_STEP_LIST/>"));
-}
+TEST_F(MeasurementSection, with_an_empty_step_list_is_unreadable) { EXPECT_FALSE(Read("<MEASUREMENT_STEP_LIST/>")); }
 
 TEST_F(MeasurementSection, with_a_step_list_in_front_of_its_items_is_unreadable) {
     EXPECT_FALSE(Read(StepList(StepOrder() + Step("Light")) + Item("A", "1")));
 }
 
-TEST_F(MeasurementSection, without_an_order_list_is_unreadable) {
-    EXPECT_FALSE(Read(StepList(Step("Light"))));
-}
+TEST_F(MeasurementSection, without_an_order_list_is_unreadable) { EXPECT_FALSE(Read(StepList(Step("Light")))); }
 
 TEST_F(MeasurementSection, with_an_empty_order_list_is_unreadable) {
     EXPECT_FALSE(Read(StepList("<MEASUREMENT_STEP_ORDER/>" + Step("Light"))));
@@ -129,9 +121,7 @@ TEST_F(MeasurementSection, with_the_order_list_behind_all_steps_is_unreadable) {
     EXPECT_FALSE(Read(StepList(Step("HomePosition") + Step("Light") + StepOrder())));
 }
 
-TEST_F(MeasurementSection, without_steps_is_unreadable) {
-    EXPECT_FALSE(Read(StepList(StepOrder())));
-}
+TEST_F(MeasurementSection, without_steps_is_unreadable) { EXPECT_FALSE(Read(StepList(StepOrder()))); }
 
 TEST_F(MeasurementSection, other_elements_in_the_step_list_are_passed_over) {
     EXPECT_TRUE(Read(StepList("<OTHER/>" + StepOrder() + "<OTHER/>" + Step("Light") + "<OTHER/>")));

@@ -97,9 +97,7 @@ TEST_F(SettingsFile, that_is_not_well_formed_does_not_load_and_nothing_is_logged
     EXPECT_THAT(m_lines.Texts(), IsEmpty());
 }
 
-TEST_F(SettingsFile, that_is_empty_does_not_load) {
-    EXPECT_FALSE(Load(""));
-}
+TEST_F(SettingsFile, that_is_empty_does_not_load) { EXPECT_FALSE(Load("")); }
 
 TEST_F(SettingsFile, with_another_root_loads_and_is_not_read) {
     ASSERT_TRUE(Load(Element("ROOT_USER", AllSectionsBut())));

@@ -74,9 +74,7 @@ TEST(MeasurementFormulas, a_sample_brighter_than_the_reference_gives_less_than_n
     EXPECT_LT(Chlorine(UsualCellConstant, Absorbance(transmittance)), 0.0);
 }
 
-TEST(MeasurementFormulas, negative_counts_are_counts_like_others) {
-    EXPECT_EQ(Transmittance(-100.0, 100.0, 0.0), 0.5);
-}
+TEST(MeasurementFormulas, negative_counts_are_counts_like_others) { EXPECT_EQ(Transmittance(-100.0, 100.0, 0.0), 0.5); }
 
 TEST(MeasurementResults, that_were_never_filled_show_it_by_their_chlorine_value) {
     const TimeInfo before;

@@ -22,9 +22,7 @@ const char* logIdentity = "";
 
 // The system log of this program is its error stream, one line an entry.
 extern "C" {
-void openlog(const char* identity, int, int) {
-    logIdentity = identity;
-}
+void openlog(const char* identity, int, int) { logIdentity = identity; }
 void closelog() {}
 void syslog(int priority, const char* format, ...) {
     std::fprintf(stderr, "<%d>%s: ", priority, logIdentity);
