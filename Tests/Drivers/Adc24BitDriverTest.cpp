@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <ctime>
+#include <iostream>
 #include <thread>
 
 #include "Frameworks/Utilities/Report.h"
@@ -42,6 +43,7 @@ void ReadAgain(const StdString& /*text*/, LogLevel /*level*/, ControllerType /*o
     SetReportFunction(nullptr);
     Adc24BitDriver inner(0);
     EXPECT_FALSE(inner.Read(false));
+    std::cout << ", end of the inner reading";
 }
 
 }  // namespace
@@ -207,9 +209,11 @@ TEST_F(Adc24Bit, a_reading_inside_a_reading_fails_at_the_lock_and_leaves_the_out
     FailCall("mmap", 2, EPERM);
     SetReportFunction(ReadAgain);
     Adc24BitDriver outer(0);
-    EXPECT_EQ(
-        PrintedBy([&outer] { EXPECT_TRUE(outer.Read(true)); }),
-        (Printed{"24 Bit ADC Driver: ADC mutex lock failed24 Bit ADC Driver: ADC mutex unlock failed", "mmap failed"}));
+    EXPECT_EQ(PrintedBy([&outer] { EXPECT_TRUE(outer.Read(true)); }),
+              (Printed{"24 Bit ADC Driver: ADC mutex lock failed"
+                       "24 Bit ADC Driver: ADC mutex unlock failed"
+                       ", end of the inner reading",
+                       "mmap failed"}));
     EXPECT_EQ(TakeTrace(), (Texts{"spi write a080", SelectLow, SelectHigh, "spi read 2000 00a0"}));
 }
 

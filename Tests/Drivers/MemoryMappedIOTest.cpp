@@ -134,6 +134,14 @@ TEST_F(Registers, memory_that_is_not_open_cannot_be_mapped) {
     EXPECT_EQ(PrintedBy([&] { EXPECT_FALSE(memory.WriteWord(OutputSetOfBank0, 1)); }), OnError("mmap failed"));
 }
 
+TEST_F(Registers, memory_that_is_opened_again_keeps_one_descriptor) {
+    PhysicalMemory memory;
+    EXPECT_TRUE(memory.Open());
+    const std::size_t files = OpenFiles();
+    EXPECT_TRUE(memory.Open());
+    EXPECT_EQ(OpenFiles(), files);
+}
+
 TEST_F(Registers, closed_memory_can_be_opened_again) {
     PhysicalMemory memory;
     EXPECT_TRUE(memory.Open());

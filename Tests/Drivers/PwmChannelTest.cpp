@@ -213,9 +213,13 @@ TEST_F(Pwm, period_and_duty_are_truncated_to_nanoseconds) {
         const char* period;
         const char* duty;
     } rows[] = {
-        {640.0F, 50.0F, "1562500", "781250"}, {3.0F, 33.0F, "333333344", "110000008"},  // as 32-bit floats have it
-        {7777.0F, 12.5F, "128584", "16073"},  {1e8F, 100.0F, "10", "10"},
         {1000.0F, 0.0F, "1000000", "0"},
+        {640.0F, 50.0F, "1562500", "781250"},
+        {7777.0F, 12.5F, "128584", "16073"},
+        {1e8F, 100.0F, "10", "10"},
+        // What 32-bit floats lose in these, no other order of the operations loses.
+        {3.0F, 33.0F, "333333344", "110000008"},
+        {7.0F, 33.3F, "142857136", "47571424"},
     };
     for (const auto& row : rows) {
         PwmChannel channel(0);
