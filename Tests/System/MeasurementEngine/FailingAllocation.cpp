@@ -1,0 +1,27 @@
+#include "Tests/System/MeasurementEngine/FailingAllocation.h"
+
+#include <atomic>
+#include <new>
+
+namespace {
+
+thread_local int allocationsLeft = 0;
+std::atomic<std::size_t> failingSize{0};
+
+}  // namespace
+
+FailingAllocation::FailingAllocation(int n) { allocationsLeft = n; }
+
+FailingAllocation::~FailingAllocation() { allocationsLeft = 0; }
+
+void FailingAllocation::FailSize(std::size_t size) { failingSize = size; }
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    if (allocationsLeft > 0 && --allocationsLeft == 0) {
+        return nullptr;
+    }
+    if (size != 0 && failingSize.compare_exchange_strong(size, 0)) {
+        return nullptr;
+    }
+    return ::operator new(size);
+}
