@@ -13,9 +13,7 @@ constexpr std::uint16_t DetectorCommand = 0x1410U << 3U;  // channel 0
 constexpr useconds_t ConversionTime = 250000;             // microseconds
 constexpr std::uint32_t NoReading = 0xFFFFFFFF;
 
-std::uint32_t WordOf(const std::uint16_t (&words)[2]) {
-    return (std::uint32_t{words[0]} << 16U) | words[1];
-}
+std::uint32_t WordOf(const std::uint16_t (&words)[2]) { return (std::uint32_t{words[0]} << 16U) | words[1]; }
 
 // In one number, since TimeInfo's own sum does not carry nanoseconds into seconds and would cut short a step that is no
 // whole number of seconds.
@@ -49,9 +47,7 @@ void DetectorProcessing::SetStep(const StepParameters* step) {
     ClearSamples();
 }
 
-bool DetectorProcessing::HasWork() const {
-    return m_device != nullptr && GetStep()->adcMonitorOn;
-}
+bool DetectorProcessing::HasWork() const { return m_device != nullptr && GetStep()->adcMonitorOn; }
 
 void DetectorProcessing::SampleDetector() {
     TimeInfo now;
@@ -64,9 +60,7 @@ void DetectorProcessing::SampleDetector() {
     }
 }
 
-double DetectorProcessing::ReadDetectorCount() {
-    return CountOfDetectorWord(m_device == nullptr ? 0 : ReadRawWord());
-}
+double DetectorProcessing::ReadDetectorCount() { return CountOfDetectorWord(m_device == nullptr ? 0 : ReadRawWord()); }
 
 // Command, wait, result: without the chip select and the end of conversion that a guarded conversion has. A failed read
 // leaves the zeros, which pass as the lowest count.
@@ -82,13 +76,9 @@ std::uint32_t DetectorProcessing::ReadRawWord() {
     return word == sent ? NoReading : word;  // the bus gave back the command
 }
 
-double DetectorProcessing::GetRawMean() const {
-    return RawMean(CountsOf(m_samples));
-}
+double DetectorProcessing::GetRawMean() const { return RawMean(CountsOf(m_samples)); }
 
-double DetectorProcessing::GetRawDeviation() const {
-    return RawDeviation(CountsOf(m_samples));
-}
+double DetectorProcessing::GetRawDeviation() const { return RawDeviation(CountsOf(m_samples)); }
 
 double DetectorProcessing::GetTrimmedMean(std::uint32_t high, std::uint32_t low) {
     SortCounts();
@@ -105,6 +95,4 @@ void DetectorProcessing::ClearSamples() {
     m_counts.clear();
 }
 
-void DetectorProcessing::SortCounts() {
-    std::sort(m_counts.begin(), m_counts.end());
-}
+void DetectorProcessing::SortCounts() { std::sort(m_counts.begin(), m_counts.end()); }

@@ -33,9 +33,7 @@ constexpr float FirstDutyCycle = 50.0F;
 // running.
 std::array<PwmChannel*, 4> LiftPwmTable{};
 
-void LogError(const char* text) {
-    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-}
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 // False where the answer is null, memory having run out.
 template <typename Message>

@@ -8,9 +8,7 @@
 
 namespace {
 
-void LogError(const char* text) {
-    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-}
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 }  // namespace
 
@@ -144,9 +142,7 @@ void MeasurementControl::ApplyConfiguration() {
     m_stepController.SetLEDSettleTime(m_settings.ledSettleTime);
 }
 
-bool MeasurementControl::PerformMeasurement() {
-    return RunMeasurementCycle() && SendResults();
-}
+bool MeasurementControl::PerformMeasurement() { return RunMeasurementCycle() && SendResults(); }
 
 bool MeasurementControl::RunMeasurementCycle() {
     m_stepController.InitializeSystems();  // a step without its workers passes

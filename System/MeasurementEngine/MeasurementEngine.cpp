@@ -18,9 +18,7 @@ constexpr std::int32_t EnteredRunning = -2;
 constexpr unsigned SettleSeconds = 10;  // of an instrument that leaves running between two cycles
 constexpr unsigned RetrySeconds = 1;
 
-void LogError(const char* text) {
-    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-}
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 void TellFrontEnd(std::int32_t status, const char* text) {
     auto response = TryMake<GUIResponseMessage>();

@@ -11,12 +11,8 @@ struct Row {
     double MeasurementSettings::*real;
 };
 
-constexpr Row Whole(const char* key, std::uint32_t MeasurementSettings::*member) {
-    return {key, member, nullptr};
-}
-constexpr Row Real(const char* key, double MeasurementSettings::*member) {
-    return {key, nullptr, member};
-}
+constexpr Row Whole(const char* key, std::uint32_t MeasurementSettings::*member) { return {key, member, nullptr}; }
+constexpr Row Real(const char* key, double MeasurementSettings::*member) { return {key, nullptr, member}; }
 
 constexpr Row Rows[] = {
     Whole("PrimeCycleCount", &MeasurementSettings::primeCycleCount),

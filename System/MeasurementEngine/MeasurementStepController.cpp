@@ -27,9 +27,7 @@ constexpr float OpeningDutyCycle = 100.0F;
 
 MeasurementStepController::MeasurementStepController() = default;
 
-MeasurementStepController::~MeasurementStepController() {
-    ReleaseSystems();
-}
+MeasurementStepController::~MeasurementStepController() { ReleaseSystems(); }
 
 StdString LEDResultText(double dutyCycle, std::uint32_t adjustTime) {
     StdString duty;
@@ -144,13 +142,9 @@ double MeasurementStepController::GetTransmittance() const {
     return Transmittance(m_darkCount, m_referenceCount, m_sampleCount);
 }
 
-double MeasurementStepController::GetAbsorbance() const {
-    return Absorbance(GetTransmittance());
-}
+double MeasurementStepController::GetAbsorbance() const { return Absorbance(GetTransmittance()); }
 
-double MeasurementStepController::GetChlorine() const {
-    return Chlorine(m_cellConstant, GetAbsorbance());
-}
+double MeasurementStepController::GetChlorine() const { return Chlorine(m_cellConstant, GetAbsorbance()); }
 
 bool MeasurementStepController::PrimeFluidics() {
     const bool primed = InitializeReAgentDeliverySystem() && InitializeSampleDeliverySystem() && TurnPrimed();

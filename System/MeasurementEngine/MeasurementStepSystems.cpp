@@ -29,9 +29,7 @@ constexpr PinAddress StirEnable{1, 15};
 constexpr std::uint8_t ValveChannel = 3;
 constexpr std::uint16_t ValveFrequency = 1000;  // hertz
 
-void LogError(const char* text) {
-    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-}
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 std::unique_ptr<StepperDriverMotor> MakePumpMotor() {
     auto motor = TryMake<StepperDriverMotor>(PumpChannel);
@@ -67,21 +65,11 @@ void MeasurementStepController::ReleaseSystems() {
     ReleaseStirBarSystem();
 }
 
-void MeasurementStepController::ReleaseDetectorSystem() {
-    Release(m_spiDevice, m_detector);
-}
-void MeasurementStepController::ReleaseEmitterSystem() {
-    Release(m_ledPwm, m_emitter);
-}
-void MeasurementStepController::ReleaseReAgentDeliverySystem() {
-    Release(m_pumpMotor, m_reagent);
-}
-void MeasurementStepController::ReleaseSampleDeliverySystem() {
-    Release(m_valve, m_sample);
-}
-void MeasurementStepController::ReleaseStirBarSystem() {
-    Release(m_stirMotor, m_stir);
-}
+void MeasurementStepController::ReleaseDetectorSystem() { Release(m_spiDevice, m_detector); }
+void MeasurementStepController::ReleaseEmitterSystem() { Release(m_ledPwm, m_emitter); }
+void MeasurementStepController::ReleaseReAgentDeliverySystem() { Release(m_pumpMotor, m_reagent); }
+void MeasurementStepController::ReleaseSampleDeliverySystem() { Release(m_valve, m_sample); }
+void MeasurementStepController::ReleaseStirBarSystem() { Release(m_stirMotor, m_stir); }
 
 bool MeasurementStepController::InitializeDetectorSystem() {
     ReleaseDetectorSystem();

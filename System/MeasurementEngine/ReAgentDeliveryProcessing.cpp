@@ -17,9 +17,7 @@ constexpr double LowStretch = 60.0;
 constexpr double PastTheEdge = 5.0;
 constexpr int HomingTries = 3;
 
-void LogError(const char* text) {
-    MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-}
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 std::uint32_t MilliSecondsFor(double degrees, double speed) {
     return TruncateTo<std::uint32_t>(degrees / speed * 1000.0);
@@ -27,9 +25,7 @@ std::uint32_t MilliSecondsFor(double degrees, double speed) {
 
 }  // namespace
 
-double PumpTurn(double from, double to) {
-    return to < from ? to + 360.0 - from : to - from;
-}
+double PumpTurn(double from, double to) { return to < from ? to + 360.0 - from : to - from; }
 
 std::uint32_t PumpTurnTime(float angle, std::uint32_t speed, std::uint32_t duration) {
     const auto degreesPerSecond = static_cast<float>(speed);
@@ -64,7 +60,7 @@ void ReAgentDeliveryProcessing::PerformReAgentProcessing() {
         return;
     }
     m_pumpAngle = step.motorAngle;
-    m_motor->MoveAngle(static_cast<float>(turn), PumpDutyCycle, time, false);
+    Move(turn, time);
 }
 
 bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
@@ -82,7 +78,7 @@ bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
         LogError("ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position");
         return false;
     }
-    m_motor->MoveAngle(static_cast<float>(PastTheEdge), PumpDutyCycle, MilliSecondsFor(PastTheEdge, speed), false);
+    Move(PastTheEdge, MilliSecondsFor(PastTheEdge, speed));
     return true;
 }
 
@@ -100,6 +96,15 @@ bool ReAgentDeliveryProcessing::FindRisingEdge(const FlagSensor& flag, double sp
         }
     }
     return found;
+}
+
+// A motor that fails within a move stays held until it is braked, and the next step would wait for it for ever. A move
+// that is refused outright, as one of no angle, leaves the motor alone.
+void ReAgentDeliveryProcessing::Move(double angle, std::uint32_t time) {
+    const bool moved = m_motor->MoveAngle(static_cast<float>(angle), PumpDutyCycle, time, false);
+    if (!moved && angle > 0.0 && m_motor->IsValid()) {
+        m_motor->Brake();
+    }
 }
 
 void ReAgentDeliveryProcessing::StopAndBrake() {

@@ -26,6 +26,7 @@ private:
 
     void PerformReAgentProcessing();
     bool FindRisingEdge(const FlagSensor& flag, double speed);
+    void Move(double angle, std::uint32_t time);
     void StopAndBrake();
 
     double m_pumpAngle = 0.0;  // degrees

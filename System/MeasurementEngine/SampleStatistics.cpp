@@ -37,13 +37,9 @@ Counts Kept(const std::vector<double>& sorted, std::uint32_t high, std::uint32_t
 
 }  // namespace
 
-double RawMean(const std::vector<double>& counts) {
-    return Mean(counts);
-}
+double RawMean(const std::vector<double>& counts) { return Mean(counts); }
 
-double RawDeviation(const std::vector<double>& counts) {
-    return Deviation(counts);
-}
+double RawDeviation(const std::vector<double>& counts) { return Deviation(counts); }
 
 double TrimmedMean(const std::vector<double>& sorted, std::uint32_t high, std::uint32_t low) {
     return Mean(Kept(sorted, high, low));

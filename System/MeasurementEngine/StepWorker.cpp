@@ -28,6 +28,4 @@ std::int32_t StepWorker::Run() {
     return Exit();
 }
 
-std::int32_t StepWorker::Exit() {
-    pthread_exit(nullptr);
-}
+std::int32_t StepWorker::Exit() { pthread_exit(nullptr); }

@@ -9,6 +9,4 @@ constexpr float StirFrequency = 640.0F;  // steps a second
 
 }  // namespace
 
-void StirBarProcessing::Work() {
-    m_motor->RunForTime(StirDutyCycle, StirFrequency, GetStep()->duration, false);
-}
+void StirBarProcessing::Work() { m_motor->RunForTime(StirDutyCycle, StirFrequency, GetStep()->duration, false); }

@@ -20,7 +20,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     if (allocationsLeft > 0 && --allocationsLeft == 0) {
         return nullptr;
     }
-    if (size != 0 && failingSize.compare_exchange_strong(size, 0)) {
+    std::size_t expected = size;
+    if (size != 0 && failingSize.compare_exchange_strong(expected, 0)) {
         return nullptr;
     }
     return ::operator new(size);

@@ -80,11 +80,6 @@ protected:
         Work();
     }
 
-    void SetFault(const char* fault) {
-        std::string error;
-        ASSERT_TRUE(Board().SetFault(fault, error)) << error;
-    }
-
     void SetPumpAngle(double angle) {
         Bench::InstrumentState state = Board().Instrument();
         state.pumpAngle = angle;
@@ -325,4 +320,15 @@ TEST_F(Pump, a_homing_that_fails_leaves_the_motor_free_for_the_next_turn) {
     step.findStartPosition = false;
     Turn(90.0F, 90, 5000);
     EXPECT_EQ(Periods(), Texts{Pwm + "1/period=2500000"});
+}
+
+TEST_F(Pump, a_turn_that_fails_leaves_the_motor_free_for_the_next_step) {
+    SetFault("write-refused=pwm1/duty_cycle");
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    Turn(90.0F, 90, 5000);
+    Turn(180.0F, 90, 5000);
+    testing::internal::GetCapturedStdout();
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(TraceOf("pioA4/value="), (Texts{Gpio + "pioA4/value=1", Gpio + "pioA4/value=0"}));
 }

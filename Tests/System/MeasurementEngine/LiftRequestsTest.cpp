@@ -141,7 +141,7 @@ TEST_F(Lift, the_demultiplexer_lines_are_given_back) {
 
 TEST_F(Lift, a_voltage_that_can_not_be_read_is_zero) {
     Board().SetMultiplexerRaw(0, 1500);
-    const GpioPin taken(2, 27);
+    SetFault("iio-missing");
     testing::internal::CaptureStderr();
     EXPECT_EQ(ReadOne(10086), 0);
     testing::internal::GetCapturedStderr();
@@ -192,6 +192,21 @@ TEST_F(Lift, an_input_pin_is_read_from_its_bank_without_a_claim) {
 TEST_F(Lift, an_input_pin_of_no_bank_answers_the_error_digit) {
     EXPECT_EQ(ReadPin(128), "3");
     EXPECT_EQ(ReadPin(65535), "3");
+}
+
+TEST_F(Lift, an_input_pin_that_can_not_be_read_answers_the_error_digit) {
+    SetFault("mem-missing");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(ReadPin(7), "3");
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(LogLines(), Texts{"MemoryMappedIO - 'Open' error"});
+}
+
+TEST_F(Lift, an_output_pin_that_can_not_be_written_answers_nothing) {
+    SetFault("gpio-missing");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(WritePin(69, "1"), "");
+    testing::internal::GetCapturedStderr();
 }
 
 TEST_F(Lift, an_input_answer_without_memory_is_told) {

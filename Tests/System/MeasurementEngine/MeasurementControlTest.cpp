@@ -97,7 +97,16 @@ protected:
 class SampleConfigurationCycle : public Cycle {
 protected:
     SampleConfigurationCycle() : Cycle(40.0) {}
+
+    void SetUp() override { ASSERT_TRUE(InstallSettings(SOURCE_FOLDER "/configuration/analyzer.conf.xml")); }
+
+    void Run() {
+        Cycle::Run();
+        End();
+    }
 };
+
+class FaultyCycle : public SampleConfigurationCycle, public testing::WithParamInterface<const char*> {};
 
 }  // namespace
 
@@ -391,12 +400,33 @@ TEST_F(Cycle, a_priming_that_fails_reads_the_settings_again) {
 TEST_F(Cycle, priming_without_settings_fails) { EXPECT_FALSE(control->PrimeSystem()); }
 
 TEST_F(SampleConfigurationCycle, gives_the_chlorine_that_is_in_the_water) {
-    ASSERT_TRUE(InstallSettings(SOURCE_FOLDER "/configuration/analyzer.conf.xml"));
-    EXPECT_TRUE(control->PrimeSystem());
     Run();
-    End();
     const std::vector<MeasurementResults> results = Results();
     ASSERT_EQ(results.size(), 1U);
     EXPECT_NEAR(results[0].GetChlorine(), Board().Settings().chlorine, 0.02 * Board().Settings().chlorine);
     EXPECT_EQ(LogLines(), Texts{});
 }
+
+TEST_F(SampleConfigurationCycle, gives_no_chlorine_where_no_reagent_comes) {
+    SetFault("reagent-empty");
+    EXPECT_TRUE(control->PrimeSystem());  // draws the line empty
+    Run();
+    const std::vector<MeasurementResults> results = Results();
+    ASSERT_EQ(results.size(), 1U);
+    EXPECT_NEAR(results[0].GetChlorine(), 0.0, 0.02);
+}
+
+// Whatever is missing, no step of a cycle has a verdict: it ends, and a result goes out.
+TEST_P(FaultyCycle, ends_with_a_result) {
+    SetFault(GetParam());
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    Run();
+    testing::internal::GetCapturedStdout();
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(Results().size(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfTheBoard, FaultyCycle,
+                         testing::Values("gpio-missing", "pwm-missing", "spi-missing", "spi-echo", "motor-stalled",
+                                         "led-dead", "write-refused=pwm1/duty_cycle"));

@@ -70,7 +70,7 @@ protected:
         Settle();
         Texts lines;
         for (const auto& message : listener.Copies<LogInfoMessage>(LOGGING_DATA_MESSAGE)) {
-            if (message.GetLogInfo().GetLevel() == ERROR_LOG_LEVEL) {
+            if (message.GetLogInfo().GetLogLevel() == ERROR_LOG_LEVEL) {
                 lines.push_back(message.GetLogInfo().GetText().Text());
             }
         }

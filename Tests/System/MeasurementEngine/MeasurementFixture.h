@@ -134,6 +134,11 @@ protected:
         return setup;
     }
 
+    void SetFault(const char* fault) {
+        std::string error;
+        ASSERT_TRUE(Board().SetFault(fault, error)) << error;
+    }
+
     // When this returns, all that was sent before has been heard.
     void Settle() {
         const std::string mark = "settled " + std::to_string(++m_marks);
@@ -151,7 +156,7 @@ protected:
         Settle();
         Texts lines;
         for (const auto& message : listener.Copies<LogInfoMessage>(LOGGING_DATA_MESSAGE)) {
-            if (message.GetLogInfo().GetLevel() != EMERGENCY_LOG_LEVEL) {
+            if (message.GetLogInfo().GetLogLevel() != EMERGENCY_LOG_LEVEL) {
                 lines.push_back(message.GetLogInfo().GetText().Text());
             }
         }

@@ -168,8 +168,7 @@ TEST_F(LEDController, a_count_above_the_band_walks_down) {
 }
 
 TEST_F(LEDController, a_dark_detector_takes_25_trials_to_100_and_stops_there) {
-    std::string error;
-    ASSERT_TRUE(Board().SetFault("led-dead", error)) << error;
+    SetFault("led-dead");
     Adjust();
     EXPECT_EQ(controller.GetDutyCycle(), 100.0);
     const Texts trials = Trials();
