@@ -37,7 +37,7 @@ protected:
 
 class DetectorAtSpeed : public Detector {
 protected:
-    DetectorAtSpeed() { Board().SetSpeed(50.0); }
+    DetectorAtSpeed() { Board().SetSpeed(10.0); }
 };
 
 std::int64_t MilliSecondsBetween(const TimeInfo& first, const TimeInfo& second) {
@@ -75,6 +75,7 @@ TEST_F(Detector, a_failed_read_passes_as_the_lowest_count) {
 }
 
 TEST_F(Detector, a_step_of_1000_ms_gives_4_or_5_samples) {
+    Board().SetSpeed(0.25);  // a busy machine may take its time
     step.duration = 1000;
     Sample();
     EXPECT_GE(detector.GetSamples().size(), 4U);

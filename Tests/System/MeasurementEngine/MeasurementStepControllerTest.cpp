@@ -23,7 +23,7 @@ protected:
         controller.SetCellConstant(1714.818182);
         controller.SetSampleSwitchDelay(0);
         controller.SetSampleSwitchDutyCycle(40.0);
-        controller.SetFindHomeSpeed(180.0);
+        controller.SetFindHomeSpeed(30.0);  // so slow that a busy machine sees each edge
         controller.SetDetectorOutputLevel(2000000.0);
         controller.SetDetectorOutputLevelDeviation(25.0);
         controller.SetLEDDutyCycleAdjustStep(2.0);
@@ -48,7 +48,8 @@ protected:
     std::vector<double> LastCounts() {
         Settle();
         std::vector<double> counts;
-        for (const DetectorInformation& sample : listener.StepData().back().GetSamples()) {
+        const std::vector<StepResults> data = listener.StepData();
+        for (const DetectorInformation& sample : data.back().GetSamples()) {
             counts.push_back(sample.GetCount());
         }
         std::sort(counts.begin(), counts.end());
@@ -205,6 +206,7 @@ TEST_F(StepControllerInRealTime, a_step_that_asks_for_nothing_passes_at_once) {
 }
 
 TEST_F(StepController, a_step_is_as_long_as_its_longest_worker) {
+    Board().SetSpeed(5.0);
     ASSERT_TRUE(controller.InitializeSystems());
     StepParameters step = Step(MIXING_STEP, 5000);
     step.stirringOn = true;
@@ -297,6 +299,7 @@ TEST_F(StepController, dark_and_sample_are_trimmed_with_their_own_reject_counts)
 }
 
 TEST_F(StepController, the_reference_is_trimmed_and_its_deviation_is_not) {
+    Board().SetSpeed(5.0);
     controller.SetReferenceHighReject(1);
     controller.SetReferenceLowReject(1);
     ASSERT_TRUE(controller.InitializeSystems());
@@ -440,7 +443,7 @@ TEST_F(StepController, priming_without_its_hardware_fails_and_gives_back_what_it
 
 TEST_F(StepController, finds_the_pump_home_with_hardware_of_its_own) {
     EXPECT_TRUE(controller.FindReAgentHome());
-    EXPECT_EQ(TraceOf("pwm1/period=")[0], Pwm + "pwm1/period=1250000");  // 180 degrees a second
+    EXPECT_EQ(TraceOf("pwm1/period=")[0], Pwm + "pwm1/period=7518797");  // 133 steps a second
     ExpectNothingClaimed();
 }
 
