@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <vector>
 
 #include "Frameworks/Xml/XmlEncoding.h"
 #include "Frameworks/Xml/XmlReport.h"
@@ -17,7 +16,8 @@
 namespace {
 
 constexpr std::size_t SampleSize = 1024;
-constexpr std::size_t PieceSize = 65536;
+constexpr std::size_t PieceSize = 16384;
+constexpr off_t LargestReserve = 1 << 26;      // a larger file has to prove its size by its bytes
 constexpr std::size_t EditMargin = 1024;       // room for the first change of a text just read
 constexpr std::size_t ConversionMargin = 100;  // one byte more in so many, for the same purpose
 constexpr const char* Utf8 = "UTF-8";
@@ -102,19 +102,19 @@ bool FileReader::ReadBytes(std::FILE* file) {
         errno = EFBIG;
         return false;
     }
-    std::vector<char> piece(PieceSize);
-    std::size_t count = std::fread(piece.data(), 1, SampleSize, file);
-    std::size_t skipped = RecogniseForm({piece.data(), count});
-    m_text.reserve(static_cast<std::size_t>(status.st_size) + EditMargin);
+    char piece[PieceSize];
+    std::size_t count = std::fread(piece, 1, SampleSize, file);
+    std::size_t skipped = RecogniseForm({piece, count});
+    m_text.reserve(static_cast<std::size_t>(std::min(status.st_size, LargestReserve)) + EditMargin);
     while (count > 0) {
         m_bytesRead += count - skipped;
         if (m_bytesRead > m_limit) {
             errno = EFBIG;
             return false;
         }
-        Append({piece.data() + skipped, count - skipped});
+        Append({piece + skipped, count - skipped});
         skipped = 0;
-        count = std::fread(piece.data(), 1, piece.size(), file);
+        count = std::fread(piece, 1, PieceSize, file);
     }
     return std::ferror(file) == 0;
 }

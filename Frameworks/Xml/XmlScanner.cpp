@@ -1,5 +1,6 @@
 #include "Frameworks/Xml/XmlScanner.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -100,26 +101,30 @@ void XmlScanner::ScanText() {
 }
 
 void XmlScanner::ScanTag(XmlTokenKind kind, std::size_t nameStart) {
-    const std::size_t size = m_text.size();
-    std::size_t at = nameStart;
-    while (at < size && !EndsXmlName(m_text[at])) {
+    const char* const end = m_text.data() + m_text.size();
+    const char* at = m_text.data() + nameStart;
+    while (at != end && !EndsXmlName(*at)) {
         ++at;
     }
-    m_token.name = m_text.substr(nameStart, at - nameStart);
-    for (; at < size; ++at) {
-        const char byte = m_text[at];
-        if (!Is(byte, TAG_STOP_CLASS)) {
-            continue;
+    m_token.name = m_text.substr(nameStart, static_cast<std::size_t>(at - m_text.data()) - nameStart);
+    for (;;) {
+        while (at != end && !Is(*at, TAG_STOP_CLASS)) {
+            ++at;
         }
-        if (byte == '>') {
-            m_token.isEmptyElement = kind == XmlTokenKind::START_TAG_TOKEN && m_text[at - 1] == '/';
-            Finish(kind, at + 1);
-            return;
-        }
-        at = m_text.find(byte, at + 1);
-        if (at == NotFound) {
+        if (at == end) {
             break;
         }
+        if (*at == '>') {
+            m_token.isEmptyElement = kind == XmlTokenKind::START_TAG_TOKEN && at[-1] == '/';
+            Finish(kind, static_cast<std::size_t>(at - m_text.data()) + 1);
+            return;
+        }
+        const char quote = *at++;
+        at = std::find(at, end, quote);
+        if (at == end) {
+            break;
+        }
+        ++at;
     }
     CutOff(kind == XmlTokenKind::START_TAG_TOKEN ? "start_tag" : "end_tag");
 }
