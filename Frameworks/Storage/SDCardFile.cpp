@@ -66,10 +66,11 @@ bool SDCardFile::Write(const StdString& text) {
         Close();
         return m_card->Unmount();
     }
-    if (m_card->IsMounted()) {
-        return Append(text);
+    if (!m_card->IsMounted()) {
+        m_card->Mount();
+        Open();
     }
-    return m_card->Mount() && Open() && Append(text);
+    return Append(text);
 }
 
 bool SDCardFile::Append(const StdString& text) {
