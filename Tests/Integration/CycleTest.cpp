@@ -92,9 +92,10 @@ TEST_F(Cycle, from_power_up_the_second_result_is_the_samples_chlorine) {
 TEST_F(Cycle, an_abort_ends_it_without_a_result) {
     Start();
     WaitForStatus("Executing Sample Flush & Delivery Step");
+    Board().ClearLog();
     Send(MOVE_TO_IDLE);
     WaitForStatus("Aborted Measurement Cycle");
-    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine", 2);
+    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine");
     EXPECT_EQ(CountOf("Executing Sanity Check Step"), 0);
     EXPECT_EQ(CardFile("Measurement.csv"), "");
 }

@@ -65,7 +65,23 @@ protected:
         EXPECT_TRUE(Board().WaitUntil([&] { return CountOf(text) >= count; })) << "no line " << text;
     }
 
-    void WaitForIdle() { WaitFor("Changing to IDLE_STATE State for - MeasurementEngine"); }
+    static bool IsIdle(ControllerType controller) {
+        MessagingControl* router = MessageBase::GetMessagingControl();
+        const ThreadControl* thread =
+            router == nullptr ? nullptr : router->GetThreadByName(ControllerNames[controller]);
+        return thread != nullptr && thread->GetState() == IDLE_STATE;
+    }
+
+    // Everyone is idle, and the log flows: the line that frees those from before LoggingControl is lost, so ask twice.
+    void WaitForIdle() {
+        EXPECT_TRUE(Board().WaitUntil([] {
+            return IsIdle(SYSTEM_CONTROL) && IsIdle(MESSAGING_CONTROL) && IsIdle(LOGGING_CONTROL) &&
+                   IsIdle(MEASUREMENT_ENGINE);
+        }));
+        MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
+        MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
+        WaitFor("everyone is idle");
+    }
 
     // Whole seconds of the hour in the first line of that text.
     int TimeOf(const std::string& text) const {
