@@ -4,6 +4,7 @@
 #include <sys/ioctl.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cstring>
 
@@ -110,12 +111,12 @@ int Transfer(BoardState& state, const spi_ioc_transfer& transfer, int& moved) {
     std::size_t limit = transfer.len;
     const int error = AnswerWords(state, words, limit);
     if (transfer.tx_buf != 0) {
-        const void* out = reinterpret_cast<const void*>(static_cast<std::uintptr_t>(transfer.tx_buf));
+        const void* out = std::bit_cast<const void*>(static_cast<std::uintptr_t>(transfer.tx_buf));
         PutWords(sentText, out, transfer.len);
         TakeCommand(state, out, transfer.len);
     }
     if (error == 0 && transfer.rx_buf != 0) {
-        void* in = reinterpret_cast<void*>(static_cast<std::uintptr_t>(transfer.rx_buf));
+        void* in = std::bit_cast<void*>(static_cast<std::uintptr_t>(transfer.rx_buf));
         StoreWords(words, in, transfer.len);
         PutWords(gotText, in, transfer.len);
     }

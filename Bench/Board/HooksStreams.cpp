@@ -60,7 +60,11 @@ void ForgetStream(FILE* stream) {
     }
 }
 
-int CookieFile(void* cookie) { return static_cast<int>(reinterpret_cast<std::intptr_t>(cookie)); }
+// A cookie is the place here with the number of its descriptor.
+constexpr int MaximalFile = 4096;
+char cookies[MaximalFile];
+
+int CookieFile(void* cookie) { return static_cast<int>(static_cast<char*>(cookie) - cookies); }
 
 ssize_t CookieRead(void* cookie, char* data, size_t size) {
     BoardState* state = AttachedState();
@@ -117,7 +121,11 @@ int FlagsOf(const char* mode) {
 
 FILE* OpenCookie(int file, const char* mode) {
     const cookie_io_functions_t functions{CookieRead, CookieWrite, CookieSeek, CookieClose};
-    FILE* stream = Real::fopencookie(reinterpret_cast<void*>(static_cast<std::intptr_t>(file)), mode, functions);
+    if (file >= MaximalFile) {
+        errno = EMFILE;
+        return nullptr;
+    }
+    FILE* stream = Real::fopencookie(&cookies[file], mode, functions);
     if (stream != nullptr && !RememberStream(stream, file)) {
         Real::fclose(stream);
         errno = EMFILE;

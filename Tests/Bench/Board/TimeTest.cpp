@@ -236,7 +236,8 @@ TEST_F(TimeTest, a_signal_ends_a_sleep_with_what_is_left) {
     struct sigaction action {};
     action.sa_handler = [](int) {};
     sigaction(SIGUSR1, &action, nullptr);
-    static std::atomic<bool> done{false};
+    static std::atomic<bool> done;
+    done = false;
     std::thread sleeper([] {
         sem_post(&ready);
         const timespec length{400000, 0};
