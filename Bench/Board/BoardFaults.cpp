@@ -203,7 +203,8 @@ bool WriteRefused(const BoardState& state, Node node) {
 
 bool RailOut(const BoardState& state, int channel) {
     return std::any_of(std::begin(state.faults), std::end(state.faults), [channel](const FaultEntry& entry) {
-        return entry.applied && Rows[entry.row].fault == FaultName::RailOut && std::atoi(entry.value) == channel;
+        return entry.applied && Rows[entry.row].fault == FaultName::RailOut &&
+               std::strtol(entry.value, nullptr, 10) == channel;
     });
 }
 

@@ -48,12 +48,14 @@ std::string NextField(std::string_view& line) {
     return field;
 }
 
+int NextNumber(std::string_view& line) { return static_cast<int>(std::strtol(NextField(line).c_str(), nullptr, 10)); }
+
 LogLine ParseLine(std::string_view text) {
     LogLine line;
-    line.priority = std::atoi(NextField(text).c_str());
+    line.priority = NextNumber(text);
     line.ident = NextField(text);
-    line.options = std::atoi(NextField(text).c_str());
-    line.facility = std::atoi(NextField(text).c_str());
+    line.options = NextNumber(text);
+    line.facility = NextNumber(text);
     line.text = NextField(text);
     line.format = NextField(text);
     return line;

@@ -83,15 +83,12 @@ void NodeContent(BoardState& state, Node node, Buffer& content) {
 
 int NodeWrite(BoardState& state, Node node, std::string_view data) {
     const std::string_view text = data.ends_with('\n') ? data.substr(0, data.size() - 1) : data;
-    int error = 0;
-    if (WriteRefused(state, node)) {
-        error = EIO;
-    } else if (node.family == Family::Gpio) {
+    int error = EIO;  // the on-chip converter's files take nothing
+    const bool refused = WriteRefused(state, node);
+    if (!refused && node.family == Family::Gpio) {
         error = GpioWrite(state, node, text);
-    } else if (node.family == Family::Pwm) {
+    } else if (!refused && node.family == Family::Pwm) {
         error = PwmWrite(state, node, text);
-    } else {
-        error = EIO;  // the on-chip converter's files take nothing
     }
     char space[PathLength] = {};
     Buffer path{space, sizeof(space)};

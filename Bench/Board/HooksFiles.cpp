@@ -99,6 +99,8 @@ int Control(RealControl& real, int file, int command, void* argument) {
 
 }  // namespace
 
+// The names are those of libc.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -311,3 +313,4 @@ int ioctl(int file, unsigned long request, ...) noexcept {
     return error == 0 ? result : -1;
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -78,6 +78,8 @@ void Log(int priority, const char* format, va_list arguments) {
 
 }  // namespace
 
+// The names are those of libc.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 void openlog(const char* ident, int options, int facility) {
@@ -132,3 +134,4 @@ void __syslog_chk(int priority, int /*flag*/, const char* format, ...) {
     va_end(arguments);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -212,6 +212,8 @@ int Unmount(BoardState& state, const char* target) {
 
 }  // namespace
 
+// The names are those of libc.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int stat(const char* path, struct stat* status) noexcept { return StatPath(Real::stat, path, status); }
@@ -324,3 +326,4 @@ int umount2(const char* target, int flags) noexcept {
     return state == nullptr ? Real::umount2(target, flags) : Unmount(*state, target);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -130,6 +130,8 @@ int PollUntil(BoardState& state, pollfd* files, nfds_t count, std::int64_t end, 
 
 }  // namespace
 
+// The names are those of libc.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int poll(pollfd* files, nfds_t count, int milliseconds) {
@@ -178,3 +180,4 @@ int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, t
     return result;
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -79,9 +79,9 @@ int ConditionWait(BoardState& state, pthread_cond_t* condition, pthread_mutex_t*
 }
 
 // The clock of a condition variable's attributes, where glibc keeps it.
-clockid_t ClockOf(const pthread_cond_t& condition) {
+clockid_t ClockOf(const pthread_cond_t* condition) {
     constexpr unsigned MonotonicFlag = 2;
-    return (condition.__data.__wrefs & MonotonicFlag) != 0 ? CLOCK_MONOTONIC : CLOCK_REALTIME;
+    return (condition->__data.__wrefs & MonotonicFlag) != 0 ? CLOCK_MONOTONIC : CLOCK_REALTIME;
 }
 
 }  // namespace
@@ -237,7 +237,7 @@ int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, co
     if (state == nullptr || !Valid(*until)) {
         return Real::pthread_cond_timedwait(condition, mutex, until);
     }
-    return ConditionWait(*state, condition, mutex, ClockOf(*condition), *until);
+    return ConditionWait(*state, condition, mutex, ClockOf(condition), *until);
 }
 
 int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const timespec* until) {
