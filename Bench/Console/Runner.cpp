@@ -2,6 +2,7 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdarg>
 #include <cstdio>
@@ -81,9 +82,9 @@ int Runner::Run() {
     const int status = Follow();
     m_display.EndProgress();
     m_analyzer.Stop();
-    m_display.Quiet(Format("%llu results in %s of simulated time; the run's files stay in %s",
-                           static_cast<unsigned long long>(m_results), Length(m_board->Seconds()).c_str(),
-                           m_folder.Path().c_str()));
+    m_display.Quiet(Format("%llu %s in %s of simulated time; the run's files stay in %s",
+                           static_cast<unsigned long long>(m_results), m_results == 1 ? "result" : "results",
+                           Length(m_board->Seconds()).c_str(), m_folder.Path().c_str()));
     return status;
 }
 
@@ -123,9 +124,6 @@ void Runner::Greet() {
         Format("The analyzer on the bench: %.4g mg/l chlorine in the water, cell constant %.6g, %.4g times "
                "as fast as the clock",
                m_options.chlorine, m_settings.cellConstant, m_options.speed));
-    for (const std::string& fault : m_options.faults) {
-        m_display.Warning("fault " + fault);
-    }
 }
 
 int Runner::Follow() {
@@ -164,6 +162,7 @@ int Runner::Fail(const std::string& reason) {
 }
 
 void Runner::Look() {
+    AnnounceFaults();
     // Records first: the status texts of a cycle are in the log before its record is on the card.
     std::vector<MeasurementRecord> records;
     for (const DayFileTail::Line& line : m_measurements->Read()) {
@@ -175,6 +174,14 @@ void Runner::Look() {
     for (const MeasurementRecord& record : records) {
         if (!m_options.cycles || m_results < *m_options.cycles) {
             ShowResult(record);
+        }
+    }
+}
+
+void Runner::AnnounceFaults() {
+    for (const ActiveFault& fault : m_board->Faults()) {
+        if (fault.active && m_announced.insert(fault.text).second) {
+            m_display.Warning(TimeOfDay(m_board->WallNanoSeconds()) + "  fault " + fault.text);
         }
     }
 }
@@ -203,7 +210,7 @@ void Runner::TakeLogText(const std::string& text) {
     }
     m_display.Status(status->date, status->time, status->text);
     m_step = StepOfStatus(status->text).value_or("");
-    m_stepStart = m_board->Seconds();
+    m_stepStart = ReadDate(status->date + " " + status->time).value_or(0);
     m_duty = DutyOfStatus(status->text).value_or(m_duty);
 }
 
@@ -217,7 +224,8 @@ std::string Runner::RunningStep() const {
     if (m_step.empty()) {
         return m_results == 0 ? "waiting for the first cycle" : "waiting for the next cycle";
     }
-    const double passed = m_board->Seconds() - m_stepStart;
+    const double passed =
+        std::max(0.0, static_cast<double>(m_board->WallNanoSeconds()) / 1e9 - static_cast<double>(m_stepStart));
     const auto duration = m_settings.durations.find(InternalName(m_step));
     if (duration == m_settings.durations.end() || !(duration->second > 0.0) || passed > duration->second) {
         return m_step + Format("  %.0f s", passed);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,7 +44,8 @@ private:
     int Follow();
     void Greet();
 
-    void Look();  // at everything that has come since the last look
+    void Look();            // at everything that has come since the last look
+    void AnnounceFaults();  // that have become active
     void TakeRecord(const DayFileTail::Line& line, std::vector<MeasurementRecord>& records);
     void TakeLogText(const std::string& text);
     void ShowResult(const MeasurementRecord& record);
@@ -70,6 +72,7 @@ private:
     double m_lastResult = 0.0;  // simulated seconds
     double m_duty = 0.0;        // percent, of the last finished cycle
     std::uint64_t m_results = 0;
+    std::set<std::string> m_announced;  // faults
 };
 
 }  // namespace Bench

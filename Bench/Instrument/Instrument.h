@@ -48,7 +48,7 @@ struct InstrumentSettings {
     bool detectorSaturated = false;  // the converter answers full scale whatever the light
 
     // Pump and its home flag.
-    double flagLowDegrees = 45.0;  // the last part of a turn, on which the flag is low; it rises at 0 degrees
+    double flagLowDegrees = 50.0;  // the last part of a turn, on which the flag is low; it rises at 0 degrees
     bool motorStalled = false;     // the steps come and the pump does not turn
     bool flagStuckHigh = false;
     bool flagStuckLow = false;

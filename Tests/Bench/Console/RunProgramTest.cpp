@@ -127,7 +127,7 @@ TEST_F(RunProgram, cycle_is_shown_as_plain_lines_where_there_is_no_terminal) {
     StartFake("cycle", {"--cycles", "1", "--chlorine", "0.35"});
     EXPECT_EQ(Wait(), 0);
     std::string out = Out();
-    const std::size_t last = out.rfind("1 results in ");
+    const std::size_t last = out.rfind("1 result in ");
     ASSERT_NE(last, std::string::npos) << out;
     EXPECT_EQ(out.substr(0, last),
               "The analyzer on the bench: 0.35 mg/l chlorine in the water, cell constant 2.4, 20 times as fast as the "
@@ -197,7 +197,7 @@ TEST_F(RunProgram, fault_with_a_wrong_value_is_refused_by_name) {
 TEST_F(RunProgram, fault_is_active_in_the_run) {
     StartFake("cycle", {"--cycles", "1", "--fault", "led-dead"});
     EXPECT_EQ(Wait(), 0);
-    EXPECT_NE(Out().find("\nfault led-dead\n"), std::string::npos);
+    EXPECT_NE(Out().find("  fault led-dead\n"), std::string::npos);
     std::string error;
     const std::unique_ptr<Board> board = Board::Open(Bench(), error);
     ASSERT_NE(board, nullptr) << error;

@@ -82,12 +82,12 @@ TEST_F(Instrument, pump_in_reverse_turns_back_and_doses_nothing) {
     EXPECT_EQ(state.reagentUnmixed + state.reagentMixed, 0.0);
 }
 
-TEST_F(Instrument, flag_is_high_from_home_to_the_last_eighth_of_the_turn) {
+TEST_F(Instrument, flag_is_high_from_home_to_the_last_fifty_degrees_of_the_turn) {
     state.pumpAngle = 0.0;
     EXPECT_TRUE(FlagHigh(state, settings));
-    state.pumpAngle = 314.9;
+    state.pumpAngle = 309.9;
     EXPECT_TRUE(FlagHigh(state, settings));
-    state.pumpAngle = 315.0;
+    state.pumpAngle = 310.0;
     EXPECT_FALSE(FlagHigh(state, settings));
     state.pumpAngle = 359.9;
     EXPECT_FALSE(FlagHigh(state, settings));
