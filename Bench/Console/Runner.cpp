@@ -224,8 +224,8 @@ std::string Runner::RunningStep() const {
     if (m_step.empty()) {
         return m_results == 0 ? "waiting for the first cycle" : "waiting for the next cycle";
     }
-    const double passed =
-        std::max(0.0, static_cast<double>(m_board->WallNanoSeconds()) / 1e9 - static_cast<double>(m_stepStart));
+    const double now = static_cast<double>(m_board->WallNanoSeconds()) / 1e9;
+    const double passed = std::max(0.0, now - static_cast<double>(m_stepStart));
     const auto duration = m_settings.durations.find(InternalName(m_step));
     if (duration == m_settings.durations.end() || !(duration->second > 0.0) || passed > duration->second) {
         return m_step + Format("  %.0f s", passed);

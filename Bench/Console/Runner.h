@@ -67,10 +67,10 @@ private:
     MeasurementReader m_reader;
     std::optional<FileTail> m_log;
 
-    std::string m_step;         // display name of the running one; empty between cycles
-    double m_stepStart = 0.0;   // simulated seconds
-    double m_lastResult = 0.0;  // simulated seconds
-    double m_duty = 0.0;        // percent, of the last finished cycle
+    std::string m_step;            // display name of the running one; empty between cycles
+    std::int64_t m_stepStart = 0;  // Unix time, by the analyzer's clock
+    double m_lastResult = 0.0;     // simulated seconds
+    double m_duty = 0.0;           // percent, of the last finished cycle
     std::uint64_t m_results = 0;
     std::set<std::string> m_announced;  // faults
 };
