@@ -324,12 +324,13 @@ TEST_F(Pump, a_homing_that_fails_leaves_the_motor_free_for_the_next_turn) {
 }
 
 TEST_F(Pump, a_turn_that_fails_leaves_the_motor_free_for_the_next_step) {
-    SetFault("write-refused=pwm1/duty_cycle");
+    SetFault("pwm-missing");
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     Turn(90.0F, 90, 5000);
+    ASSERT_EQ(TraceOf("pioA4/value="), (Texts{Gpio + "pioA4/value=1", Gpio + "pioA4/value=0"}));
     Turn(180.0F, 90, 5000);
+    EXPECT_EQ(TraceOf("pioA4/value="), (Texts{Gpio + "pioA4/value=1", Gpio + "pioA4/value=0"}));
     testing::internal::GetCapturedStdout();
     testing::internal::GetCapturedStderr();
-    EXPECT_EQ(TraceOf("pioA4/value="), (Texts{Gpio + "pioA4/value=1", Gpio + "pioA4/value=0"}));
 }
