@@ -25,7 +25,7 @@ struct InstrumentSettings {
     double reagentLine = 60.0;       // microlitres between bottle and cell
     double reagentCapacity = 0.05;   // mg/l of chlorine that one microlitre of reagent in the cell can colour
     double stirredMixSeconds = 1.2;  // time constant of mixing with the stir bar turning
-    double unstirredMixSeconds = 240.0;
+    double unstirredMixSeconds = 1500.0;
     double developSeconds = 4.0;  // time constant of the colour
     bool reagentEmpty = false;    // the bottle is dry: the pump draws air
 

@@ -447,6 +447,17 @@ TEST_F(Instrument, change_of_the_water_shows_in_the_next_cycle) {
     EXPECT_NEAR(Cycle(), 0.10, 0.005);
 }
 
+TEST_F(Instrument, without_the_stir_bar_the_value_comes_out_low) {
+    Cycle();
+    Flush(25.0);
+    inputs.ledDuty = 0.3;
+    Wait(30.0);
+    const double reference = Read();
+    Dose(300.0);
+    Wait(60.0);
+    EXPECT_LT(settings.cellConstant * Absorbance(settings.darkCount, reference, Read()), 0.4);
+}
+
 TEST_F(Instrument, without_flow_the_coloured_water_is_its_own_reference) {
     Cycle();
     settings.sampleFlows = false;
