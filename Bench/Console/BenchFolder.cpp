@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace Bench {
@@ -96,9 +97,9 @@ bool BenchFolder::Furnish(const std::string& configuration, std::string& error) 
             return false;
         }
     }
-    fs::copy_file(configuration, fs::path(m_path) / ConfigurationFile, fs::copy_options::overwrite_existing, problem);
-    if (problem) {
-        error = "can't copy the configuration " + configuration + ": " + problem.message();
+    const fs::path file = fs::path(m_path) / ConfigurationFile;
+    if (!(std::ofstream(file, std::ios::binary) << configuration << std::flush)) {
+        error = "can't write the configuration " + file.string();
         return false;
     }
     return true;

@@ -17,7 +17,8 @@ public:
     // and nothing removed, where the folder holds anything else, is in use or can't be made.
     bool Take(const std::string& path, std::string& error);
 
-    // Lays what the analyzer finds on its own disk: its folders and its configuration.
+    // Lays what the analyzer finds on its own disk: its folders and its configuration, given as text, since the file
+    // that it came from may have stood in this very folder.
     bool Furnish(const std::string& configuration, std::string& error) const;
 
     const std::string& Path() const { return m_path; }  // absolute

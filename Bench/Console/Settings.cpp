@@ -74,6 +74,7 @@ bool ReadAnalyzerSettings(const std::string& path, AnalyzerSettings& settings, s
         return false;
     }
     settings = {};
+    settings.text = text;
     bool haveConstant = false;
     std::string step;
     std::size_t position = 0;

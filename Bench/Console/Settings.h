@@ -8,6 +8,7 @@
 namespace Bench {
 
 struct AnalyzerSettings {
+    std::string text;                         // the whole file
     double cellConstant = 0.0;                // mg/l for one unit of absorbance
     std::string measurementFileName;          // set behind the date
     std::map<std::string, double> durations;  // seconds of each step, by its name in the file

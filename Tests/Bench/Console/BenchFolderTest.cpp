@@ -91,23 +91,24 @@ TEST(BenchFolder, second_run_in_the_same_folder_is_refused) {
 
 TEST(BenchFolder, analyzer_finds_its_folders_and_its_configuration) {
     const TemporaryFolder top;
-    WriteFile(top / "c.xml", "<ROOT_ANALYZER/>");
     BenchFolder folder;
     std::string error;
     ASSERT_TRUE(folder.Take(top / "b", error));
-    ASSERT_TRUE(folder.Furnish(top / "c.xml", error)) << error;
+    ASSERT_TRUE(folder.Furnish("<ROOT_ANALYZER/>", error)) << error;
     EXPECT_EQ(ReadFile(top / "b/usr/share/vorn/bin/configuration/analyzer.conf.xml"), "<ROOT_ANALYZER/>");
     EXPECT_TRUE(fs::is_directory(top / "b/var/log/vorn/data"));
     EXPECT_TRUE(fs::is_directory(top / "b/card"));
 }
 
-TEST(BenchFolder, configuration_that_is_not_there_is_named) {
+TEST(BenchFolder, folder_that_vanished_is_named) {
     const TemporaryFolder top;
     BenchFolder folder;
     std::string error;
     ASSERT_TRUE(folder.Take(top / "b", error));
-    EXPECT_FALSE(folder.Furnish("/nowhere/c.xml", error));
-    EXPECT_EQ(error, "can't copy the configuration /nowhere/c.xml: No such file or directory");
+    fs::remove_all(top / "b");
+    WriteFile(top / "b", "a file now");
+    EXPECT_FALSE(folder.Furnish("", error));
+    EXPECT_EQ(error, "can't make the folder " + (top / "b/card") + ": Not a directory");
 }
 
 }  // namespace

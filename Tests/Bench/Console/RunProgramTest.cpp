@@ -168,6 +168,15 @@ TEST_F(RunProgram, folder_stays_after_the_run_and_is_reset_by_the_next) {
     EXPECT_FALSE(std::filesystem::exists(Bench() + "/card/old"));
 }
 
+TEST_F(RunProgram, configuration_may_come_from_the_folder_that_is_reset) {
+    StartFake("end");
+    EXPECT_EQ(Wait(), 1);
+    const std::string configuration = Bench() + "/usr/share/vorn/bin/configuration/analyzer.conf.xml";
+    StartFake("end", {"--config", configuration});
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(ReadFile(configuration), Configuration);
+}
+
 TEST_F(RunProgram, end_of_the_analyzer_is_told_with_its_status) {
     StartFake("end", {"--cycles", "1"});
     EXPECT_EQ(Wait(), 1);
