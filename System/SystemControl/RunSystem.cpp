@@ -15,6 +15,7 @@ constexpr unsigned SecondsBeforeReset = 15;
 // thread could not be created has nothing to join.
 void Join(const SystemControl& system, const char* failure) {
     const pthread_t thread = system.GetThreadId();
+    // NOLINTNEXTLINE(bugprone-posix-return)
     if (thread != 0 && pthread_join(thread, nullptr) < 0) {
         MessageController::LogMessage(failure, EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
     }

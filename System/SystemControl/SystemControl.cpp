@@ -232,6 +232,7 @@ void SystemControl::JoinThreads() {
     for (auto controller = m_controllers.rbegin(); controller != m_controllers.rend(); ++controller) {
         Log("Ending Thread for - " + (*controller)->GetThreadName(), DEBUG_LOG_LEVEL);
         const pthread_t thread = (*controller)->GetThreadId();
+        // NOLINTNEXTLINE(bugprone-posix-return): errors are positive, and only a negative one has ever been reported
         if (thread != 0 && pthread_join(thread, nullptr) < 0) {
             MessageController::LogMessage("thread_join error returned", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
         }
