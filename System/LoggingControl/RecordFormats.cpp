@@ -4,11 +4,13 @@
 #include <cmath>
 #include <limits>
 
+#include "Frameworks/Utilities/Version.h"
 #include "Frameworks/Xml/XmlDocument.h"
 
 namespace {
 
-constexpr char Version[] = "Version (0.2.1.19)\r\n";
+// The end of a column line; records have one field fewer.
+StdString Version() { return "Version (" + GetVersionText() + ")\r\n"; }
 
 StdString Decimal(std::int32_t number) {
     StdString text;
@@ -50,18 +52,18 @@ StdString MeasurementColumns() {
     return StdString(
                "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,"
                "Measurement Index,Seconds,Nano Seconds,") +
-           Version;
+           Version();
 }
 
 StdString StepColumns() {
     return StdString(
                "Text Date / Time,Xcel Time,Sample,Text Step Description,Step Index,Sample Index,"
                "Motor Angle,Motor Speed,Seconds,Nano Seconds,") +
-           Version;
+           Version();
 }
 
 StdString StatusColumns() {
-    return StdString("Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,") + Version;
+    return StdString("Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,") + Version();
 }
 
 StdString MeasurementRecord(const MeasurementResults& results) {

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include "System/MeasurementEngine/StepType.h"
+#include "Tests/Support/ReadFile.h"
 #include "Tests/Support/SystemFixture.h"
 
 namespace {
@@ -26,8 +26,7 @@ protected:
     std::string CardFile(const std::string& name) const {
         for (const auto& entry : std::filesystem::directory_iterator(Folder() + "/card")) {
             if (entry.path().string().ends_with("_" + name)) {
-                std::ifstream stream(entry.path(), std::ios::binary);
-                return {std::istreambuf_iterator<char>(stream), {}};
+                return ReadFile(entry.path());
             }
         }
         return {};

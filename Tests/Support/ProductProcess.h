@@ -7,11 +7,11 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "Tests/Support/ReadFile.h"
 
 class ProductProcess {
 public:
@@ -76,10 +76,7 @@ private:
         _exit(127);
     }
 
-    std::string Read(const char* name) const {
-        std::ifstream stream(m_folder + name);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    std::string Read(const char* name) const { return ReadFile(m_folder + name); }
 
     std::string m_folder;
     pid_t m_pid = -1;

@@ -5,14 +5,13 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
+
+#include "Tests/Support/ReadFile.h"
 
 class SampleConfiguration {
 public:
-    SampleConfiguration() {
-        std::ifstream stream(SOURCE_FOLDER "/configuration/analyzer.conf.xml");
-        m_text.assign(std::istreambuf_iterator<char>(stream), {});
+    SampleConfiguration() : m_text(ReadFile(SOURCE_FOLDER "/configuration/analyzer.conf.xml")) {
         EXPECT_FALSE(m_text.empty());
     }
 
