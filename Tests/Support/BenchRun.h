@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Support/ReadFile.h"
+
 // A fresh folder, removed at the end.
 class TemporaryFolder {
 public:
@@ -38,12 +40,6 @@ private:
 
 inline void WriteFile(const std::string& path, const std::string& text, bool append = false) {
     std::ofstream(path, append ? std::ios::app : std::ios::trunc) << text;
-}
-
-inline std::string ReadFile(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
 }
 
 class BenchRun {
