@@ -212,7 +212,7 @@ TEST_F(FaultsTest, a_turning_pump_wakes_a_wait_for_its_flag) {
     // Just before the edge, and so slow that the flag then stays low for a while of the machine's time.
     Board().SetSpeed(1.0);
     Bench::InstrumentState state = Board().Instrument();
-    state.pumpAngle = 314.99;
+    state.pumpAngle = 360.0 - Board().Settings().flagLowDegrees - 0.01;
     Board().SetInstrument(state);
     ASSERT_TRUE(WriteRegister(0xFFFFF430, 0x70));
     StartPwm(1, 1000000000);
