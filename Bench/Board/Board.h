@@ -187,6 +187,7 @@ public:
 
     // Faults, as NAME, NAME=VALUE or either with @SECONDS of the run. False with a reason in `error` where refused.
     static const std::vector<FaultInfo>& KnownFaults();
+    static bool CheckFault(const std::string& text, std::string& error);
     bool SetFault(const std::string& text, std::string& error);
     bool ClearFault(const std::string& name, std::string& error);
     std::vector<ActiveFault> Faults() const;

@@ -111,6 +111,10 @@ bool Parse(std::string_view text, ParsedFault& fault, std::string& error) {
         error = "unknown fault \"" + std::string(before.substr(0, equals)) + "\"";
         return false;
     }
+    if (text.size() >= sizeof(FaultEntry::text)) {
+        error = "\"" + std::string(text) + "\" is too long";
+        return false;
+    }
     return ValueFits(Rows[fault.row], fault.value, error);
 }
 
@@ -238,13 +242,14 @@ const std::vector<FaultInfo>& Board::KnownFaults() {
     return known;
 }
 
+bool Board::CheckFault(const std::string& text, std::string& error) {
+    ParsedFault fault;
+    return Parse(text, fault, error);
+}
+
 bool Board::SetFault(const std::string& text, std::string& error) {
     ParsedFault fault;
     if (!Parse(text, fault, error)) {
-        return false;
-    }
-    if (text.size() >= sizeof(FaultEntry::text)) {
-        error = "\"" + text + "\" is too long";
         return false;
     }
     const BoardLock lock(*m_state);

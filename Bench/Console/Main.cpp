@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -21,12 +20,11 @@ void ListFaults() {
     }
 }
 
-bool FaultsKnown(const Bench::Options& options, std::string& error) {
-    const std::vector<Bench::FaultInfo>& known = Bench::Board::KnownFaults();
+// Before anything is laid or emptied.
+bool FaultsFit(const Bench::Options& options, std::string& error) {
     for (const std::string& fault : options.faults) {
-        const std::string name = Bench::FaultNameOf(fault);
-        if (std::none_of(known.begin(), known.end(), [&name](const auto& info) { return info.name == name; })) {
-            error = "there is no fault \"" + name + "\"; --fault list shows all";
+        if (!Bench::Board::CheckFault(fault, error)) {
+            error = "--fault " + fault + ": " + error + "; --fault list shows all";
             return false;
         }
     }
@@ -38,7 +36,7 @@ bool FaultsKnown(const Bench::Options& options, std::string& error) {
 int main(int count, char** arguments) {
     Bench::Options options;
     std::string error;
-    if (!Bench::ReadOptions({arguments + 1, arguments + count}, options, error) || !FaultsKnown(options, error)) {
+    if (!Bench::ReadOptions({arguments + 1, arguments + count}, options, error) || !FaultsFit(options, error)) {
         return Refuse(error);
     }
     if (options.help) {

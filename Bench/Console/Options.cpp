@@ -86,7 +86,7 @@ bool TakeFault(Options& options, const std::string& value) {
         return true;
     }
     options.faults.push_back(value);
-    return !FaultNameOf(value).empty();
+    return !value.empty() && value.find_first_of("=@") != 0;
 }
 
 struct ValueOption {
@@ -186,8 +186,6 @@ std::optional<std::int64_t> ReadDate(const std::string& text) {
     }
     return seconds;
 }
-
-std::string FaultNameOf(const std::string& fault) { return fault.substr(0, fault.find_first_of("=@")); }
 
 std::string HelpText() {
     return

@@ -29,9 +29,6 @@ bool ReadOptions(const std::vector<std::string>& arguments, Options& options, st
 // "YYYY-MM-DD HH:MM:SS", UTC, 1970 to 2037; nothing for any other text or a date that the calendar does not have.
 std::optional<std::int64_t> ReadDate(const std::string& text);
 
-// The name in front of "=" and "@".
-std::string FaultNameOf(const std::string& fault);
-
 // What --help prints.
 std::string HelpText();
 

@@ -52,9 +52,6 @@ TEST(Options, value_may_stand_behind_an_equals_sign) { EXPECT_EQ(Read({"--cycles
 TEST(Options, faults_are_kept_in_their_order_and_whole) {
     const Options options = Read({"--fault", "card-out@300", "--fault=rail-out=9", "--fault", "bubbles"});
     EXPECT_EQ(options.faults, (std::vector<std::string>{"card-out@300", "rail-out=9", "bubbles"}));
-    EXPECT_EQ(FaultNameOf("rail-out=9@12"), "rail-out");
-    EXPECT_EQ(FaultNameOf("card-out@300"), "card-out");
-    EXPECT_EQ(FaultNameOf("bubbles"), "bubbles");
 }
 
 TEST(Options, fault_list_is_no_fault) {

@@ -88,7 +88,16 @@ TEST_F(RunProgram, wrong_value_ends_with_a_sentence) {
 }
 
 TEST_F(RunProgram, unknown_fault_is_refused) {
-    ExpectRefused({"--fault", "moonlight@3"}, "there is no fault \"moonlight\"; --fault list shows all");
+    ExpectRefused({"--fault", "moonlight@3"},
+                  "--fault moonlight@3: unknown fault \"moonlight\"; --fault list shows all");
+}
+
+TEST_F(RunProgram, wrong_value_of_a_fault_is_refused_before_the_folder_is_touched) {
+    std::string error;
+    EXPECT_FALSE(Board::CheckFault("rail-out=ninety", error));
+    ExpectRefused({"--fault", "rail-out=ninety", "--bench", Bench()},
+                  "--fault rail-out=ninety: " + error + "; --fault list shows all");
+    EXPECT_FALSE(std::filesystem::exists(Bench()));
 }
 
 TEST_F(RunProgram, program_that_is_not_there_is_refused) {
@@ -195,12 +204,6 @@ TEST_F(RunProgram, run_without_a_result_ends) {
     StartFake("nothing", {"--cycles", "1", "--speed", "1000"});
     EXPECT_EQ(Wait(), 1);
     EXPECT_EQ(Err(), "run: no result in 9 min 0 s of simulated time\n");
-}
-
-TEST_F(RunProgram, fault_with_a_wrong_value_is_refused_by_name) {
-    StartFake("nothing", {"--fault", "rail-out=ninety"});
-    EXPECT_EQ(Wait(), 2);
-    EXPECT_EQ(Err().rfind("run: --fault rail-out=ninety: ", 0), 0U) << Err();
 }
 
 TEST_F(RunProgram, fault_is_active_in_the_run) {
