@@ -1,10 +1,11 @@
 // Holds the includes of the product against the order of its layers.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -57,18 +58,22 @@ std::vector<std::string> FilesBelow(const std::string& folder) {
 }
 
 std::vector<Include> IncludesBelow(const std::string& folder) {
-    static const std::regex pattern("^\\s*#\\s*include\\s*\"([^\"]+)\"");
+    const std::string start = "#include \"";
     std::vector<Include> includes;
     for (const std::string& file : FilesBelow(folder)) {
         std::ifstream stream(fs::path(SOURCE_FOLDER) / file);
-        std::smatch match;
         for (std::string line; std::getline(stream, line);) {
-            if (std::regex_search(line, match, pattern)) {
-                includes.push_back({file, match[1]});
+            if (StartsWith(line, start)) {
+                includes.push_back({file, line.substr(start.size(), line.rfind('"') - start.size())});
             }
         }
     }
     return includes;
+}
+
+std::string LowerCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    return text;
 }
 
 std::string AreaOf(const std::string& path) {
@@ -117,12 +122,13 @@ TEST(House, controllers_know_each_other_by_their_messages_only) {
 }
 
 TEST(House, the_product_does_not_know_the_bench) {
-    static const std::regex words("bench|virtual board|libboard|gtest", std::regex::icase);
     for (const char* folder : {"Frameworks", "Drivers", "System"}) {
         for (const std::string& file : FilesBelow(folder)) {
             std::ifstream stream(fs::path(SOURCE_FOLDER) / file);
             for (std::string line; std::getline(stream, line);) {
-                EXPECT_FALSE(std::regex_search(line, words)) << file << ": " << line;
+                for (const char* word : {"bench", "virtual board", "libboard", "gtest"}) {
+                    EXPECT_EQ(LowerCase(line).find(word), std::string::npos) << file << ": " << line;
+                }
             }
         }
     }
