@@ -23,8 +23,9 @@ void ListFaults() {
 // Before anything is laid or emptied.
 bool FaultsFit(const Bench::Options& options, std::string& error) {
     for (const std::string& fault : options.faults) {
-        if (!Bench::Board::CheckFault(fault, error)) {
-            error = "--fault " + fault + ": " + error + "; --fault list shows all";
+        std::string reason;
+        if (!Bench::Board::CheckFault(fault, reason)) {
+            error.append("--fault ").append(fault).append(": ").append(reason).append("; --fault list shows all");
             return false;
         }
     }
