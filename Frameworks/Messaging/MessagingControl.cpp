@@ -79,23 +79,9 @@ bool MessagingControl::ProcessCommandMessage(CommandMessage* message) {
         FanOut(*message, SubscribersOf(message->GetCommandType()));
         return true;
     }
-    switch (message->GetCommandType()) {
-        case MOVE_TO_IDLE:
-            SetState(IDLE_STATE);
-            break;
-        case MOVE_TO_RUNNING:
-            SetState(RUNNING_STATE);
-            break;
-        case MOVE_TO_SHUTDOWN:
-            SetState(SHUTDOWN_STATE);
-            break;
-        case MOVE_TO_TEST:
-            SetState(TEST_STATE);
-            break;
-        default:
-            return true;
+    if (FollowStateCommand(message->GetCommandType())) {
+        SetTimeOut(-1);
     }
-    SetTimeOut(-1);
     return true;
 }
 

@@ -163,3 +163,22 @@ MessageBuffer& ThreadControl::Buffer() {
     }
     return *m_buffer;
 }
+
+bool ThreadControl::FollowStateCommand(CommandType command) {
+    switch (command) {
+        case MOVE_TO_IDLE:
+            SetState(IDLE_STATE);
+            return true;
+        case MOVE_TO_RUNNING:
+            SetState(RUNNING_STATE);
+            return true;
+        case MOVE_TO_SHUTDOWN:
+            SetState(SHUTDOWN_STATE);
+            return true;
+        case MOVE_TO_TEST:
+            SetState(TEST_STATE);
+            return true;
+        default:
+            return false;
+    }
+}

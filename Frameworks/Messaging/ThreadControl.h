@@ -43,6 +43,10 @@ public:
     bool RegisterForCommand(CommandType command);  // always false
     bool RegisterForDataMessage(DataMessageType type);
 
+protected:
+    // Enters the state that one of the four MOVE_TO commands asks for; false for any other command.
+    bool FollowStateCommand(CommandType command);
+
 private:
     MessageBuffer& Buffer();
     bool DrainQueue();

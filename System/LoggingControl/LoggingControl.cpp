@@ -119,22 +119,7 @@ bool LoggingControl::ProcessCommandMessage(CommandMessage* message) {
     if (message == nullptr) {
         return false;
     }
-    switch (message->GetCommandType()) {
-        case MOVE_TO_IDLE:
-            SetState(IDLE_STATE);
-            break;
-        case MOVE_TO_RUNNING:
-            SetState(RUNNING_STATE);
-            break;
-        case MOVE_TO_SHUTDOWN:
-            SetState(SHUTDOWN_STATE);
-            break;
-        case MOVE_TO_TEST:
-            SetState(TEST_STATE);
-            break;
-        default:
-            break;
-    }
+    FollowStateCommand(message->GetCommandType());
     return true;
 }
 
