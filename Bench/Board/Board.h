@@ -192,8 +192,8 @@ public:
     bool ClearFault(const std::string& name, std::string& error);
     std::vector<ActiveFault> Faults() const;
 
-    // Lets the Nth coming call of that kind (1: the next) on one of the board's files fail with `error`. Kinds: see
-    // CallKinds. False for an unknown kind.
+    // Lets the Nth coming call of that kind (1: the next) on one of the board's files, or for its wall clock, fail with
+    // `error`. Kinds: see CallKinds. False for an unknown kind.
     static const std::vector<std::string>& CallKinds();
     bool FailCall(const std::string& kind, int n, int error);
     std::uint64_t CallCount(const std::string& kind) const;  // calls on the board's files so far in the run

@@ -10,7 +10,7 @@ namespace {
 constexpr const char* Kinds[] = {
     "open",      "close",  "read",   "write",   "seek",   "sync",     "ioctl", "poll",
     "mmap",      "fopen",  "fclose", "opendir", "stat",   "statfs",   "mount", "umount",
-    "setmntent", "access", "mkdir",  "remove",  "rename", "truncate", "chmod",
+    "setmntent", "access", "mkdir",  "remove",  "rename", "truncate", "chmod", "clock_gettime",
 };
 static_assert(std::size(Kinds) == static_cast<std::size_t>(Call::Count));
 
@@ -24,10 +24,10 @@ CallState* FindCall(BoardState& state, const std::string& kind) {
 int CountCall(BoardState& state, Call call) {
     CallState& counter = state.calls[static_cast<std::size_t>(call)];
     ++counter.count;
-    if (counter.failIn == 0) {
+    if (counter.failIn <= 0) {
         return 0;
     }
-    return --counter.failIn == 0 ? counter.error : 0;
+    return --counter.failIn == 0 ? counter.error.load() : 0;
 }
 
 const std::vector<std::string>& Board::CallKinds() {
@@ -41,15 +41,15 @@ bool Board::FailCall(const std::string& kind, int n, int error) {
     if (call == nullptr || n < 1) {
         return false;
     }
-    call->failIn = n;
     call->error = error;
+    call->failIn = n;
     return true;
 }
 
 std::uint64_t Board::CallCount(const std::string& kind) const {
     const BoardLock lock(*m_state);
     const CallState* call = FindCall(*m_state, kind);
-    return call == nullptr ? 0 : call->count;
+    return call == nullptr ? 0 : call->count.load();
 }
 
 }  // namespace Bench

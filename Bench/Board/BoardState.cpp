@@ -86,7 +86,10 @@ void InitialiseState(BoardState& state, const char* folder, const BoardSetup& se
     state.settings.seed = setup.seed;
     state.audioPlaying = false;
     std::fill(std::begin(state.faults), std::end(state.faults), FaultEntry{});
-    std::fill(std::begin(state.calls), std::end(state.calls), CallState{});
+    for (CallState& call : state.calls) {
+        call.count = 0;
+        call.failIn = 0;
+    }
     state.traced = 0;
     state.traceStart = 0;
     StartClock(state.clock, setup.speed, setup.startSeconds);

@@ -147,13 +147,15 @@ enum class Call : std::uint8_t {
     Rename,
     Truncate,
     Chmod,
+    ClockGettime,
     Count
 };
 
+// Atomic for the clock, whose hook may not lock.
 struct CallState {
-    std::uint64_t count = 0;
-    std::int32_t failIn = 0;  // 1: the next; 0: none
-    std::int32_t error = 0;
+    std::atomic<std::uint64_t> count{0};
+    std::atomic<std::int32_t> failIn{0};  // 1: the next; 0 or less: none
+    std::atomic<std::int32_t> error{0};
 };
 
 constexpr std::size_t TraceLength = 8192;

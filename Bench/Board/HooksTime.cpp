@@ -110,9 +110,13 @@ using namespace Bench;
 extern "C" {
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept {
-    const BoardState* state = AttachedState();
+    BoardState* state = AttachedState();
     if (state == nullptr || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
         return Real::clock_gettime(clock, time);
+    }
+    if (const int error = IsWallClock(clock) ? CountCall(*state, Call::ClockGettime) : 0; error != 0) {
+        errno = error;
+        return -1;
     }
     *time = TimespecOf(Now(*state, clock));
     return 0;
