@@ -19,8 +19,8 @@ function(add_area_tests name folder)
     return()
   endif()
   add_executable(${name} ${sources})
-  target_link_libraries(${name} PRIVATE project_options sanitizer_options ${ARGN} GTest::gtest GTest::gmock GTest::gtest_main)
-  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)  # what is tested is optimised; the tests need not be
+  target_link_libraries(${name} PRIVATE project_options sanitizer_options test_options ${ARGN}
+                        GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}"
                              SANITIZER_RUNTIME="${SANITIZER_RUNTIME}")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
