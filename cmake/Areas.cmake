@@ -24,4 +24,7 @@ function(add_area_tests name folder)
   target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}"
                              SANITIZER_RUNTIME="${SANITIZER_RUNTIME}")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  if("board" IN_LIST ARGN)
+    add_dependencies(${name} bench-tools)
+  endif()
 endfunction()

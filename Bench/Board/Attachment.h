@@ -51,6 +51,9 @@ int CountOrFail(BoardState& state, Call call);
 // Waits as a slow card does. Not under the lock.
 void WaitForSlowCard(BoardState& state, Node node);
 
+// Ends a forked child whose program or whose run of the board is gone, so that no run leaves processes behind.
+void EndWithBoard(const BoardState& state);
+
 // Simulated sleep. 0, or EINTR with what is left.
 int SleepSimulated(BoardState& state, std::int64_t nanoSeconds, std::int64_t* left);
 

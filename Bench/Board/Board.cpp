@@ -494,6 +494,9 @@ TemporaryBoard::TemporaryBoard(const BoardSetup& setup) {
 
 TemporaryBoard::~TemporaryBoard() {
     DetachThisProcess();
+    m_board->State().run.fetch_add(1);  // what the program has forked sees by this that it is over
+    m_board->State().clock.changes.fetch_add(1);
+    FutexWakeAll(m_board->State().clock.changes);
     pthread_mutex_destroy(&m_board->State().mutex);
     m_board.reset();
     std::error_code ignored;

@@ -173,9 +173,18 @@ public:
     void SetSettings(const InstrumentSettings& settings);
     void SetAudioPlaying(bool playing);
 
+    // Sound. Command lines of aplay and amixer as the program ran them, oldest first: "aplay -q /usr/share/x.wav",
+    // "amixer set -q 'Output Mixer HiFi' mute". An argument with anything but letters, digits and _./,%:=+- stands
+    // between single quotes. The last 512 are kept, up to 255 characters of each.
+    std::vector<std::string> SoundCalls() const;
+    void ClearSoundCalls();
+    bool SoundPlaying() const;        // until the last of several clips ends
+    std::string PlayingClip() const;  // file name of the one started last; empty in silence
+
     // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;
     // "mem 0xfffff430=0x00000001"; "ioctl PATH 0x40016b01=0"; "spi write a080"; "spi read 1234 5678";
-    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET". The ring keeps the last 8192.
+    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "run aplay -q FILE". The ring
+    // keeps the last 8192.
     std::vector<std::string> Trace() const;
     std::vector<TraceEntry> TraceWithTimes() const;
     std::uint64_t TraceCount() const;  // all of the run, the forgotten ones too

@@ -8,9 +8,9 @@ namespace Bench {
 namespace {
 
 constexpr const char* Kinds[] = {
-    "open",      "close",  "read",   "write",   "seek",   "sync",     "ioctl", "poll",
-    "mmap",      "fopen",  "fclose", "opendir", "stat",   "statfs",   "mount", "umount",
-    "setmntent", "access", "mkdir",  "remove",  "rename", "truncate", "chmod", "clock_gettime",
+    "open",  "close",  "read",    "write",    "seek",   "sync",          "ioctl",  "poll",      "mmap",
+    "fopen", "fclose", "opendir", "stat",     "statfs", "mount",         "umount", "setmntent", "access",
+    "mkdir", "remove", "rename",  "truncate", "chmod",  "clock_gettime", "fork",   "system",
 };
 static_assert(std::size(Kinds) == static_cast<std::size_t>(Call::Count));
 

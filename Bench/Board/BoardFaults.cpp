@@ -55,6 +55,9 @@ constexpr FaultRow Rows[] = {
     {FaultName::ReagentEmpty, "reagent-empty", "", ValueKind::None, "the reagent bottle is dry"},
     {FaultName::Bubbles, "bubbles", "", ValueKind::None, "bubbles stick in the light path"},
     {FaultName::FlowStopped, "flow-stopped", "", ValueKind::None, "no sample flows through the open valve"},
+    {FaultName::SoundToolsMissing, "sound-tools-missing", "", ValueKind::None,
+     "the shell finds no aplay and no amixer"},
+    {FaultName::AmixerFails, "amixer-fails", "", ValueKind::None, "amixer ends with status 1"},
 };
 
 struct ParsedFault {

@@ -85,6 +85,8 @@ void InitialiseState(BoardState& state, const char* folder, const BoardSetup& se
     state.settings.noise = setup.noise;
     state.settings.seed = setup.seed;
     state.audioPlaying = false;
+    state.sound = SoundState{};
+    state.run.fetch_add(1);
     std::fill(std::begin(state.faults), std::end(state.faults), FaultEntry{});
     for (CallState& call : state.calls) {
         call.count = 0;
@@ -150,7 +152,7 @@ InstrumentInputs InputsOf(const BoardState& state) {
     inputs.pumpStepFrequency = pumpEnabled && pumpCurrent ? (pumpReverse ? -1.0 : 1.0) * pulses(Pump) : 0.0;
     inputs.stirStepFrequency = stirEnabled && !FaultActive(state, FaultName::StirStalled) ? pulses(Stir) : 0.0;
     inputs.valvePower = FaultActive(state, FaultName::ValveStuck) ? 0.0 : duty(Valve);
-    inputs.audioPlaying = state.audioPlaying;
+    inputs.audioPlaying = SoundPlays(state);
     return inputs;
 }
 

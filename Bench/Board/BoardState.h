@@ -148,6 +148,8 @@ enum class Call : std::uint8_t {
     Truncate,
     Chmod,
     ClockGettime,
+    Fork,
+    System,
     Count
 };
 
@@ -156,6 +158,26 @@ struct CallState {
     std::atomic<std::uint64_t> count{0};
     std::atomic<std::int32_t> failIn{0};  // 1: the next; 0 or less: none
     std::atomic<std::int32_t> error{0};
+};
+
+// ---- Sound.
+constexpr std::size_t SoundCallsKept = 512;
+constexpr std::size_t SoundLineLength = 256;
+constexpr std::size_t MaximalPlayers = 16;
+
+// A clip plays until its end comes, so that a player which is killed leaves nothing behind.
+struct PlayerEntry {
+    std::int64_t ends = 0;
+    std::uint64_t number = 0;
+    char name[64] = {};
+};
+
+struct SoundState {
+    PlayerEntry players[MaximalPlayers];
+    std::uint64_t played = 0;
+    std::uint64_t called = 0;   // of the whole run
+    std::uint64_t cleared = 0;  // the first that was not cleared
+    char calls[SoundCallsKept][SoundLineLength] = {};
 };
 
 constexpr std::size_t TraceLength = 8192;
@@ -172,6 +194,7 @@ struct BoardState {
     std::uint64_t size = 0;
     pthread_mutex_t mutex = {};
     std::atomic<std::uint32_t> changes{0};  // futex word: anything changed
+    std::atomic<std::uint32_t> run{0};      // another number after each reset and at the end of the board
     char folder[PathLength] = {};
     ClockState clock;
 
@@ -184,7 +207,8 @@ struct BoardState {
     InstrumentState instrument;
     InstrumentSettings settings;  // as set; EffectiveSettings adds the faults
     std::int64_t instrumentTime = 0;
-    bool audioPlaying = false;
+    bool audioPlaying = false;  // as set; SoundPlays adds the players
+    SoundState sound;
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
@@ -285,6 +309,12 @@ int UnmountCard(BoardState& state, const char* target, bool inUse);
 void WriteMountTable(const BoardState& state);
 int CardAccessError(const BoardState& state, bool writing);  // what a file on the card answers now
 
+// ---- Sound.
+void NoteSoundCall(BoardState& state, const char* line);
+bool SoundPlays(const BoardState& state);
+// Returns when the clip or the run has ended. Not under the lock.
+void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds);
+
 // ---- Instrument and faults.
 InstrumentInputs InputsOf(const BoardState& state);
 InstrumentSettings EffectiveSettings(const BoardState& state);
@@ -316,7 +346,9 @@ enum class FaultName : std::uint8_t {
     ClockBack,
     ReagentEmpty,
     Bubbles,
-    FlowStopped
+    FlowStopped,
+    SoundToolsMissing,
+    AmixerFails
 };
 
 bool FaultActive(const BoardState& state, FaultName name);

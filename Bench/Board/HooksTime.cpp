@@ -89,6 +89,7 @@ clockid_t ClockOf(const pthread_cond_t* condition) {
 int SleepSimulated(BoardState& state, std::int64_t nanoSeconds, std::int64_t* left) {
     const std::int64_t end = MonotonicNow(state.clock) + nanoSeconds;
     for (;;) {
+        EndWithBoard(state);
         const std::uint32_t seen = state.clock.changes.load();
         const std::int64_t rest = end - MonotonicNow(state.clock);
         if (rest <= 0) {

@@ -144,6 +144,8 @@ public:
     ROW(nanosleep, int(const timespec*, timespec*))                                                 \
     ROW(usleep, int(useconds_t))                                                                    \
     ROW(sleep, unsigned(unsigned))                                                                  \
+    ROW(fork, pid_t())                                                                              \
+    ROW(system, int(const char*))                                                                   \
     ROW(sem_timedwait, int(sem_t*, const timespec*))                                                \
     ROW(sem_clockwait, int(sem_t*, clockid_t, const timespec*))                                     \
     ROW(pthread_cond_timedwait, int(pthread_cond_t*, pthread_mutex_t*, const timespec*))            \

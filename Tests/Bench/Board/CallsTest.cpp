@@ -5,6 +5,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -66,6 +67,14 @@ bool TryMountTable() {
 
 bool TryMount() { return mount("/dev/mmcblk0p1", "/mnt/sd-card", "vfat", 16, "") == 0; }
 
+bool TryFork() {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(0);
+    }
+    return child > 0 && waitpid(child, nullptr, 0) == child;
+}
+
 const std::vector<KindOfCall>& Calls() {
     static const std::vector<KindOfCall> calls{
         {"open", [] { return WithFile([](int file) { return file >= 0; }); }},
@@ -121,6 +130,8 @@ const std::vector<KindOfCall>& Calls() {
              timespec now{};
              return clock_gettime(CLOCK_REALTIME, &now) == 0;
          }},
+        {"fork", TryFork},
+        {"system", [] { return system("true") == 0; }},
     };
     return calls;
 }

@@ -1,0 +1,44 @@
+// The player of the bench: the board notes the call and plays the clip for as long as it lasts in simulated time. Every
+// argument that is no option is a file, one after the other.
+#include <cstdio>
+#include <string>
+
+#include "Bench/Board/Attachment.h"
+#include "Bench/Board/BoardState.h"
+#include "Bench/Sound/Clip.h"
+#include "Bench/Sound/ToolCall.h"
+
+namespace {
+
+bool Play(const Bench::Board& board, const std::string& path) {
+    Bench::Target target;
+    Bench::Resolve(board.State(), path.c_str(), target);
+    std::string error;
+    const std::optional<std::int64_t> length = Bench::ClipNanoSeconds(target.inside ? target.path : path, error);
+    if (!length) {
+        std::fprintf(stderr, "aplay: %s: %s\n", path.c_str(), error.c_str());
+        return false;
+    }
+    Bench::PlayClip(board.State(), path.substr(path.rfind('/') + 1).c_str(), *length);
+    return true;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const std::unique_ptr<Bench::Board> board = Bench::BoardOfTool("aplay");
+    if (board == nullptr) {
+        return 1;
+    }
+    {
+        const Bench::BoardLock lock(board->State());
+        Bench::NoteSoundCall(board->State(), Bench::CommandLine("aplay", count, arguments).c_str());
+    }
+    bool played = true;
+    for (int i = 1; i < count; ++i) {
+        if (arguments[i][0] != '-') {
+            played = Play(*board, arguments[i]) && played;
+        }
+    }
+    return played ? 0 : 1;
+}
