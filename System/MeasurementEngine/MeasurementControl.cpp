@@ -2,9 +2,9 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/MeasurementMessage.h"
 #include "System/MeasurementEngine/Truncate.h"
-#include "System/MeasurementEngine/TryMake.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <unistd.h>
 
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/GUIResponseMessage.h"
 #include "System/MeasurementEngine/LiftRequests.h"
-#include "System/MeasurementEngine/TryMake.h"
 #include "System/TestInterface/AdcStatusMessage.h"
 #include "System/TestInterface/TestDigitalInputPinsMessage.h"
 #include "System/TestInterface/TestDigitalOutputPinsMessage.h"

@@ -4,6 +4,7 @@
 #include "Drivers/StepperDriverMotor.h"
 #include "Drivers/ValvePWM.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
 #include "System/MeasurementEngine/MeasurementStepController.h"
@@ -11,7 +12,6 @@
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
 #include "System/MeasurementEngine/StirBarProcessing.h"
 #include "System/MeasurementEngine/Truncate.h"
-#include "System/MeasurementEngine/TryMake.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <fstream>
 
 #include "Drivers/GpioPin.h"
-#include "Tests/System/MeasurementEngine/FailingAllocation.h"
+#include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/MeasurementEngine/MeasurementFixture.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cerrno>
 
 #include "System/MeasurementEngine/MeasurementMessage.h"
-#include "Tests/System/MeasurementEngine/FailingAllocation.h"
+#include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/MeasurementEngine/MeasurementFixture.h"
 #include "Tests/System/MeasurementEngine/TestSettings.h"
 

@@ -1,6 +1,6 @@
 #include "System/MeasurementEngine/MeasurementEngine.h"
 
-#include "Tests/System/MeasurementEngine/FailingAllocation.h"
+#include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/MeasurementEngine/MeasurementFixture.h"
 #include "Tests/System/MeasurementEngine/TestSettings.h"
 

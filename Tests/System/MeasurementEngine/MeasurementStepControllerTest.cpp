@@ -5,7 +5,7 @@
 #include "Drivers/SpiDevice.h"
 #include "System/MeasurementEngine/MeasurementLEDController.h"
 #include "System/MeasurementEngine/SampleStatistics.h"
-#include "Tests/System/MeasurementEngine/FailingAllocation.h"
+#include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/MeasurementEngine/MeasurementFixture.h"
 
 namespace {

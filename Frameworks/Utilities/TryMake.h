@@ -1,4 +1,4 @@
-// A new object, or null where memory has run out: a cycle then goes on without it and says so.
+// A new object, or null where memory has run out, for those who can go on without it. Any thread.
 #pragma once
 
 #include <memory>

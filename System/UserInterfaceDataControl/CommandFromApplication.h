@@ -1,0 +1,18 @@
+// The number that tells the front end which state the instrument has entered. One thread at a time.
+#pragma once
+
+#include "System/UserInterfaceDataControl/GuiElement.h"
+#include "System/UserInterfaceDataControl/GuiMessage.h"
+
+class CommandFromApplication : public GuiMessage {
+public:
+    void Init();  // before anything else; what was set is gone
+
+    void SetValue(std::int32_t command);
+    GuiPair Format();
+
+    GuiElement* GetElement() { return m_element.get(); }
+
+private:
+    std::unique_ptr<GuiElement> m_element;
+};

@@ -1,0 +1,65 @@
+// The text protocol of the front end, both ways. An object holds up to five named values, makes one frame of those that
+// were set ("Name~Value" pairs with ";" between them and "`" behind the last), and is clean again. Nothing is escaped.
+// It lives for one frame, on one thread.
+#pragma once
+
+#include <vector>
+
+#include "System/UserInterfaceDataControl/ChlorineMeasurement.h"
+#include "System/UserInterfaceDataControl/CommandFromApplication.h"
+#include "System/UserInterfaceDataControl/GuiCommand.h"
+
+class CommunicationProtocol : private GuiMessage {
+public:
+    CommunicationProtocol() = default;
+    CommunicationProtocol(const CommunicationProtocol&) = delete;
+    CommunicationProtocol& operator=(const CommunicationProtocol&) = delete;
+    virtual ~CommunicationProtocol() = default;
+
+    // Before anything else. A setter without it does nothing but a line in the system log.
+    void Init();
+
+    void SetChlorineValue(float chlorine);
+    void SetDateValue(std::int32_t seconds);  // since the Unix epoch; shown in local time
+    // Up to the first zero byte, which ends a text on its way to the frame.
+    void SetInstrumentStatus(const StdString& text);
+    void SetSoftwareVersion(const StdString& text);
+    void SetCommandValue(std::int32_t command);
+
+    // The frame of what was set, always in the same order; empty where nothing was.
+    StdString Serialize();
+
+    // Never fails: whatever is wrong ends in code 0 or an empty text.
+    static GuiCommand ParseCommand(const StdString& text);
+    // The front end's side of the format; no part of the system calls these two.
+    static StdString BuildCommand(std::int32_t code, const StdString& text);
+    static std::vector<GuiPair> ParseFrame(const StdString& frame);  // a closing "`" gives one last, empty pair
+
+protected:
+    using Formatter = GuiPair (CommunicationProtocol::*)();
+
+    // One formatter for each element, in the order of the frame.
+    std::vector<GuiElement*> m_listOfElements;
+    std::vector<Formatter> m_listOfFunctions;
+
+private:
+    void InitDateTime();
+    void InitStatusString();
+    void InitVersionToGUI();
+
+    GuiPair FormatChlorine();
+    GuiPair FormatDateTime();
+    GuiPair FormatStatusString();
+    GuiPair FormatVersionToGUI();
+    GuiPair FormatCommand();
+
+    static void SetText(GuiElement& element, const StdString& text);
+    static GuiPair TakeText(GuiElement& element);
+    std::vector<GuiPair> TakePairs();
+
+    std::unique_ptr<ChlorineMeasurement> m_chlorine;
+    std::unique_ptr<CommandFromApplication> m_command;
+    std::unique_ptr<GuiElement> m_date;
+    std::unique_ptr<GuiElement> m_status;
+    std::unique_ptr<GuiElement> m_version;
+};
