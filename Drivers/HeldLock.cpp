@@ -27,7 +27,7 @@ void HeldLock::Lock(const void* holder) {
 
 bool HeldLock::Unlock(const void* holder) {
     const Guard guard(m_guard);
-    if (m_holder != holder) {
+    if (m_holder != nullptr && m_holder != holder) {
         return false;
     }
     m_holder = nullptr;

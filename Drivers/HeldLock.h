@@ -13,7 +13,7 @@ public:
 
     // Waits while anyone holds it, the holder itself included.
     void Lock(const void* holder);
-    // False, and nothing changes, unless this holder holds it.
+    // False, and nothing changes, while another holds it. Nothing to release is no failure.
     bool Unlock(const void* holder);
     // Whether this holder locked it on the calling thread.
     bool IsHeldHere(const void* holder);

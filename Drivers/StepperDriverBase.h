@@ -28,7 +28,7 @@ public:
 
     // Duty above 0.0 to 100.0 percent, frequency 1.0 to 1e8 hertz, which are steps per second.
     bool Start(float dutyCycle, float frequency);
-    // Disables PWM and chip. False also if this object does not hold the channel.
+    // Disables PWM and chip, also of a motor at rest. False also if another object holds the channel.
     bool Stop();
     // 0 milliseconds: true, and nothing happens.
     bool RunForTime(float dutyCycle, float frequency, std::uint32_t milliseconds, bool busyWait);
