@@ -205,6 +205,8 @@ public:
     // `error`. Kinds: see CallKinds. False for an unknown kind.
     static const std::vector<std::string>& CallKinds();
     bool FailCall(const std::string& kind, int n, int error);
+    // Kills the process that makes the Nth coming call of that kind, before the call does anything.
+    bool KillAtCall(const std::string& kind, int n);
     std::uint64_t CallCount(const std::string& kind) const;  // calls on the board's files so far in the run
 
     // Waits until the condition holds; it is looked at whenever the board changes. False after that many real seconds:

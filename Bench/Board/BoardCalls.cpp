@@ -1,11 +1,16 @@
 // Calls counted by kind, and the one that must fail.
+#include <unistd.h>
+
 #include <algorithm>
+#include <csignal>
 
 #include "Bench/Board/BoardState.h"
 
 namespace Bench {
 
 namespace {
+
+constexpr std::int32_t KillsProcess = -1;  // in place of an error
 
 constexpr const char* Kinds[] = {
     "open",  "close",  "read",    "write",    "seek",   "sync",          "ioctl",  "poll",      "mmap",
@@ -27,7 +32,13 @@ int CountCall(BoardState& state, Call call) {
     if (counter.failIn <= 0) {
         return 0;
     }
-    return --counter.failIn == 0 ? counter.error.load() : 0;
+    if (--counter.failIn != 0) {
+        return 0;
+    }
+    if (counter.error == KillsProcess) {
+        kill(getpid(), SIGKILL);
+    }
+    return counter.error;
 }
 
 const std::vector<std::string>& Board::CallKinds() {
@@ -45,6 +56,8 @@ bool Board::FailCall(const std::string& kind, int n, int error) {
     call->failIn = n;
     return true;
 }
+
+bool Board::KillAtCall(const std::string& kind, int n) { return FailCall(kind, n, KillsProcess); }
 
 std::uint64_t Board::CallCount(const std::string& kind) const {
     const BoardLock lock(*m_state);

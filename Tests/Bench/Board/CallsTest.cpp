@@ -13,6 +13,7 @@
 
 #include "Tests/Bench/Board/DeviceFiles.h"
 #include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/NewProcess.h"
 
 namespace {
 
@@ -170,6 +171,21 @@ TEST_F(CallTest, the_third_call_fails_and_no_other) {
     EXPECT_EQ(access("/dev/mem", F_OK), -1);
     EXPECT_EQ(errno, EACCES);
     EXPECT_EQ(access("/dev/mem", F_OK), 0);
+}
+
+TEST_F(CallTest, the_third_call_kills_the_process_that_makes_it) {
+    ASSERT_TRUE(Board().KillAtCall("access", 3));
+    NewProcess process([](const NewProcess::Tell& tell) {
+        for (const char* text : {"1", "2", "3"}) {
+            access("/dev/mem", F_OK);
+            tell(text);
+        }
+    });
+    EXPECT_EQ(process.Answer(), "12");
+    const int status = process.Wait();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
+    EXPECT_EQ(access("/dev/mem", F_OK), 0);
+    EXPECT_FALSE(Board().KillAtCall("knock", 1));
 }
 
 TEST_F(CallTest, calls_on_files_of_the_machine_do_not_count) {
