@@ -22,7 +22,9 @@ function(add_area_tests name folder)
   target_link_libraries(${name} PRIVATE project_options sanitizer_options test_options ${ARGN}
                         GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}"
+                             CLIPS_FOLDER="${CLIPS_FOLDER}"
                              SANITIZER_RUNTIME="${SANITIZER_RUNTIME}")
+  add_dependencies(${name} clips)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
   if("board" IN_LIST ARGN)
     add_dependencies(${name} bench-tools)

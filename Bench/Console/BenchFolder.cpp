@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* MarkerName = ".bench-folder";
 constexpr const char* Folders[] = {"card", "usr/share/vorn/bin/configuration", "var/log/vorn/data"};
+constexpr const char* ProgramFolder = "usr/share/vorn/bin";
 constexpr const char* ConfigurationFile = "usr/share/vorn/bin/configuration/analyzer.conf.xml";
 
 }  // namespace
@@ -88,7 +89,7 @@ bool BenchFolder::Empty(std::string& error) const {
     return true;
 }
 
-bool BenchFolder::Furnish(const std::string& configuration, std::string& error) const {
+bool BenchFolder::Furnish(const std::string& configuration, const std::string& clips, std::string& error) const {
     std::error_code problem;
     for (const char* folder : Folders) {
         fs::create_directories(fs::path(m_path) / folder, problem);
@@ -96,6 +97,12 @@ bool BenchFolder::Furnish(const std::string& configuration, std::string& error) 
             error = "can't make the folder " + m_path + "/" + folder + ": " + problem.message();
             return false;
         }
+    }
+    fs::copy(clips, fs::path(m_path) / ProgramFolder,
+             fs::copy_options::recursive | fs::copy_options::overwrite_existing, problem);
+    if (problem) {
+        error = "can't copy the sounds from " + clips + ": " + problem.message();
+        return false;
     }
     const fs::path file = fs::path(m_path) / ConfigurationFile;
     if (!(std::ofstream(file, std::ios::binary) << configuration << std::flush)) {

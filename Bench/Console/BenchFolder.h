@@ -17,9 +17,9 @@ public:
     // and nothing removed, where the folder holds anything else, is in use or can't be made.
     bool Take(const std::string& path, std::string& error);
 
-    // Lays what the analyzer finds on its own disk: its folders and its configuration, given as text, since the file
-    // that it came from may have stood in this very folder.
-    bool Furnish(const std::string& configuration, std::string& error) const;
+    // Lays what the analyzer finds on its own disk: its folders, the sounds out of that folder, and its configuration,
+    // given as text, since the file that it came from may have stood in this very folder.
+    bool Furnish(const std::string& configuration, const std::string& clips, std::string& error) const;
 
     const std::string& Path() const { return m_path; }  // absolute
     std::string Card() const { return m_path + "/card"; }

@@ -51,5 +51,5 @@ int main(int count, char** arguments) {
     if (!options.program.empty() && access(options.program.c_str(), X_OK) != 0) {
         return Refuse("can't run the program " + options.program);
     }
-    return Bench::Runner(options, {BENCH_PROGRAM, BENCH_LIBRARY, BENCH_CONFIGURATION, BENCH_FOLDER}).Run();
+    return Bench::Runner(options, {BENCH_PROGRAM, BENCH_LIBRARY, BENCH_CLIPS, BENCH_CONFIGURATION, BENCH_FOLDER}).Run();
 }

@@ -92,7 +92,7 @@ bool Runner::Prepare(std::string& error) {
     const std::string configuration = m_options.config.empty() ? m_places.configuration : m_options.config;
     const std::string bench = m_options.bench.empty() ? m_places.bench : m_options.bench;
     return ReadAnalyzerSettings(configuration, m_settings, error) && m_folder.Take(bench, error) &&
-           m_folder.Furnish(m_settings.text, error) && MakeBoard(error);
+           m_folder.Furnish(m_settings.text, m_places.clips, error) && MakeBoard(error);
 }
 
 bool Runner::MakeBoard(std::string& error) {

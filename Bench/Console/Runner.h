@@ -22,6 +22,7 @@ namespace Bench {
 struct Places {
     std::string program;
     std::string library;
+    std::string clips;
     std::string configuration;
     std::string bench;
 };

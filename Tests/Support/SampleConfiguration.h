@@ -1,4 +1,5 @@
-// The sample settings, changed where a test needs it, laid where the program on the board looks for them.
+// The sample settings, changed where a test needs it, laid with the sounds where the program on the board looks for
+// them.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -61,6 +62,9 @@ public:
     void LayInto(const std::string& boardFolder) const {
         const std::filesystem::path path = boardFolder + "/usr/share/vorn/bin/configuration/analyzer.conf.xml";
         std::filesystem::create_directories(path.parent_path());
+        std::filesystem::copy(
+            CLIPS_FOLDER, path.parent_path().parent_path(),
+            std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing);
         // By way of another name, so that a reader never meets half of it.
         const std::filesystem::path fresh = path.string() + ".new";
         std::ofstream(fresh) << m_text;

@@ -146,6 +146,11 @@ TEST_F(SoundTest, a_killed_player_is_heard_no_longer_than_its_clip) {
     EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
 }
 
+TEST_F(SoundTest, the_instruments_own_clips_play) {
+    EXPECT_GE(PlayTime(ReadFile(CLIPS_FOLDER "/alert.wav")), 3.0);
+    EXPECT_GE(PlayTime(ReadFile(CLIPS_FOLDER "/alarm.wav")), 2.0);
+}
+
 TEST_F(SoundTest, a_clip_is_as_long_as_its_file_whatever_the_head_says) {
     EXPECT_GE(PlayTime(Riff(FormatChunk(8000) + "data" + Little(0xFFFFFFFF, 4) + std::string(80000, '\x80'))), 10.0);
     EXPECT_GE(PlayTime(Riff("LIST" + Little(3, 4) + "abc " + FormatChunk(8000, 2, 16) + "data" + Little(320000, 4) +

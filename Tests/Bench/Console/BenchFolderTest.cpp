@@ -94,10 +94,32 @@ TEST(BenchFolder, analyzer_finds_its_folders_and_its_configuration) {
     BenchFolder folder;
     std::string error;
     ASSERT_TRUE(folder.Take(top / "b", error));
-    ASSERT_TRUE(folder.Furnish("<ROOT_ANALYZER/>", error)) << error;
+    ASSERT_TRUE(folder.Furnish("<ROOT_ANALYZER/>", CLIPS_FOLDER, error)) << error;
     EXPECT_EQ(ReadFile(top / "b/usr/share/vorn/bin/configuration/analyzer.conf.xml"), "<ROOT_ANALYZER/>");
     EXPECT_TRUE(fs::is_directory(top / "b/var/log/vorn/data"));
     EXPECT_TRUE(fs::is_directory(top / "b/card"));
+}
+
+TEST(BenchFolder, analyzer_finds_its_sounds) {
+    const TemporaryFolder top;
+    BenchFolder folder;
+    std::string error;
+    ASSERT_TRUE(folder.Take(top / "b", error));
+    ASSERT_TRUE(folder.Furnish("", CLIPS_FOLDER, error)) << error;
+    for (const char* clip : {"alert.wav", "alarm.wav"}) {
+        const std::string laid = ReadFile(top / "b/usr/share/vorn/bin/" + clip);
+        EXPECT_EQ(laid.substr(0, 4), "RIFF") << clip;
+        EXPECT_EQ(laid, ReadFile(std::string(CLIPS_FOLDER "/") + clip)) << clip;
+    }
+}
+
+TEST(BenchFolder, sounds_that_are_not_there_are_named) {
+    const TemporaryFolder top;
+    BenchFolder folder;
+    std::string error;
+    ASSERT_TRUE(folder.Take(top / "b", error));
+    EXPECT_FALSE(folder.Furnish("", top / "none", error));
+    EXPECT_EQ(error, "can't copy the sounds from " + (top / "none") + ": No such file or directory");
 }
 
 TEST(BenchFolder, folder_that_vanished_is_named) {
@@ -107,7 +129,7 @@ TEST(BenchFolder, folder_that_vanished_is_named) {
     ASSERT_TRUE(folder.Take(top / "b", error));
     fs::remove_all(top / "b");
     WriteFile(top / "b", "a file now");
-    EXPECT_FALSE(folder.Furnish("", error));
+    EXPECT_FALSE(folder.Furnish("", CLIPS_FOLDER, error));
     EXPECT_EQ(error, "can't make the folder " + (top / "b/card") + ": Not a directory");
 }
 
