@@ -22,11 +22,12 @@ const std::map<std::string, std::vector<std::string>>& Layers() {
         {"Frameworks/Messaging", {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading"}},
         {"Frameworks/Configuration",
          {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading", "Frameworks/Messaging"}},
+        {"Frameworks/IPC/Networking", {"Frameworks/Utilities", "Frameworks/Threading", "Frameworks/Messaging"}},
         {"Drivers", {"Frameworks/Utilities", "Frameworks/Threading", "Frameworks/Messaging"}},
         {"Frameworks/Storage", {"Frameworks/Utilities", "Frameworks/Threading", "Frameworks/Messaging", "Drivers"}},
         {"System",
          {"Frameworks/Utilities", "Frameworks/Xml", "Frameworks/Threading", "Frameworks/Messaging",
-          "Frameworks/Configuration", "Frameworks/Storage", "Drivers"}},
+          "Frameworks/Configuration", "Frameworks/IPC/Networking", "Frameworks/Storage", "Drivers"}},
     };
     return layers;
 }

@@ -1,0 +1,41 @@
+// One entry of the host database: a host by name, by address, or the local one. The C library keeps the database and
+// the entry it gives in storage of its own; each look-up is made under a lock and what is needed is copied, so that
+// several threads may use objects of their own at a time. A failure is logged.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "Frameworks/Utilities/StdString.h"
+
+struct hostent;
+
+class HostInfo {
+public:
+    enum HostType : std::int32_t { BY_NAME = 0, BY_ADDRESS = 1, LOCAL_HOST = 2 };
+
+    HostInfo();  // the local host, with the database open for getNextHost; says its name on the standard output
+    HostInfo(const StdString& name, std::int32_t type);  // any other type than 0 and 1: the local host
+    HostInfo(const HostInfo&) = delete;
+    HostInfo& operator=(const HostInfo&) = delete;
+    ~HostInfo();
+
+    StdString getHostIPAddress() const;  // of the first address; without an entry the name that was given
+    StdString getHostName() const;       // the official one; likewise
+    bool getNextHost();                  // steps through the database; never more than one object at a time
+
+private:
+    struct Entry {
+        StdString name;
+        StdString address;
+    };
+
+    void LookUpLocalHost();
+    void LookUpByName(const StdString& name, const StdString& failure);
+    void LookUpByAddress();
+    bool Keep(const hostent* entry);
+
+    bool m_isLookUpOpen = false;
+    std::optional<Entry> m_entry;
+    StdString m_name;
+};

@@ -1,0 +1,54 @@
+// What follows a header on the test link: data bytes and, behind them, their CRC-32, low byte first. It is filled
+// either by the append operations, for sending, or with what a socket received. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "Frameworks/Utilities/StdString.h"
+#include "Frameworks/Utilities/TimeInfo.h"
+
+class PayloadContainer {
+public:
+    static constexpr std::size_t CRCSize = 4;
+
+    PayloadContainer() = default;
+    explicit PayloadContainer(std::uint32_t length) : m_length(length) {}
+    PayloadContainer(const PayloadContainer&) = default;
+    PayloadContainer& operator=(const PayloadContainer&) = default;
+    virtual ~PayloadContainer() = default;
+
+    void Reset();
+
+    std::uint32_t GetLength() const { return m_length; }  // of the data
+    std::uint32_t GetCRC() const { return m_crc; }        // the last one computed; all bits set after a reset
+
+    // For sending: the data with their CRC behind them, length + 4 bytes.
+    const std::vector<std::uint8_t>& WireForm();
+
+    // What came in, at most length + 4 bytes. What is missing counts as zero bytes, but takes no memory until the data
+    // are asked for: a peer that promises much and sends little so fills no queue.
+    void SetReceived(std::vector<std::uint8_t> bytes);
+
+    // After reception: the data, always as many bytes as the length says.
+    const std::vector<std::uint8_t>& DataForm();
+    std::uint32_t ComputeCRC();  // of the data form
+    bool VerifyCRC();            // of the data form, against the bytes behind it
+    StdString Text();            // the data form with all its bytes, zero bytes too
+
+    void AppendTimeStamp(const TimeInfo& time);                // seconds and nanoseconds, four bytes each
+    void AppendText(const StdString& text);                    // the present time, the text, one zero byte
+    void AppendBytes(const std::vector<std::uint8_t>& bytes);  // the present time, the bytes
+
+protected:
+    void AppendNumber(std::uint64_t value, std::size_t size);
+
+private:
+    void AppendData(const std::uint8_t* data, std::size_t size);
+
+    std::uint32_t m_length = 0;
+    std::vector<std::uint8_t> m_wire;
+    std::vector<std::uint8_t> m_data;
+    std::uint32_t m_crc = 0xFFFFFFFF;
+    StdString m_text;
+};

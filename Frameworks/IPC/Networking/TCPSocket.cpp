@@ -1,0 +1,114 @@
+#include "Frameworks/IPC/Networking/TCPSocket.h"
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstring>
+
+#include "Frameworks/IPC/Networking/HostInfo.h"
+#include "Frameworks/IPC/Networking/NetworkLog.h"
+
+namespace {
+
+constexpr std::size_t LongestString = 1024;
+
+}  // namespace
+
+TCPSocket& TCPSocket::operator=(const TCPSocket& other) {
+    Socket::operator=(other);
+    m_connected = other.m_connected.load();
+    return *this;
+}
+
+bool TCPSocket::ConnectToServer(const StdString& host, std::int32_t hostType) {
+    m_connected = false;
+    const HostInfo info(host, hostType);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = inet_addr(info.getHostIPAddress().CString());
+    address.sin_port = htons(static_cast<std::uint16_t>(GetPortNumber()));
+    const HeldDescriptor descriptor = Hold();
+    if (connect(NumberOf(descriptor), reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
+        LogNetworkError("TCPSocket::ConnectToServer  Unable to connect to server");
+        return false;
+    }
+    m_connected = true;
+    return true;
+}
+
+std::unique_ptr<CommunicationsCommand> TCPSocket::RecieveCommand() {
+    auto command = std::make_unique<CommunicationsCommand>();
+    command->Clear();
+    const ssize_t received = recv(NumberOf(Hold()), command->GetImage().data(), CommunicationsCommand::Size, 0);
+    if (received == -1) {
+        LogNetworkError("TCPSocket::RecieveCommand  Error in receiving header information");
+        return nullptr;
+    }
+    if (received == 0) {
+        MessageController::LogMessage("TCPSocket::RecieveCommand  Server Disconnected", INFORMATIONAL_LOG_LEVEL,
+                                      TEST_INTERFACE);
+        return nullptr;
+    }
+    return command;
+}
+
+std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length) {
+    std::vector<std::uint8_t> bytes(std::size_t{length} + PayloadContainer::CRCSize);
+    const ssize_t received = recv(NumberOf(Hold()), bytes.data(), bytes.size(), 0);
+    if (received == -1) {
+        LogNetworkError("TCPSocket::RecievePayload  Error in receiving payload information");
+        return nullptr;
+    }
+    bytes.resize(static_cast<std::size_t>(received));
+    bytes.shrink_to_fit();
+    auto payload = std::make_unique<PayloadContainer>(length);
+    payload->SetReceived(std::move(bytes));
+    return payload;
+}
+
+StdString TCPSocket::ReceiveString() {
+    char text[LongestString + 1] = {};
+    if (read(NumberOf(Hold()), text, LongestString) == -1) {
+        LogNetworkError("TCpSocket::ReceiveString Error in receiving String");
+        return "NULL";
+    }
+    return text;
+}
+
+bool TCPSocket::SendCommand(const CommunicationsCommand* command) {
+    return command != nullptr && SendBytes(command->GetImage().data(), CommunicationsCommand::Size,
+                                           "TCPSocket::SendCommand  Error in sending header information");
+}
+
+bool TCPSocket::SendPayload(PayloadContainer* payload) {
+    if (payload == nullptr) {
+        return true;
+    }
+    const std::vector<std::uint8_t>& wire = payload->WireForm();
+    return SendBytes(wire.data(), wire.size(), "TCPSocket::SendPayload  Error in sending payload information");
+}
+
+bool TCPSocket::Send(const CommunicationsCommand* command, PayloadContainer* payload) {
+    const bool isCommandSent = SendCommand(command);
+    const bool isPayloadSent = SendPayload(payload);
+    return isCommandSent && isPayloadSent;
+}
+
+bool TCPSocket::SendString(const StdString& text) {
+    const std::string& bytes = text.Text();
+    if (write(NumberOf(Hold()), bytes.data(), bytes.size()) == -1) {
+        LogNetworkError("TCPSocket::SendCommand Error in sending header information");
+        return false;
+    }
+    return true;
+}
+
+// A test server that has gone is an error in the log and must not end the analyzer.
+bool TCPSocket::SendBytes(const std::uint8_t* bytes, std::size_t size, const char* failure) {
+    if (send(NumberOf(Hold()), bytes, size, MSG_NOSIGNAL) == -1) {
+        LogNetworkError(failure);
+        return false;
+    }
+    return true;
+}
