@@ -108,23 +108,6 @@ void* MapState(const std::string& folder, int flags, std::string& error) {
     return address == MAP_FAILED ? nullptr : address;
 }
 
-// In memory where the machine has such a place: tests make a board each.
-std::string TemporaryFolder() {
-    const char* chosen = std::getenv("TMPDIR");
-    if (chosen != nullptr && *chosen != '\0') {
-        return chosen;
-    }
-    return Real::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp";
-}
-
-bool PinExists(int bank, int pin) { return bank >= 0 && bank < Banks && pin >= 0 && pin < PinsPerBank; }
-
-void SetScript(SpiScript& script, const std::vector<SpiAnswer>& answers) {
-    script.next = 0;
-    script.count = static_cast<std::uint32_t>(std::min(answers.size(), SpiScriptLength));
-    std::copy_n(answers.begin(), script.count, std::begin(script.answers));
-}
-
 }  // namespace
 
 Board::Board(std::string folder, BoardState* state) : m_folder(std::move(folder)), m_state(state) {}
@@ -205,183 +188,6 @@ void Board::JumpClock(double seconds) {
     JumpClockAt(m_state->clock, MonotonicNow(m_state->clock), static_cast<std::int64_t>(seconds * 1e9));
 }
 
-PinView Board::Pin(int bank, int pin) const {
-    PinView view;
-    if (!PinExists(bank, pin)) {
-        return view;
-    }
-    const BoardLock lock(*m_state);
-    const PinState& state = m_state->pins[bank][pin];
-    view.claimed = state.claimed;
-    view.output = state.output;
-    view.latch = state.latch;
-    view.level = PinLevel(*m_state, bank, pin);
-    view.edge = state.edge;
-    if (state.driven >= 0) {
-        view.driven = state.driven != 0;
-    }
-    return view;
-}
-
-void Board::DrivePin(int bank, int pin, bool level) {
-    const BoardLock lock(*m_state);
-    if (PinExists(bank, pin)) {
-        SetPinDriven(*m_state, bank, pin, level ? 1 : 0);
-    }
-}
-
-void Board::ReleasePin(int bank, int pin) {
-    const BoardLock lock(*m_state);
-    if (PinExists(bank, pin)) {
-        SetPinDriven(*m_state, bank, pin, -1);
-    }
-}
-
-std::uint32_t Board::OutputStatus(int bank) const {
-    const BoardLock lock(*m_state);
-    return PinExists(bank, 0) ? OutputStatusOf(*m_state, bank) : 0;
-}
-
-std::uint32_t Board::DataStatus(int bank) const {
-    const BoardLock lock(*m_state);
-    return PinExists(bank, 0) ? DataStatusOf(*m_state, bank) : 0;
-}
-
-PwmView Board::Pwm(int channel) const {
-    if (channel < 0 || channel >= PwmChannels) {
-        return {};
-    }
-    const BoardLock lock(*m_state);
-    const PwmState& pwm = m_state->pwm[channel];
-    return {pwm.exported, pwm.enabled, pwm.period, pwm.duty};
-}
-
-std::uint16_t Board::LastCommand() const {
-    const BoardLock lock(*m_state);
-    return m_state->spi.lastCommand;
-}
-
-std::size_t Board::CommandCount() const {
-    const BoardLock lock(*m_state);
-    return static_cast<std::size_t>(m_state->spi.commands);
-}
-
-void Board::ScriptSpiRead(const std::vector<SpiAnswer>& answers) {
-    const BoardLock lock(*m_state);
-    SetScript(m_state->spi.reads, answers);
-}
-
-void Board::ScriptSpiWrite(const std::vector<SpiAnswer>& answers) {
-    const BoardLock lock(*m_state);
-    SetScript(m_state->spi.writes, answers);
-}
-
-void Board::SetConverterChannel(int channel, std::int32_t count) {
-    const BoardLock lock(*m_state);
-    if (channel > 0 && channel < ConverterChannels) {
-        m_state->spi.counts[channel] = count;
-    }
-}
-
-void Board::SetEndOfConversion(EndOfConversion behaviour) {
-    const BoardLock lock(*m_state);
-    m_state->spi.endOfConversion = behaviour;
-    Changed(*m_state);
-}
-
-void Board::SetConversionTime(int milliseconds) {
-    const BoardLock lock(*m_state);
-    m_state->spi.conversionMilliseconds = std::max(milliseconds, 0);
-}
-
-void Board::SetMultiplexerRaw(int channel, int raw) {
-    const BoardLock lock(*m_state);
-    if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Raw;
-        m_state->iio.raw[channel] = raw;
-    }
-}
-
-void Board::SetMultiplexerVolts(int channel, double volts) {
-    const BoardLock lock(*m_state);
-    if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Volts;
-        m_state->iio.volts[channel] = volts;
-    }
-}
-
-void Board::ReleaseMultiplexer(int channel) {
-    const BoardLock lock(*m_state);
-    if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Model;
-    }
-}
-
-int Board::SelectedMultiplexer() const {
-    const BoardLock lock(*m_state);
-    return SelectedChannel(*m_state);
-}
-
-void Board::SetIioRaw(int input, int raw) {
-    const BoardLock lock(*m_state);
-    if (input >= 0 && input < IioInputs) {
-        m_state->iio.inputRaw[input] = raw;
-    }
-}
-
-void Board::SetIioScale(const std::string& text) {
-    const BoardLock lock(*m_state);
-    std::snprintf(m_state->iio.scale, sizeof(m_state->iio.scale), "%s", text.c_str());
-}
-
-CardView Board::Card() const {
-    const BoardLock lock(*m_state);
-    const CardState& card = m_state->card;
-    CardView view;
-    view.inserted = card.inserted;
-    view.mounted = card.mounted;
-    view.mountPoint = card.mountPoint;
-    view.full = card.full;
-    view.writeProtected = card.writeProtected;
-    view.slowMilliseconds = card.slowMilliseconds;
-    view.totalBlocks = card.totalBlocks;
-    view.freeBlocks = card.freeBlocks;
-    view.blockSize = card.blockSize;
-    return view;
-}
-
-void Board::InsertCard() {
-    const BoardLock lock(*m_state);
-    SetCardInserted(*m_state, true);
-}
-
-void Board::PullCard() {
-    const BoardLock lock(*m_state);
-    SetCardInserted(*m_state, false);
-}
-
-void Board::SetCardFull(bool full) {
-    const BoardLock lock(*m_state);
-    m_state->card.full = full;
-}
-
-void Board::SetCardWriteProtected(bool writeProtected) {
-    const BoardLock lock(*m_state);
-    m_state->card.writeProtected = writeProtected;
-}
-
-void Board::SetCardSlow(int milliseconds) {
-    const BoardLock lock(*m_state);
-    m_state->card.slowMilliseconds = std::max(milliseconds, 0);
-}
-
-void Board::SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize) {
-    const BoardLock lock(*m_state);
-    m_state->card.totalBlocks = totalBlocks;
-    m_state->card.freeBlocks = freeBlocks;
-    m_state->card.blockSize = blockSize;
-}
-
 InstrumentState Board::Instrument() const {
     const BoardLock lock(*m_state);
     return m_state->instrument;
@@ -443,16 +249,6 @@ void Board::ClearTrace() {
     m_state->traceStart = m_state->traced;
 }
 
-std::vector<LogLine> Board::Log() const {
-    const BoardLock lock(*m_state);
-    return ReadLogLines(*m_state);
-}
-
-void Board::ClearLog() {
-    const BoardLock lock(*m_state);
-    RemoveShadowFile(*m_state, "/log");
-}
-
 bool Board::WaitUntil(const std::function<bool()>& condition, double realSeconds) const {
     constexpr std::int64_t Slice = 100000000;  // what changes by the passing of time alone is looked at this often
     const std::int64_t end = RealNanoSeconds() + static_cast<std::int64_t>(realSeconds * 1e9);
@@ -476,31 +272,6 @@ bool Board::WaitForTrace(const std::string& text, double realSeconds) const {
             return std::find(trace.begin(), trace.end(), text) != trace.end();
         },
         realSeconds);
-}
-
-TemporaryBoard::TemporaryBoard(const BoardSetup& setup) {
-    std::string name = TemporaryFolder() + "/vernicor-XXXXXX";
-    std::string error = Because(name, errno);
-    if (::mkdtemp(name.data()) != nullptr) {
-        m_folder = name;
-        m_board = Board::Create(m_folder, setup, error);
-    }
-    if (m_board == nullptr) {
-        std::fprintf(stderr, "board: can't make a temporary one: %s\n", error.c_str());
-        std::abort();
-    }
-    AttachThisProcess(*m_board);
-}
-
-TemporaryBoard::~TemporaryBoard() {
-    DetachThisProcess();
-    m_board->State().run.fetch_add(1);  // what the program has forked sees by this that it is over
-    m_board->State().clock.changes.fetch_add(1);
-    FutexWakeAll(m_board->State().clock.changes);
-    pthread_mutex_destroy(&m_board->State().mutex);
-    m_board.reset();
-    std::error_code ignored;
-    fs::remove_all(m_folder, ignored);
 }
 
 }  // namespace Bench

@@ -173,6 +173,9 @@ public:
     void SetSettings(const InstrumentSettings& settings);
     void SetAudioPlaying(bool playing);
 
+    // Remote indicator: what a person sees of it.
+    bool IndicatorLit(IndicatorLed led) const;
+
     // Sound. Command lines of aplay and amixer as the program ran them, oldest first: "aplay -q /usr/share/x.wav",
     // "amixer set -q 'Output Mixer HiFi' mute". An argument with anything but letters, digits and _./,%:=+- stands
     // between single quotes. The last 512 are kept, up to 255 characters of each.

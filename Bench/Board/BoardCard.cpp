@@ -170,4 +170,52 @@ void RemoveShadowDirectory(const BoardState& state, const char* path, std::initi
     Real::rmdir(full);
 }
 
+CardView Board::Card() const {
+    const BoardLock lock(*m_state);
+    const CardState& card = m_state->card;
+    CardView view;
+    view.inserted = card.inserted;
+    view.mounted = card.mounted;
+    view.mountPoint = card.mountPoint;
+    view.full = card.full;
+    view.writeProtected = card.writeProtected;
+    view.slowMilliseconds = card.slowMilliseconds;
+    view.totalBlocks = card.totalBlocks;
+    view.freeBlocks = card.freeBlocks;
+    view.blockSize = card.blockSize;
+    return view;
+}
+
+void Board::InsertCard() {
+    const BoardLock lock(*m_state);
+    SetCardInserted(*m_state, true);
+}
+
+void Board::PullCard() {
+    const BoardLock lock(*m_state);
+    SetCardInserted(*m_state, false);
+}
+
+void Board::SetCardFull(bool full) {
+    const BoardLock lock(*m_state);
+    m_state->card.full = full;
+}
+
+void Board::SetCardWriteProtected(bool writeProtected) {
+    const BoardLock lock(*m_state);
+    m_state->card.writeProtected = writeProtected;
+}
+
+void Board::SetCardSlow(int milliseconds) {
+    const BoardLock lock(*m_state);
+    m_state->card.slowMilliseconds = std::max(milliseconds, 0);
+}
+
+void Board::SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize) {
+    const BoardLock lock(*m_state);
+    m_state->card.totalBlocks = totalBlocks;
+    m_state->card.freeBlocks = freeBlocks;
+    m_state->card.blockSize = blockSize;
+}
+
 }  // namespace Bench

@@ -15,7 +15,7 @@ namespace Bench {
 
 namespace {
 
-enum class ValueKind : std::uint8_t { None, Text, Number, Channel };
+enum class ValueKind : std::uint8_t { None, Text, Number, Channel, Led, Pin };
 
 struct FaultRow {
     FaultName fault;
@@ -58,7 +58,21 @@ constexpr FaultRow Rows[] = {
     {FaultName::SoundToolsMissing, "sound-tools-missing", "", ValueKind::None,
      "the shell finds no aplay and no amixer"},
     {FaultName::AmixerFails, "amixer-fails", "", ValueKind::None, "amixer ends with status 1"},
+    {FaultName::AmplifierDead, "amplifier-dead", "", ValueKind::None,
+     "the audio amplifier draws nothing while a clip plays"},
+    {FaultName::PumpStageDead, "pump-stage-dead", "", ValueKind::None,
+     "the pump's stage neither draws nor turns the pump"},
+    {FaultName::StirStageDead, "stir-stage-dead", "", ValueKind::None,
+     "the stir motor's stage neither draws nor turns it"},
+    {FaultName::IndicatorLedOpen, "indicator-led-open", "NAME", ValueKind::Led,
+     "an LED of the remote indicator is broken: blue-, amber- or red-, then analyzer or water"},
+    {FaultName::Cable, "cable", "FEET", ValueKind::Number,
+     "the remote indicator's cable has that length; 100 without it"},
+    {FaultName::GpioTaken, "gpio-taken", "BANK,PIN", ValueKind::Pin,
+     "another driver of the kernel holds that line, or all six of the remote indicator: gpio-taken=indicator"},
 };
+
+constexpr std::string_view AllIndicatorLines = "indicator";
 
 struct ParsedFault {
     std::size_t row = std::size(Rows);
@@ -79,6 +93,20 @@ std::size_t RowOf(std::string_view name) {
     return static_cast<std::size_t>(row - std::begin(Rows));
 }
 
+// "3,16", or "indicator" for the six lines of that.
+bool ParsePin(const std::string& text, int& bank, int& pin) {
+    char end = '\0';
+    return text.find_first_not_of("0123456789,") == std::string::npos &&
+           std::sscanf(text.c_str(), "%1d,%2d%c", &bank, &pin, &end) == 2 && bank >= 0 && bank < Banks && pin >= 0 &&
+           pin < PinsPerBank;
+}
+
+bool IsPin(std::string_view value) {
+    int bank = 0;
+    int pin = 0;
+    return value == AllIndicatorLines || ParsePin(std::string(value), bank, pin);
+}
+
 bool ValueFits(const FaultRow& row, std::string_view value, std::string& error) {
     const std::string name = row.name;
     double number = 0.0;
@@ -91,6 +119,10 @@ bool ValueFits(const FaultRow& row, std::string_view value, std::string& error) 
     } else if (row.kind == ValueKind::Channel && (!ParseDouble(value, number) || number < 0.0 ||
                                                   number >= MultiplexerChannels || number != std::floor(number))) {
         error = name + ": \"" + std::string(value) + "\" is no multiplexer channel, 0 to 15";
+    } else if (row.kind == ValueKind::Led && !IsIndicatorLed(value)) {
+        error = name + ": \"" + std::string(value) + "\" is no LED of the indicator, such as amber-water";
+    } else if (row.kind == ValueKind::Pin && !IsPin(value)) {
+        error = name + ": \"" + std::string(value) + "\" is no line, such as 3,16, and not indicator";
     }
     return error.empty();
 }
@@ -208,11 +240,37 @@ bool WriteRefused(const BoardState& state, Node node) {
     });
 }
 
+const char* NextFaultValue(const BoardState& state, FaultName name, std::size_t& next) {
+    while (next < std::size(state.faults)) {
+        const FaultEntry& entry = state.faults[next++];
+        if (entry.applied && Rows[entry.row].fault == name) {
+            return entry.value;
+        }
+    }
+    return nullptr;
+}
+
+bool GpioTaken(const BoardState& state, int bank, int pin) {
+    std::size_t next = 0;
+    while (const char* value = NextFaultValue(state, FaultName::GpioTaken, next)) {
+        int takenBank = 0;
+        int takenPin = 0;
+        if (value == AllIndicatorLines ? IsIndicatorLine(bank, pin)
+                                       : ParsePin(value, takenBank, takenPin) && takenBank == bank && takenPin == pin) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool RailOut(const BoardState& state, int channel) {
-    return std::any_of(std::begin(state.faults), std::end(state.faults), [channel](const FaultEntry& entry) {
-        return entry.applied && Rows[entry.row].fault == FaultName::RailOut &&
-               std::strtol(entry.value, nullptr, 10) == channel;
-    });
+    std::size_t next = 0;
+    while (const char* value = NextFaultValue(state, FaultName::RailOut, next)) {
+        if (std::strtol(value, nullptr, 10) == channel) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::int64_t NextFaultAt(const BoardState& state) {

@@ -38,7 +38,7 @@ int Claim(BoardState& state, std::string_view text, bool claim) {
     const int bank = number / PinsPerBank;
     const int index = number % PinsPerBank;
     PinState& pin = state.pins[bank][index];
-    if (pin.claimed == claim) {
+    if (pin.claimed == claim || (claim && GpioTaken(state, bank, index))) {
         return claim ? EBUSY : EINVAL;
     }
     const bool before = PinLevel(state, bank, index);
@@ -104,6 +104,8 @@ int SetValue(BoardState& state, Node node, std::string_view text) {
     SetPinLatch(state, node.first, node.second, number != 0);
     return 0;
 }
+
+bool PinExists(int bank, int pin) { return bank >= 0 && bank < Banks && pin >= 0 && pin < PinsPerBank; }
 
 }  // namespace
 
@@ -228,6 +230,48 @@ std::uint32_t EdgeCount(const BoardState& state, int bank, int pin) {
             break;
     }
     return 0;
+}
+
+PinView Board::Pin(int bank, int pin) const {
+    PinView view;
+    if (!PinExists(bank, pin)) {
+        return view;
+    }
+    const BoardLock lock(*m_state);
+    const PinState& state = m_state->pins[bank][pin];
+    view.claimed = state.claimed;
+    view.output = state.output;
+    view.latch = state.latch;
+    view.level = PinLevel(*m_state, bank, pin);
+    view.edge = state.edge;
+    if (state.driven >= 0) {
+        view.driven = state.driven != 0;
+    }
+    return view;
+}
+
+void Board::DrivePin(int bank, int pin, bool level) {
+    const BoardLock lock(*m_state);
+    if (PinExists(bank, pin)) {
+        SetPinDriven(*m_state, bank, pin, level ? 1 : 0);
+    }
+}
+
+void Board::ReleasePin(int bank, int pin) {
+    const BoardLock lock(*m_state);
+    if (PinExists(bank, pin)) {
+        SetPinDriven(*m_state, bank, pin, -1);
+    }
+}
+
+std::uint32_t Board::OutputStatus(int bank) const {
+    const BoardLock lock(*m_state);
+    return PinExists(bank, 0) ? OutputStatusOf(*m_state, bank) : 0;
+}
+
+std::uint32_t Board::DataStatus(int bank) const {
+    const BoardLock lock(*m_state);
+    return PinExists(bank, 0) ? DataStatusOf(*m_state, bank) : 0;
 }
 
 }  // namespace Bench

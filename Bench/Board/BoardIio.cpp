@@ -72,4 +72,44 @@ int SelectedChannel(const BoardState& state) {
     return address + (PinLevel(state, 3, 10) ? 0 : 8);  // the enable line chooses the multiplexer
 }
 
+void Board::SetMultiplexerRaw(int channel, int raw) {
+    const BoardLock lock(*m_state);
+    if (channel >= 0 && channel < MultiplexerChannels) {
+        m_state->iio.source[channel] = Source::Raw;
+        m_state->iio.raw[channel] = raw;
+    }
+}
+
+void Board::SetMultiplexerVolts(int channel, double volts) {
+    const BoardLock lock(*m_state);
+    if (channel >= 0 && channel < MultiplexerChannels) {
+        m_state->iio.source[channel] = Source::Volts;
+        m_state->iio.volts[channel] = volts;
+    }
+}
+
+void Board::ReleaseMultiplexer(int channel) {
+    const BoardLock lock(*m_state);
+    if (channel >= 0 && channel < MultiplexerChannels) {
+        m_state->iio.source[channel] = Source::Model;
+    }
+}
+
+int Board::SelectedMultiplexer() const {
+    const BoardLock lock(*m_state);
+    return SelectedChannel(*m_state);
+}
+
+void Board::SetIioRaw(int input, int raw) {
+    const BoardLock lock(*m_state);
+    if (input >= 0 && input < IioInputs) {
+        m_state->iio.inputRaw[input] = raw;
+    }
+}
+
+void Board::SetIioScale(const std::string& text) {
+    const BoardLock lock(*m_state);
+    std::snprintf(m_state->iio.scale, sizeof(m_state->iio.scale), "%s", text.c_str());
+}
+
 }  // namespace Bench

@@ -102,4 +102,14 @@ std::vector<LogLine> ReadLogLines(const BoardState& state) {
     return lines;
 }
 
+std::vector<LogLine> Board::Log() const {
+    const BoardLock lock(*m_state);
+    return ReadLogLines(*m_state);
+}
+
+void Board::ClearLog() {
+    const BoardLock lock(*m_state);
+    RemoveShadowFile(*m_state, "/log");
+}
+
 }  // namespace Bench

@@ -146,4 +146,13 @@ int PwmWrite(BoardState& state, Node node, std::string_view text) {
     }
 }
 
+PwmView Board::Pwm(int channel) const {
+    if (channel < 0 || channel >= PwmChannels) {
+        return {};
+    }
+    const BoardLock lock(*m_state);
+    const PwmState& pwm = m_state->pwm[channel];
+    return {pwm.exported, pwm.enabled, pwm.period, pwm.duty};
+}
+
 }  // namespace Bench

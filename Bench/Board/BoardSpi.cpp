@@ -155,6 +155,12 @@ int Setting(BoardState& state, unsigned long request, void* argument, Value& set
     return 0;
 }
 
+void SetScript(SpiScript& script, const std::vector<SpiAnswer>& answers) {
+    script.next = 0;
+    script.count = static_cast<std::uint32_t>(std::min(answers.size(), SpiScriptLength));
+    std::copy_n(answers.begin(), script.count, std::begin(script.answers));
+}
+
 }  // namespace
 
 SpiAnswer SpiAnswer::Words(std::uint16_t first, std::uint16_t second) {
@@ -256,6 +262,44 @@ int SpiIoctl(BoardState& state, unsigned long request, void* argument, int& resu
     const bool message =
         _IOC_TYPE(request) == SPI_IOC_MAGIC && _IOC_NR(request) == 0 && _IOC_DIR(request) == _IOC_WRITE;
     return message ? Message(state, request, argument, result) : ENOTTY;
+}
+
+std::uint16_t Board::LastCommand() const {
+    const BoardLock lock(*m_state);
+    return m_state->spi.lastCommand;
+}
+
+std::size_t Board::CommandCount() const {
+    const BoardLock lock(*m_state);
+    return static_cast<std::size_t>(m_state->spi.commands);
+}
+
+void Board::ScriptSpiRead(const std::vector<SpiAnswer>& answers) {
+    const BoardLock lock(*m_state);
+    SetScript(m_state->spi.reads, answers);
+}
+
+void Board::ScriptSpiWrite(const std::vector<SpiAnswer>& answers) {
+    const BoardLock lock(*m_state);
+    SetScript(m_state->spi.writes, answers);
+}
+
+void Board::SetConverterChannel(int channel, std::int32_t count) {
+    const BoardLock lock(*m_state);
+    if (channel > 0 && channel < ConverterChannels) {
+        m_state->spi.counts[channel] = count;
+    }
+}
+
+void Board::SetEndOfConversion(EndOfConversion behaviour) {
+    const BoardLock lock(*m_state);
+    m_state->spi.endOfConversion = behaviour;
+    Changed(*m_state);
+}
+
+void Board::SetConversionTime(int milliseconds) {
+    const BoardLock lock(*m_state);
+    m_state->spi.conversionMilliseconds = std::max(milliseconds, 0);
 }
 
 }  // namespace Bench

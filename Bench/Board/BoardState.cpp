@@ -150,9 +150,10 @@ InstrumentInputs InputsOf(const BoardState& state) {
     InstrumentInputs inputs;
     inputs.ledDuty = duty(Led);
     inputs.pumpStepFrequency = pumpEnabled && pumpCurrent ? (pumpReverse ? -1.0 : 1.0) * pulses(Pump) : 0.0;
-    inputs.stirStepFrequency = stirEnabled && !FaultActive(state, FaultName::StirStalled) ? pulses(Stir) : 0.0;
+    inputs.stirStepFrequency = stirEnabled ? pulses(Stir) : 0.0;
     inputs.valvePower = FaultActive(state, FaultName::ValveStuck) ? 0.0 : duty(Valve);
     inputs.audioPlaying = SoundPlays(state);
+    inputs.indicatorLedsOn = IndicatorLinesHigh(state);
     return inputs;
 }
 
@@ -166,6 +167,11 @@ InstrumentSettings EffectiveSettings(const BoardState& state) {
     settings.flagStuckHigh = with(settings.flagStuckHigh, FaultName::FlagStuckHigh);
     settings.flagStuckLow = with(settings.flagStuckLow, FaultName::FlagStuckLow);
     settings.sampleFlows = settings.sampleFlows && !FaultActive(state, FaultName::FlowStopped);
+    settings.amplifierDead = with(settings.amplifierDead, FaultName::AmplifierDead);
+    settings.pumpStageDead = with(settings.pumpStageDead, FaultName::PumpStageDead);
+    settings.stirStageDead = with(settings.stirStageDead, FaultName::StirStageDead);
+    settings.stirStalled = with(settings.stirStalled, FaultName::StirStalled);
+    BreakIndicator(state, settings);
     if (FaultActive(state, FaultName::Bubbles)) {
         settings.stuckBubbles = std::max(settings.stuckBubbles, 0.2);
     }

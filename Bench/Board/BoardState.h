@@ -309,6 +309,12 @@ int UnmountCard(BoardState& state, const char* target, bool inUse);
 void WriteMountTable(const BoardState& state);
 int CardAccessError(const BoardState& state, bool writing);  // what a file on the card answers now
 
+// ---- Remote indicator.
+std::uint8_t IndicatorLinesHigh(const BoardState& state);                    // bit by IndicatorLed
+void BreakIndicator(const BoardState& state, InstrumentSettings& settings);  // by its faults
+bool IsIndicatorLed(std::string_view name);
+bool IsIndicatorLine(int bank, int pin);
+
 // ---- Sound.
 void NoteSoundCall(BoardState& state, const char* line);
 bool SoundPlays(const BoardState& state);
@@ -348,12 +354,21 @@ enum class FaultName : std::uint8_t {
     Bubbles,
     FlowStopped,
     SoundToolsMissing,
-    AmixerFails
+    AmixerFails,
+    AmplifierDead,
+    PumpStageDead,
+    StirStageDead,
+    IndicatorLedOpen,
+    Cable,
+    GpioTaken
 };
 
 bool FaultActive(const BoardState& state, FaultName name);
 bool WriteRefused(const BoardState& state, Node node);
 bool RailOut(const BoardState& state, int channel);
+bool GpioTaken(const BoardState& state, int bank, int pin);
+// The values of an active fault, one after the other; `next` begins at 0. Null behind the last.
+const char* NextFaultValue(const BoardState& state, FaultName name, std::size_t& next);
 void ApplyDueFaults(BoardState& state, std::int64_t now);
 std::int64_t NextFaultAt(const BoardState& state);  // the largest number where none is pending
 

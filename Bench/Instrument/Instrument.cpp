@@ -21,7 +21,7 @@ constexpr double FirstStride = 0.02;
 constexpr double StrideGrowth = 1.05;
 
 double PumpSpeed(const InstrumentSettings& settings, const InstrumentInputs& inputs) {
-    return settings.motorStalled ? 0.0 : inputs.pumpStepFrequency * DegreesPerStep;
+    return settings.motorStalled || settings.pumpStageDead ? 0.0 : inputs.pumpStepFrequency * DegreesPerStep;
 }
 
 double WrapDegrees(double degrees) {
@@ -60,7 +60,8 @@ double ColourInReach(const InstrumentState& state, const InstrumentSettings& set
 void AdvanceCell(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs,
                  double stride) {
     const bool flowing = settings.sampleFlows && inputs.valvePower > ValveOpenPower;
-    const bool stirring = inputs.stirStepFrequency > 0.0;
+    const bool turns = !settings.stirStalled && !settings.stirStageDead;
+    const bool stirring = turns && inputs.stirStepFrequency > 0.0;
     const double exchange = flowing ? 1.0 / settings.flushSeconds : 0.0;
     const double pumped = std::max(0.0, PumpSpeed(settings, inputs)) / 360.0 * settings.reagentPerTurn * stride;
     const double dosed = DrawReagent(state, settings, pumped);
@@ -174,27 +175,6 @@ std::int32_t ReadDetector(InstrumentState& state, const InstrumentSettings& sett
         return static_cast<std::int32_t>(CountLimit) - 1;
     }
     return static_cast<std::int32_t>(std::lround(std::clamp(count, -CountLimit, CountLimit - 1.0)));
-}
-
-double MultiplexerVoltage(const InstrumentSettings& settings, const InstrumentInputs& inputs, int channel) {
-    const double load = (inputs.pumpStepFrequency != 0.0 ? settings.supplyPump : 0.0) +
-                        (inputs.stirStepFrequency != 0.0 ? settings.supplyStir : 0.0) +
-                        (inputs.audioPlaying ? settings.supplyAudio : 0.0) + settings.supplyValve * inputs.valvePower;
-    constexpr double Sag = 0.01;  // of a rail, for each volt of load at the supply measure
-    switch (channel) {
-        case 7:
-            return settings.supplyIdle + load;
-        case 9:
-            return settings.rail33 * (1.0 - Sag * load);
-        case 10:
-            return settings.rail18 * (1.0 - Sag * load);
-        case 11:
-            return settings.railCore10 * (1.0 - Sag * load);
-        case 12:
-            return settings.rail10 * (1.0 - Sag * load);
-        default:
-            return 0.0;
-    }
 }
 
 }  // namespace Bench

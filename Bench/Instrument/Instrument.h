@@ -54,19 +54,38 @@ struct InstrumentSettings {
     bool flagStuckLow = false;
 
     // Board voltages at the multiplexer, volts, without load.
-    double rail33 = 3.30;       // channel 9
-    double rail18 = 1.80;       // channel 10
-    double railCore10 = 1.00;   // channel 11
-    double rail10 = 1.00;       // channel 12
-    double supplyIdle = 0.42;   // channel 7, everything at rest
-    double supplyPump = 0.95;   // what the turning pump adds to channel 7
-    double supplyStir = 0.14;   // the stir motor
-    double supplyAudio = 0.06;  // the audio amplifier while it plays
-    double supplyValve = 0.05;  // the sample valve at full power
+    double rail33 = 3.30;        // channel 9
+    double rail18 = 1.80;        // channel 10
+    double railCore10 = 1.00;    // channel 11
+    double rail10 = 1.00;        // channel 12
+    double supplyIdle = 0.42;    // channel 7, everything at rest
+    double supplyPump = 0.95;    // what the turning pump adds to channel 7
+    double supplyStir = 0.14;    // the stir motor
+    double supplyAudio = 0.06;   // the audio amplifier while it plays
+    double supplyValve = 0.05;   // the sample valve at full power
+    bool amplifierDead = false;  // a clip plays, and nothing is heard or drawn
+    bool pumpStageDead = false;  // the steps come, and the pump neither turns nor draws
+    bool stirStageDead = false;
+    bool stirStalled = false;  // draws and does not turn
+
+    // The remote indicator at the end of its cable, each LED fed with a constant current through its own sense
+    // resistor.
+    double cableFeet = 100.0;
+    double cableOhmsPerFoot = 0.052;     // both wires; as the product is told
+    double ledAmperes = 0.020;           // in each lit LED
+    double senseOhms = 100.0;            // as the product is told
+    double blueDropVolts = 3.2;          // as the product is told
+    double loopGain = 3.0;               // loop volts for one volt at channel 0; as the product is told
+    double openLoopVolts = 12.0;         // of a loop whose LED is broken
+    std::uint8_t indicatorLedsOpen = 0;  // broken LEDs, bit by IndicatorLed
 
     bool noise = true;  // false: every reading is exact
     std::uint32_t seed = 1;
 };
+
+// The LEDs of the remote indicator. The multiplexer's channels 2, 1, 6, 3, 4, 5 read their sense resistors.
+enum class IndicatorLed : std::uint8_t { BlueAnalyzer, AmberAnalyzer, RedAnalyzer, BlueWater, AmberWater, RedWater };
+constexpr int IndicatorLeds = 6;
 
 // What the board's lines and channels say at one moment.
 struct InstrumentInputs {
@@ -75,6 +94,7 @@ struct InstrumentInputs {
     double stirStepFrequency = 0.0;  // Hz; 0 with chip disabled or channel off
     double valvePower = 0.0;         // 0 to 1
     bool audioPlaying = false;
+    std::uint8_t indicatorLedsOn = 0;  // lines that are high, bit by IndicatorLed
 };
 
 // What the instrument remembers. A new one is in service: clear old water in the cell, the reagent line full.
@@ -109,7 +129,8 @@ double CellAbsorbance(const InstrumentState& state, const InstrumentSettings& se
 // One conversion of the detector, channel 0: -2^24 to 2^24 - 1 counts. Takes the next noise.
 std::int32_t ReadDetector(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs);
 
-// Volts at the multiplexer's channels 7 (supply measure) and 9 to 12 (rails), as the load has them; 0 for any other.
+// Volts at the multiplexer's channels 0 (loop voltage of the blue analyzer LED), 1 to 6 (LED sense), 7 (supply measure)
+// and 9 to 12 (rails), as the load has them; 0 for any other.
 double MultiplexerVoltage(const InstrumentSettings& settings, const InstrumentInputs& inputs, int channel);
 
 }  // namespace Bench

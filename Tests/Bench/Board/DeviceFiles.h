@@ -2,6 +2,7 @@
 #pragma once
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -64,3 +65,19 @@ inline std::uint32_t ReadRegister(std::uint32_t address) {
 }
 
 inline bool WriteRegister(std::uint32_t address, std::uint32_t value) { return AccessRegister(address, value, true); }
+
+// One PWM channel at half duty; the period in nanoseconds.
+inline void StartPwm(int channel, int period) {
+    const std::string chip = "/sys/class/pwm/pwmchip0/";
+    const std::string folder = chip + "pwm" + std::to_string(channel);
+    ASSERT_EQ(WriteDevice(chip + "export", std::to_string(channel)), 0);
+    ASSERT_EQ(WriteDevice(folder + "/period", std::to_string(period)), 0);
+    ASSERT_EQ(WriteDevice(folder + "/duty_cycle", std::to_string(period / 2)), 0);
+    ASSERT_EQ(WriteDevice(folder + "/enable", "1"), 0);
+}
+
+// The pump at one turn a second, its current on.
+inline void StartPump() {
+    ASSERT_TRUE(WriteRegister(0xFFFFF430, 0x70));
+    StartPwm(1, 625000);
+}

@@ -41,22 +41,6 @@ protected:
 
     static std::string Missing() { return "!" + std::to_string(ENOENT); }
 
-    // Sets up one PWM channel at half duty.
-    static void StartPwm(int channel, int period) {
-        const std::string chip = "/sys/class/pwm/pwmchip0/";
-        const std::string folder = chip + "pwm" + std::to_string(channel);
-        ASSERT_EQ(WriteDevice(chip + "export", std::to_string(channel)), 0);
-        ASSERT_EQ(WriteDevice(folder + "/period", std::to_string(period)), 0);
-        ASSERT_EQ(WriteDevice(folder + "/duty_cycle", std::to_string(period / 2)), 0);
-        ASSERT_EQ(WriteDevice(folder + "/enable", "1"), 0);
-    }
-
-    // The pump at one turn a second, its current on.
-    static void StartPump() {
-        ASSERT_TRUE(WriteRegister(0xFFFFF430, 0x70));
-        StartPwm(1, 625000);
-    }
-
     // One conversion of the detector.
     std::int32_t DetectorCount() const {
         const int file = open("/dev/spidev32765.1", O_RDWR);
@@ -82,6 +66,12 @@ TEST_F(FaultsTest, a_missing_or_wrong_value_is_refused) {
     EXPECT_EQ(Refusal("card-slow"), "card-slow needs a value: card-slow=MS");
     EXPECT_EQ(Refusal("card-slow=soon"), "card-slow: \"soon\" is no number from 0 to 1000000000");
     EXPECT_EQ(Refusal("rail-out=16"), "rail-out: \"16\" is no multiplexer channel, 0 to 15");
+    EXPECT_EQ(Refusal("indicator-led-open=green"),
+              "indicator-led-open: \"green\" is no LED of the indicator, such as amber-water");
+    for (const std::string line : {"4,0", "0,32", "3", "3,", ",3", "3,16,1", "3, 6", "-1,3", "3,-1", "all", "3,1x"}) {
+        EXPECT_EQ(Refusal("gpio-taken=" + line),
+                  "gpio-taken: \"" + line + "\" is no line, such as 3,16, and not indicator");
+    }
     EXPECT_EQ(Refusal("led-dead=1"), "led-dead takes no value");
     EXPECT_EQ(Refusal("led-dead@soon"), "\"led-dead@soon\": no number of seconds stands behind @");
 }
@@ -93,7 +83,7 @@ TEST_F(FaultsTest, each_fault_has_one_name_and_a_description) {
         EXPECT_FALSE(fault.description.empty()) << fault.name;
         EXPECT_EQ(fault.description.find('\n'), std::string::npos) << fault.name;
     }
-    EXPECT_EQ(names.size(), 28U);
+    EXPECT_EQ(names.size(), 34U);
 }
 
 TEST_F(FaultsTest, set_faults_are_listed_until_cleared) {
@@ -238,10 +228,18 @@ TEST_F(FaultsTest, motor_stalled) {
 }
 
 TEST_F(FaultsTest, stir_stalled) {
+    Bench::InstrumentState reagent = Board().Instrument();
+    reagent.reagentUnmixed = 100.0;
     StartPwm(2, 1562500);
-    EXPECT_GT(Board().Inputs().stirStepFrequency, 0.0);
+    const auto mixedIn = [&](double seconds) {
+        Board().SetInstrument(reagent);
+        const double end = Board().Seconds() + seconds;
+        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() >= end; }));
+        return Board().Instrument().reagentMixed;
+    };
+    EXPECT_GT(mixedIn(5.0), 50.0);
     Set("stir-stalled");
-    EXPECT_DOUBLE_EQ(Board().Inputs().stirStepFrequency, 0.0);
+    EXPECT_LT(mixedIn(5.0), 50.0);
 }
 
 TEST_F(FaultsTest, valve_stuck) {
