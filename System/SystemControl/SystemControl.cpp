@@ -5,6 +5,7 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "System/DeviceMonitor/DeviceMonitor.h"
 #include "System/LoggingControl/LoggingControl.h"
 #include "System/MeasurementEngine/MeasurementEngine.h"
 
@@ -29,6 +30,7 @@ struct ControllerRow {
 // Behind MessagingControl, in order of creation. Each controller's constructor starts its thread.
 constexpr ControllerRow Controllers[] = {
     {Make<LoggingControl>, "Unable to Create LoggingControl - "},
+    {Make<DeviceMonitor>, "Unable to Create DeviceMonitor - "},
     {Make<MeasurementEngine>, "Unable to Create MeasurementEngine - "},
 };
 

@@ -1,0 +1,41 @@
+#include "System/DeviceMonitor/AudioRoutines.h"
+
+#include <unistd.h>
+
+#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
+#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
+
+namespace {
+
+struct AudioRoutine {
+    std::int32_t action;
+    unsigned seconds;  // of sleep after sending
+    const char* failure;
+};
+
+constexpr AudioRoutine TurnOff{0, 3, "DeviceMonitor::TurnOffAudio - Turning off audio failed"};
+constexpr AudioRoutine Play{1, 1, "DeviceMonitor::PlayAudio - Audio could not be started"};
+constexpr AudioRoutine Restart{2, 3, "DeviceMonitor::RestartAudio - Audio could not be restarted"};
+
+bool Request(const AudioRoutine& routine, const StdString& fileName = StdString()) {
+    auto message = TryMake<RemoteIndicatorAudioControlMessage>();
+    if (message != nullptr) {
+        message->SetAction(routine.action);
+        message->SetFileName(fileName);
+    }
+    if (!MessageController::SendMessage(std::move(message), DEVICE_MONITOR)) {
+        MessageController::LogMessage(routine.failure, ERROR_LOG_LEVEL, DEVICE_MONITOR);
+        return false;
+    }
+    sleep(routine.seconds);
+    return true;
+}
+
+}  // namespace
+
+bool TurnOffAudio() { return Request(TurnOff); }
+
+bool PlayAudio(const StdString& fileName) { return Request(Play, fileName); }
+
+bool RestartAudio() { return Request(Restart); }

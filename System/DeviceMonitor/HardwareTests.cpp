@@ -1,0 +1,198 @@
+#include "System/DeviceMonitor/HardwareTests.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include "Drivers/Demultiplexer.h"
+#include "Drivers/StepperDriverMotor.h"
+#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
+#include "System/DeviceMonitor/AudioRoutines.h"
+#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
+
+namespace {
+
+using Test = bool (HardwareTests::*)();
+
+// By selector, from 1, and in the order of a run of all.
+constexpr Test Tests[] = {
+    &HardwareTests::CheckBoardVoltages,
+    &HardwareTests::TestAudioAmplifier,
+    &HardwareTests::TestReagentMotor,
+    &HardwareTests::TestStirMotor,
+};
+constexpr std::int32_t TestCount = std::size(Tests);
+constexpr std::int32_t AllTests = TestCount + 1;
+
+struct Rail {
+    int channel;
+    float low;   // volts; a rail that is exactly on a limit passes
+    float high;  // volts
+    const char* failure;
+};
+
+constexpr Rail Rails[] = {
+    {9, 2.9F, 3.4F, "3.3V is outside of limits!"},
+    {10, 1.6F, 2.0F, "1.8V is outside of limits!"},
+    {12, 0.8F, 1.2F, "1.0V is outside of limits!"},
+    {11, 0.8F, 1.2F, "Core 1.0V is outside of limits!"},
+};
+
+// The supply measure, which rises with the load of the motors and of the audio amplifier.
+constexpr std::uint32_t MeasureChannel = 7;
+
+constexpr char AlertFile[] = "alert.wav";
+constexpr unsigned SecondsOfAlert = 1;
+constexpr float AmplifierRise = 1e-6F;  // volts; exactly as much passes
+
+struct CurrentLimit {
+    PinAddress bit0;
+    PinAddress bit1;
+    PinAddress bit2;
+    std::uint32_t setting;
+};
+
+struct MotorStage {
+    std::uint8_t channel;  // PWM
+    std::optional<PinAddress> direction;
+    PinAddress enable;
+    std::optional<CurrentLimit> limit;
+    float rise;  // volts; exactly as much fails
+};
+
+constexpr MotorStage ReagentStage{1, PinAddress{0, 3}, {0, 2}, CurrentLimit{{0, 4}, {0, 5}, {0, 6}, 7}, 0.5F};
+constexpr MotorStage StirStage{2, std::nullopt, {1, 15}, std::nullopt, 0.03F};
+
+constexpr float MotorDutyCycle = 50.0F;    // percent
+constexpr float MotorFrequency = 1000.0F;  // hertz
+
+constexpr std::int32_t AmberStatus = 2;
+constexpr std::int32_t AnalyzerStatusAlone = 1;
+
+void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, DEVICE_MONITOR); }
+
+// Under the top controller's id and not the monitor's own: the analyzer's status is the word of the whole system.
+void RequestAmberAnalyzer() {
+    auto message = TryMake<RemoteIndicatorControlMessage>();
+    if (message != nullptr) {
+        message->SetAnalyzerStatus(AmberStatus);
+        message->SetStatusSelect(AnalyzerStatusAlone);
+    }
+    MessageController::SendMessage(std::move(message), SYSTEM_CONTROL);
+}
+
+bool Fail(const char* text) {
+    LogError(text);
+    RequestAmberAnalyzer();
+    return false;
+}
+
+bool IsWithinLimits(const Rail& rail, const std::list<float>& voltages) {
+    const float voltage = *std::next(voltages.begin(), rail.channel);
+    return !(voltage > rail.high || voltage < rail.low);
+}
+
+bool ReadMeasure(float& volts) {
+    Demultiplexer demultiplexer;
+    return demultiplexer.Init(BoardDemultiplexerLines) && demultiplexer.ReadVoltage(MeasureChannel, volts);
+}
+
+bool SetUp(StepperDriverBase& motor, const MotorStage& stage) {
+    return stage.direction ? motor.SetUpPins(stage.enable, *stage.direction) : motor.SetUpEnablePin(stage.enable);
+}
+
+bool SetUp(StepperDriverMotor& motor, const MotorStage& stage) {
+    const CurrentLimit& limit = *stage.limit;
+    return SetUp(static_cast<StepperDriverBase&>(motor), stage) &&
+           motor.SetUpCurrentLimit(limit.bit0, limit.bit1, limit.bit2, limit.setting);
+}
+
+bool Start(StepperDriverBase& motor, const MotorStage& /*stage*/) {
+    return motor.Start(MotorDutyCycle, MotorFrequency);
+}
+
+bool Start(StepperDriverMotor& motor, const MotorStage& stage) {
+    return motor.StartMotor(MotorDutyCycle, MotorFrequency, stage.limit->setting);
+}
+
+template <typename Motor>
+bool MeasureRise(const MotorStage& stage, float& rise) {
+    Motor motor(stage.channel);
+    float idle = 0.0F;
+    float running = 0.0F;
+    if (!SetUp(motor, stage) || !motor.Stop() || !ReadMeasure(idle) || !Start(motor, stage)) {
+        return false;
+    }
+    const bool isRead = ReadMeasure(running);
+    const bool isStopped = motor.Stop();
+    rise = running - idle;
+    return isRead && isStopped;
+}
+
+// Both motors fail with the reagent motor's text: the watchers of existing logs know it as that of either stage.
+template <typename Motor>
+bool RisesEnough(const MotorStage& stage) {
+    float rise = 0.0F;
+    return MeasureRise<Motor>(stage, rise) && (rise > stage.rise || Fail("Reagent delivery stepper motor test failed"));
+}
+
+bool AmplifierRises() {
+    float quiet = 0.0F;
+    float loud = 0.0F;
+    if (!ReadMeasure(quiet) || !PlayAudio(AlertFile)) {
+        return false;
+    }
+    sleep(SecondsOfAlert);
+    return ReadMeasure(loud) && (!(loud - quiet < AmplifierRise) || Fail("Audio amp test failed"));
+}
+
+// The sound is restarted whatever came before.
+bool RunInSilence(bool (*test)()) {
+    const bool isPassed = TurnOffAudio() && test();
+    return RestartAudio() && isPassed;
+}
+
+}  // namespace
+
+bool HardwareTests::Run(std::int32_t selector) {
+    if (selector == AllTests) {
+        return std::all_of(std::begin(Tests), std::end(Tests), [this](Test test) { return (this->*test)(); });
+    }
+    return selector >= 1 && selector <= TestCount && (this->*Tests[selector - 1])();
+}
+
+bool HardwareTests::CheckBoardVoltages() {
+    Demultiplexer demultiplexer;
+    if (!demultiplexer.Init(BoardDemultiplexerLines)) {
+        LogError("DeviceMonitor::CheckBoardVoltages - Initializing demux failed!");
+        return false;
+    }
+    if (!demultiplexer.ReadAllVoltages(m_voltages)) {
+        LogError("DeviceMonitor::CheckBoardVoltages - Reading voltages failed!");
+        return false;
+    }
+    bool isPassed = true;
+    for (const Rail& rail : Rails) {
+        if (!IsWithinLimits(rail, m_voltages)) {
+            LogError(rail.failure);
+            isPassed = false;
+        }
+    }
+    if (!isPassed) {
+        RequestAmberAnalyzer();
+    }
+    return isPassed;
+}
+
+bool HardwareTests::TestAudioAmplifier() { return RunInSilence(AmplifierRises); }
+
+bool HardwareTests::TestReagentMotor() {
+    return RunInSilence([] { return RisesEnough<StepperDriverMotor>(ReagentStage); });
+}
+
+bool HardwareTests::TestStirMotor() {
+    return RunInSilence([] { return RisesEnough<StepperDriverBase>(StirStage); });
+}

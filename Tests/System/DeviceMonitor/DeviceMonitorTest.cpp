@@ -1,0 +1,274 @@
+#include "System/DeviceMonitor/DeviceMonitor.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "Frameworks/Configuration/SystemOperationFile.h"
+#include "Tests/Support/ReadFile.h"
+#include "Tests/System/DeviceMonitor/DeviceMonitorFixture.h"
+
+namespace {
+
+constexpr double TwoHours = 7200.0;
+
+class Monitor : public DeviceMonitorFixture {
+protected:
+    Monitor() : DeviceMonitorFixture(100.0) {}
+};
+
+// The counters of a process live as long as it does: each test wants a process of its own, which the test runner gives
+// it.
+class Counters : public DeviceMonitorFixture {
+protected:
+    Counters() : DeviceMonitorFixture(1000.0) {}
+
+    void Run() {
+        Start();
+        Send(MOVE_TO_RUNNING);
+        WaitForTicks(2);  // the mark is set by the first
+    }
+
+    // Whole ticks from now on.
+    void WaitForTicks(int count) {
+        const double end = Board().Seconds() + count + 1;
+        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
+        Send(PRIME_SYSTEM);  // ignored, and answered with another second of silence
+    }
+
+    void WaitForFiles(const std::string& hours) {
+        EXPECT_TRUE(Board().WaitUntil([&] { return HoursOf(File("backup.")) == hours; }))
+            << HoursOf(File("")) << " in place of " << hours;
+        EXPECT_EQ(File(""), File("backup."));
+    }
+
+    std::string File(const std::string& kind) const {
+        return ReadFile(Folder() + "/var/log/vorn/data/analyzer.op." + kind + "xml");
+    }
+
+    static std::string ValueOf(const std::string& text, const std::string& name) {
+        const std::size_t item = text.find("\"" + name + "\"");
+        const std::size_t start = text.find("value=\"", item) + 7;
+        return item == std::string::npos ? "" : text.substr(start, text.find('"', start) - start);
+    }
+
+    // Of both counters, which go together.
+    static std::string HoursOf(const std::string& text) {
+        std::string hours = ValueOf(text, "ElectronicsRunHours");
+        EXPECT_EQ(ValueOf(text, "RemoteIndicatorRunHours"), hours);
+        return hours;
+    }
+
+    static std::string CyclesOf(const std::string& text) {
+        std::string cycles;
+        for (const char* name :
+             {"TubingRunCycles", "ColorimeterRunCycles", "SampleConditioningRunCycles", "ReagentDeliveryRunCycles"}) {
+            cycles += ValueOf(text, name) + " ";
+        }
+        return cycles;
+    }
+};
+
+}  // namespace
+
+TEST_F(Monitor, says_that_it_starts_and_registers) {
+    MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
+    Start();
+    MessageController::SetLogLevel(ERROR_LOG_LEVEL);
+    const Texts expected = {"log 7 Initializing Thread for - DeviceMonitor from DeviceMonitor",
+                            "log 7 Changing to INITIALIZING_STATE State for - DeviceMonitor from DeviceMonitor",
+                            "log 7 Changing to IDLE_STATE State for - DeviceMonitor from DeviceMonitor"};
+    EXPECT_TRUE(Board().WaitUntil([&] {
+        Texts lines;
+        for (const std::string& line : witness.Heard()) {
+            if (std::find(expected.begin(), expected.end(), line) != expected.end()) {
+                lines.push_back(line);
+            }
+        }
+        return lines == expected;
+    })) << testing::PrintToString(witness.Heard());
+}
+
+TEST_F(Monitor, that_cannot_register_says_so_in_the_name_of_the_remote_indicator) {
+    Start();
+    EXPECT_FALSE(monitor->DoRegistration());  // it has done so
+    EXPECT_TRUE(Board().WaitUntil([this] { return !witness.Heard().empty(); }));
+    EXPECT_EQ(witness.Heard(), Texts{"log 3 DeviceMonitor::DoRegistration - PERIODIC_HARDWARE_TEST_DATA_MESSAGE "
+                                     "failed! from RemoteIndicatorControl"});
+}
+
+TEST_F(Monitor, follows_the_commands_through_its_states) {
+    Start();
+    Send(MOVE_TO_SHUTDOWN);
+    WaitForState(SHUTDOWN_STATE);
+    Send(MOVE_TO_TEST);
+    WaitForState(TEST_STATE);
+    Send(MOVE_TO_RUNNING);
+    WaitForState(RUNNING_STATE);
+    Send(MOVE_TO_IDLE);
+    WaitForState(IDLE_STATE);
+}
+
+TEST_F(Monitor, ticks_each_second_from_the_first_running_on_through_all_later_states) {
+    Start();
+    EXPECT_EQ(monitor->GetTimeOut(), -1);
+    for (const CommandType command : {MOVE_TO_RUNNING, MOVE_TO_IDLE, MOVE_TO_TEST, MOVE_TO_SHUTDOWN}) {
+        Send(command);
+        WaitForState(command == MOVE_TO_RUNNING ? RUNNING_STATE
+                     : command == MOVE_TO_IDLE  ? IDLE_STATE
+                     : command == MOVE_TO_TEST  ? TEST_STATE
+                                                : SHUTDOWN_STATE);
+        EXPECT_TRUE(Board().WaitUntil([this] { return monitor->GetTimeOut() == 1000; }));
+        MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
+        EXPECT_TRUE(Board().WaitUntil([this] {
+            const Texts heard = witness.Heard();
+            return std::count(heard.begin(), heard.end(),
+                              "log 7 Processing TimeOut for - DeviceMonitor from DeviceMonitor") >= 2;
+        }));
+        MessageController::SetLogLevel(ERROR_LOG_LEVEL);
+        witness.Forget();
+    }
+}
+
+TEST_F(Monitor, a_null_command_is_refused_and_null_data_passed_over) {
+    Start();
+    EXPECT_FALSE(monitor->ProcessCommandMessage(nullptr));
+    EXPECT_TRUE(monitor->ProcessDataMessage(nullptr));
+}
+
+TEST_F(Monitor, tells_once_when_the_card_comes_and_once_when_it_goes) {
+    Start();
+    testing::internal::CaptureStdout();
+    const auto notice = [] { DeviceMonitor::NoticeCard(0, nullptr, nullptr); };
+    notice();
+    notice();
+    Board().PullCard();
+    notice();
+    notice();
+    Board().InsertCard();
+    notice();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "SD card inserted! SD card removed !SD card inserted! ");
+}
+
+TEST_F(Monitor, every_notice_of_the_card_sets_the_changed_flag) {
+    Start();
+    EXPECT_FALSE(cardChanged);
+    testing::internal::CaptureStdout();
+    DeviceMonitor::NoticeCard(0, nullptr, nullptr);
+    EXPECT_TRUE(cardChanged);
+    cardChanged = false;
+    DeviceMonitor::NoticeCard(0, nullptr, nullptr);
+    EXPECT_TRUE(cardChanged);
+    testing::internal::GetCapturedStdout();
+}
+
+TEST_F(Monitor, what_is_known_of_the_card_outlasts_a_reset) {
+    Start();
+    testing::internal::CaptureStdout();
+    DeviceMonitor::NoticeCard(0, nullptr, nullptr);
+    Stop();
+    monitor = std::make_unique<DeviceMonitor>();
+    DeviceMonitor::NoticeCard(0, nullptr, nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "SD card inserted! ");
+}
+
+TEST_F(Counters, the_first_check_finds_the_mark_not_reached_and_does_nothing) {
+    Run();
+    WaitForTicks(3);
+    EXPECT_TRUE(std::filesystem::is_empty(Folder() + "/var/log/vorn/data"));
+}
+
+TEST_F(Counters, hours_are_counted_two_at_a_time_and_saved_in_both_files) {
+    Run();
+    for (const char* hours : {"2.00", "4.00", "6.00"}) {
+        Board().JumpClock(TwoHours);
+        WaitForFiles(hours);
+    }
+    EXPECT_EQ(ValueOf(File(""), "SerialNumber"), "123456789");
+}
+
+TEST_F(Counters, a_mark_is_two_hours_behind_the_count_before_it_however_far_the_clock_jumps) {
+    Run();
+    Board().JumpClock(10 * TwoHours);
+    WaitForFiles("2.00");
+    Board().JumpClock(TwoHours - 600.0);
+    WaitForTicks(3);
+    EXPECT_EQ(HoursOf(File("")), "2.00");
+    Board().JumpClock(600.0);
+    WaitForFiles("4.00");
+}
+
+TEST_F(Counters, a_clock_set_back_waits_for_the_mark_once_more) {
+    Run();
+    Board().JumpClock(-TwoHours);
+    Board().JumpClock(TwoHours - 600.0);
+    WaitForTicks(3);
+    EXPECT_TRUE(std::filesystem::is_empty(Folder() + "/var/log/vorn/data"));
+    Board().JumpClock(TwoHours + 600.0);
+    WaitForFiles("2.00");
+}
+
+TEST_F(Counters, a_cycle_counts_in_memory_and_reaches_the_files_with_the_hours) {
+    Run();
+    Send(COLLECT_MEASUREMENT);
+    Send(COLLECT_MEASUREMENT);
+    Send(COLLECT_MEASUREMENT);
+    WaitForTicks(2);
+    EXPECT_TRUE(std::filesystem::is_empty(Folder() + "/var/log/vorn/data"));
+    Board().JumpClock(TwoHours);
+    WaitForFiles("2.00");
+    EXPECT_EQ(CyclesOf(File("")), "3 3 3 3 ");
+}
+
+TEST_F(Counters, a_cycle_counts_in_every_state) {
+    Start();
+    for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_SHUTDOWN, MOVE_TO_TEST, MOVE_TO_RUNNING}) {
+        Send(command);
+        Send(COLLECT_MEASUREMENT);
+    }
+    WaitForTicks(2);
+    Board().JumpClock(TwoHours);
+    WaitForFiles("2.00");
+    EXPECT_EQ(CyclesOf(File("")), "4 4 4 4 ");
+}
+
+TEST_F(Counters, the_mark_and_the_cycles_outlast_a_reset) {
+    Run();
+    Send(COLLECT_MEASUREMENT);
+    WaitForTicks(1);
+    Stop();
+    Board().JumpClock(TwoHours);
+    monitor = std::make_unique<DeviceMonitor>();
+    Send(COLLECT_MEASUREMENT);
+    Send(MOVE_TO_RUNNING);
+    WaitForFiles("2.00");
+    EXPECT_EQ(CyclesOf(File("")), "2 2 2 2 ");
+}
+
+TEST_F(Counters, without_the_operation_file_are_skipped_in_silence_and_the_mark_moves_on) {
+    const std::string path = Folder() + "/var/log/vorn/data/analyzer.op.xml";
+    std::ofstream(path) << "<ROOT_USER/>";
+    Run();
+    Send(COLLECT_MEASUREMENT);
+    Board().JumpClock(TwoHours);
+    WaitForTicks(3);
+    std::filesystem::remove(path);
+    WaitForTicks(3);
+    EXPECT_TRUE(std::filesystem::is_empty(Folder() + "/var/log/vorn/data"));
+    Board().JumpClock(TwoHours);
+    WaitForFiles("2.00");
+    EXPECT_EQ(CyclesOf(File("")), "0 0 0 0 ");
+    EXPECT_EQ(witness.Heard(), Texts{});
+}
+
+TEST_F(Counters, a_save_that_fails_is_not_reported_and_the_next_one_has_it_all) {
+    Run();
+    std::filesystem::remove(Folder() + "/var/log/vorn/data");
+    Board().JumpClock(TwoHours);
+    WaitForTicks(3);
+    std::filesystem::create_directory(Folder() + "/var/log/vorn/data");
+    Board().JumpClock(TwoHours);
+    WaitForFiles("4.00");
+    EXPECT_EQ(witness.Heard(), Texts{});
+}
