@@ -8,6 +8,8 @@
 #include "System/DeviceMonitor/DeviceMonitor.h"
 #include "System/LoggingControl/LoggingControl.h"
 #include "System/MeasurementEngine/MeasurementEngine.h"
+#include "System/RemoteIndicatorControl/RemoteIndicatorControl.h"
+#include "System/SystemMonitor/SystemMonitor.h"
 
 namespace {
 
@@ -31,6 +33,8 @@ struct ControllerRow {
 constexpr ControllerRow Controllers[] = {
     {Make<LoggingControl>, "Unable to Create LoggingControl - "},
     {Make<DeviceMonitor>, "Unable to Create DeviceMonitor - "},
+    {Make<SystemMonitor>, "Unable to Create SystemMonitor - "},
+    {Make<RemoteIndicatorControl>, "Unable to Create RemoteIndicatorControl - "},
     {Make<MeasurementEngine>, "Unable to Create MeasurementEngine - "},
 };
 

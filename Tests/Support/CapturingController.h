@@ -66,16 +66,46 @@ public:
         return static_cast<const Message&>(*m_messages.at(position));
     }
 
+    // Waits until that many of the messages of the type answer the question with yes.
+    template <typename Message, typename Question>
+    void WaitForSuch(DataMessageType type, Question question, std::size_t count = 1) {
+        EXPECT_TRUE(WaitFor([&] {
+            std::size_t such = 0;
+            for (const auto& message : m_messages) {
+                such += IsOf(*message, type) && question(static_cast<const Message&>(*message)) ? 1U : 0U;
+            }
+            return such >= count;
+        }));
+    }
+
+    // All of the type so far, in order of arrival.
+    template <typename Message>
+    std::vector<Message> Copies(DataMessageType type) {
+        const std::lock_guard lock(m_mutex);
+        std::vector<Message> copies;
+        for (const auto& message : m_messages) {
+            if (IsOf(*message, type)) {
+                copies.push_back(static_cast<const Message&>(*message));
+            }
+        }
+        return copies;
+    }
+
     std::size_t Count() {
         const std::lock_guard lock(m_mutex);
         return m_messages.size();
     }
 
 private:
+    static bool IsOf(const MessageBase& message, DataMessageType type) {
+        return static_cast<const DataMessage&>(message).GetDataType() == type;
+    }
+
+    // Long, since the clock of a board may run fast.
     template <typename Condition>
     bool WaitFor(Condition condition) {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, std::chrono::seconds(60), condition);
+        return m_changed.wait_for(lock, std::chrono::hours(1), condition);
     }
 
     const std::vector<DataMessageType> m_types;

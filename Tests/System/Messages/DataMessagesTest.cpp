@@ -7,6 +7,7 @@
 #include "System/MeasurementEngine/GUIResponseMessage.h"
 #include "System/MeasurementEngine/MeasurementMessage.h"
 #include "System/MeasurementEngine/MeasurementStepDataMessage.h"
+#include "System/RemoteIndicatorControl/RemoteIndicatorCalculateCableLength.h"
 #include "System/SystemMonitor/AckTimerExpiredMessage.h"
 #include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
 #include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
@@ -30,8 +31,9 @@ class EveryDataMessage : public testing::Test {};
 using DataMessages =
     testing::Types<AckTimerExpiredMessage, AdcStatusMessage, GUIResponseMessage, MeasurementMessage,
                    MeasurementStepDataMessage, PeriodicHardwareTestMessage, RemoteIndicatorAudioControlMessage,
-                   RemoteIndicatorControlMessage, RemoteIndicatorTestMessage, TestDigitalInputPinsMessage,
-                   TestDigitalOutputPinsMessage, TestPWMMessage, TimerCompleteMessage, UserInterfaceDataMessage>;
+                   RemoteIndicatorCalculateCableLength, RemoteIndicatorControlMessage, RemoteIndicatorTestMessage,
+                   TestDigitalInputPinsMessage, TestDigitalOutputPinsMessage, TestPWMMessage, TimerCompleteMessage,
+                   UserInterfaceDataMessage>;
 
 TimeInfo TimeAt(time_t seconds, long nanoSeconds) {
     TimeInfo time;
@@ -67,6 +69,7 @@ TEST(DataMessages, have_the_type_that_their_subscribers_ask_for) {
     EXPECT_EQ(MeasurementStepDataMessage().GetDataType(), 4);
     EXPECT_EQ(TimerCompleteMessage().GetDataType(), 6);
     EXPECT_EQ(RemoteIndicatorControlMessage().GetDataType(), 7);
+    EXPECT_EQ(RemoteIndicatorCalculateCableLength().GetDataType(), 8);
     EXPECT_EQ(AckTimerExpiredMessage().GetDataType(), 12);
     EXPECT_EQ(TestDigitalInputPinsMessage().GetDataType(), 13);
     EXPECT_EQ(TestDigitalOutputPinsMessage().GetDataType(), 14);
@@ -87,6 +90,7 @@ TEST(DataMessages, have_a_clear_payload_when_they_are_made) {
     EXPECT_EQ(PeriodicHardwareTestMessage().GetVerdict(), 0);
     EXPECT_EQ(RemoteIndicatorAudioControlMessage().GetAction(), 0);
     EXPECT_EQ(RemoteIndicatorAudioControlMessage().GetFileName(), "");
+    EXPECT_EQ(RemoteIndicatorCalculateCableLength().GetValue(), 0);
     EXPECT_EQ(RemoteIndicatorControlMessage().GetWaterStatus(), 0);
     EXPECT_EQ(RemoteIndicatorControlMessage().GetAnalyzerStatus(), 0);
     EXPECT_EQ(RemoteIndicatorControlMessage().GetStatusSelect(), 0);

@@ -26,7 +26,8 @@ TEST_F(System, comes_up_idle_and_says_what_it_creates_and_registers) {
     std::vector<std::string> expected = {"Registering All Commands for - SystemControl",
                                          "Changing to IDLE_STATE State for - SystemControl",
                                          "Sending Command - MOVE_TO_IDLE"};
-    for (const char* name : {"MessagingControl", "LoggingControl", "DeviceMonitor", "MeasurementEngine"}) {
+    for (const char* name : {"MessagingControl", "LoggingControl", "DeviceMonitor", "SystemMonitor",
+                             "RemoteIndicatorControl", "MeasurementEngine"}) {
         expected.push_back(std::string("Thread Created - ") + name);
         expected.push_back(std::string("Registering All Commands for - ") + name);
         expected.push_back(std::string("Changing to IDLE_STATE State for - ") + name);

@@ -1,0 +1,210 @@
+#include "System/RemoteIndicatorControl/RemoteIndicatorControl.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "Frameworks/Configuration/SingletonBase.h"
+#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/TryMake.h"
+#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
+#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
+#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+
+namespace {
+
+constexpr std::uint32_t BlueOnBothSides = 1;  // ColorCode
+constexpr std::int32_t NoColor = -1;
+constexpr std::int32_t StatusCount = 4;
+
+// The ColorCode of a pair of statuses: 0 off, 1 normal, 2 alert, 3 alarm or failure.
+constexpr std::int32_t ColorTable[StatusCount][StatusCount] = {
+    //      water 0        1        2        3
+    /* analyzer 0 */ {0, NoColor, NoColor, NoColor},
+    /* analyzer 1 */ {NoColor, 1, 2, 3},
+    /* analyzer 2 */ {NoColor, 4, 5, 6},
+    /* analyzer 3 */ {9, 7, 8, NoColor},
+};
+
+constexpr DataMessageType Subscriptions[] = {
+    REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE,
+    REMOTE_INDICATOR_CALCULATE_CABLE_LENGTH_DATA_MESSAGE,
+    REMOTE_INDICATOR_TEST_MESSAGE,
+    REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
+};
+
+enum StatusSelect : std::int32_t { BOTH_STATUSES = 0, ANALYZER_STATUS = 1 };  // any other: the water's
+enum AudioAction : std::int32_t { STOP_AUDIO = 0, PLAY_AUDIO = 1, RESTART_AUDIO = 2 };
+
+constexpr std::int32_t WholeIndicatorTest = 0;
+constexpr std::int32_t FirstLEDTest = 1;
+constexpr std::int32_t LastLEDTest = 6;
+constexpr std::int32_t GapOfNamedFile = 1000;  // microseconds
+
+bool IsStatus(std::int32_t status) { return status >= 0 && status < StatusCount; }
+
+// Statuses come from the messages as they are; a pair beside the table has no colour either.
+std::int32_t ColorOf(std::int32_t analyzerStatus, std::int32_t waterStatus) {
+    return IsStatus(analyzerStatus) && IsStatus(waterStatus) ? ColorTable[analyzerStatus][waterStatus] : NoColor;
+}
+
+bool ReadSettings(RemoteIndicatorSettings& settings) {
+    const SystemConfigurationFile* file = SingletonBase::GetSystemConfiguration();
+    const ConfigurationBase* section = file == nullptr ? nullptr : file->GetRemoteIndicatorControlConfigInfo();
+    if (section == nullptr) {
+        return false;
+    }
+    settings.alertFile = section->RequireValue("AlertFileName").Text();
+    settings.alarmFile = section->RequireValue("AlarmFileName").Text();
+    settings.alertGap = section->RequireValue("AlertFileGapBetweenPlay").ToInteger();
+    settings.alarmGap = section->RequireValue("AlarmFileGapBetweenPlay").ToInteger();
+    settings.loopCurrentSenseResistance = section->RequireValue("LoopCurrentSenseResistance").ToFloat();
+    settings.loopVoltageAmpGain = section->RequireValue("LoopVoltageAmpGain").ToFloat();
+    settings.blueLEDForwardVoltageDrop = section->RequireValue("BlueLEDForwardVoltageDrop").ToFloat();
+    settings.cableResistancePerFoot = section->RequireValue("CableResistancePerFoot").ToFloat();
+    return true;
+}
+
+}  // namespace
+
+RemoteIndicatorControl::RemoteIndicatorControl() {
+    SetThreadName(ControllerNames[REMOTE_INDICATOR_CONTROL]);
+    if (!CreateThread()) {
+        ReleaseThread();
+    }
+}
+
+bool RemoteIndicatorControl::Init() {
+    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    if (ThreadControl::Init() && DoRegistration() && MakeDevice()) {
+        return true;
+    }
+    Log("RemoteIndicatorControl - Init method failed!", ERROR_LOG_LEVEL);
+    return false;
+}
+
+bool RemoteIndicatorControl::MakeDevice() {
+    m_device = TryMake<RemoteIndicator>();
+    RemoteIndicatorSettings settings;
+    return m_device != nullptr && ReadSettings(settings) && m_device->Init(settings) &&
+           m_device->SetLEDColors(BlueOnBothSides);
+}
+
+bool RemoteIndicatorControl::DoRegistration() {
+    const bool registered = std::all_of(std::begin(Subscriptions), std::end(Subscriptions),
+                                        [this](DataMessageType type) { return RegisterForDataMessage(type); });
+    if (!registered) {
+        Log("RemoteIndicatorControl::DoRegistration failed!", ERROR_LOG_LEVEL);
+    }
+    return registered;
+}
+
+bool RemoteIndicatorControl::ProcessCommandMessage(CommandMessage* message) {
+    if (message == nullptr) {
+        return false;
+    }
+    FollowStateCommand(message->GetCommandType());
+    return true;
+}
+
+bool RemoteIndicatorControl::ProcessTimeOut() {
+    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    return true;
+}
+
+// Replies come back to this controller too, since it subscribed to their type: only requests are served.
+bool RemoteIndicatorControl::ProcessDataMessage(DataMessage* message) {
+    if (message == nullptr) {
+        return false;
+    }
+    const DataMessageType type = message->GetDataType();
+    if (std::find(std::begin(Subscriptions), std::end(Subscriptions), type) == std::end(Subscriptions)) {
+        Log("RemoteIndicatorControl - Invalid data message!", ERROR_LOG_LEVEL);
+        return true;
+    }
+    if (message->GetSubType() != REQUEST_SUB_TYPE) {
+        return true;
+    }
+    switch (type) {
+        case REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE:
+            SetColors(static_cast<const RemoteIndicatorControlMessage&>(*message));
+            Acknowledge();  // tells that the request came through, whatever became of the colours
+            break;
+        case REMOTE_INDICATOR_CALCULATE_CABLE_LENGTH_DATA_MESSAGE:
+            CalculateCableLength();
+            break;
+        case REMOTE_INDICATOR_TEST_MESSAGE:
+            Test(static_cast<const RemoteIndicatorTestMessage&>(*message));
+            break;
+        default:
+            ControlAudio(static_cast<const RemoteIndicatorAudioControlMessage&>(*message));
+            break;
+    }
+    return true;
+}
+
+void RemoteIndicatorControl::SetColors(const RemoteIndicatorControlMessage& message) {
+    std::int32_t analyzerStatus = m_analyzerStatus;
+    std::int32_t waterStatus = m_waterStatus;
+    const std::int32_t select = message.GetStatusSelect();
+    if (select == BOTH_STATUSES || select == ANALYZER_STATUS) {
+        analyzerStatus = message.GetAnalyzerStatus();
+    }
+    if (select != ANALYZER_STATUS) {
+        waterStatus = message.GetWaterStatus();
+    }
+    const std::int32_t color = ColorOf(analyzerStatus, waterStatus);
+    if (color == NoColor) {
+        Log("RemoteIndicatorControl - Invalid color status!", ERROR_LOG_LEVEL);
+        return;
+    }
+    m_analyzerStatus = analyzerStatus;
+    m_waterStatus = waterStatus;
+    m_device->SetLEDColors(static_cast<std::uint32_t>(color));
+}
+
+void RemoteIndicatorControl::Acknowledge() {
+    auto acknowledgement = TryMake<RemoteIndicatorControlMessage>();
+    if (acknowledgement == nullptr) {
+        return;
+    }
+    acknowledgement->SetSubType(ACKNOWLEDGE_SUB_TYPE);
+    MessageController::SendMessage(std::move(acknowledgement), REMOTE_INDICATOR_CONTROL);
+}
+
+// For whoever watches the loop while it is measured: the length itself goes nowhere yet.
+void RemoteIndicatorControl::CalculateCableLength() {
+    float feet = 0.0F;
+    m_device->CalculateCableLength(feet);
+}
+
+// The reply doesn't say which test it answers: its test id stays 0.
+void RemoteIndicatorControl::Test(const RemoteIndicatorTestMessage& message) {
+    const std::int32_t id = message.GetTestId();
+    const std::int32_t led = id >= FirstLEDTest && id <= LastLEDTest ? id - FirstLEDTest : 0;
+    const bool good = id == WholeIndicatorTest ? m_device->IndicatorIsGood()  //
+                                               : m_device->LEDIsGood(static_cast<std::uint32_t>(led));
+    auto reply = TryMake<RemoteIndicatorTestMessage>();
+    if (reply == nullptr) {
+        return;
+    }
+    reply->SetSubType(RESPONSE_SUB_TYPE);
+    reply->SetVerdict(good ? 1 : 0);
+    MessageController::SendMessage(std::move(reply), REMOTE_INDICATOR_CONTROL);
+}
+
+void RemoteIndicatorControl::ControlAudio(const RemoteIndicatorAudioControlMessage& message) {
+    switch (message.GetAction()) {
+        case STOP_AUDIO:
+            m_device->Stop();
+            break;
+        case PLAY_AUDIO:
+            m_device->Stop();
+            m_device->PlayFile(message.GetFileName().Text(), GapOfNamedFile);
+            break;
+        case RESTART_AUDIO:
+            m_device->RestartPlay();
+            break;
+        default:
+            break;
+    }
+}

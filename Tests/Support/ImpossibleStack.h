@@ -1,0 +1,27 @@
+// While it lives, threads of default attributes get a stack that no machine has, and so can't be made.
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+
+class ImpossibleStack {
+public:
+    ImpossibleStack() {
+        pthread_attr_t attributes;
+        pthread_getattr_default_np(&m_before);
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_setstacksize(&attributes, std::size_t{1} << (sizeof(void*) == 8 ? 46 : 31));
+        pthread_setattr_default_np(&attributes);
+        pthread_attr_destroy(&attributes);
+    }
+    ImpossibleStack(const ImpossibleStack&) = delete;
+    ImpossibleStack& operator=(const ImpossibleStack&) = delete;
+    ~ImpossibleStack() {
+        pthread_setattr_default_np(&m_before);
+        pthread_attr_destroy(&m_before);
+    }
+
+private:
+    pthread_attr_t m_before{};
+};
