@@ -194,7 +194,7 @@ bool RemoteIndicator::CalculateCableLength(float& feet) {
 }
 
 // Without any current, as with a cable that is cut, the length is infinite or no number, and no failure.
-bool RemoteIndicator::ComputeCableLength(float& feet) {
+bool RemoteIndicator::ComputeCableLength(float& feet) const {
     float senseVolts = 0.0F;
     float loopVolts = 0.0F;
     if (!MeasureLoop(senseVolts, loopVolts) || m_settings.cableResistancePerFoot == 0.0F) {

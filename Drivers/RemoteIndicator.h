@@ -41,7 +41,7 @@ private:
     bool MakeLines();
     bool WriteLines(std::uint32_t lit);
     void ChooseSound(std::uint32_t code);
-    bool ComputeCableLength(float& feet);
+    bool ComputeCableLength(float& feet) const;
 
     bool m_valid = false;
     std::uint32_t m_code = 0;  // the last one set with success

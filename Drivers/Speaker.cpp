@@ -3,9 +3,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <string_view>
 
@@ -21,35 +23,41 @@ constexpr const char* OutputControl = "'Output Mixer HiFi' ";
 constexpr std::int32_t FullVolume = 100;  // percent
 constexpr int EndChecks = 5;
 constexpr unsigned SecondsBetweenChecks = 1;
+constexpr std::size_t DigitsOfNumber = 16;  // at most
 
 bool IsVolume(std::int32_t percent) { return percent >= 0 && percent <= FullVolume; }
 
+// False only where no shell could be started: what the tool ends with is not looked at. Allocates nothing.
+bool RunTool(const char* line) {
+    // NOLINTNEXTLINE(cert-env33-c): the tools are found and their arguments parted by the instrument's shell
+    return system(line) >= 0;
+}
+
 // From here to Loop: the child of a process with many threads. Any of them may have held the lock of a stream or of the
 // heap at the fork, so the child writes to the descriptors and allocates nothing.
-void WriteAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            return;
-        }
-        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+char* Put(char* place, std::string_view text) { return std::copy(text.begin(), text.end(), place); }
+
+char* Put(char* place, pid_t number) { return std::to_chars(place, place + DigitsOfNumber, number).ptr; }
+
+void Write(int descriptor, std::string_view text) {
+    while (write(descriptor, text.data(), text.size()) < 0 && errno == EINTR) {
     }
 }
 
-void WriteNumber(int descriptor, pid_t number) {
-    char digits[16];
-    const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), number);
-    WriteAll(descriptor, std::string_view(digits, static_cast<std::size_t>(end.ptr - digits)));
+void IntroduceChild() {
+    char text[128];
+    char* end = Put(text, "In Child Process: Own pid = ");
+    end = Put(end, getpid());
+    end = Put(end, " and Parent pid = ");
+    end = Put(end, getppid());
+    Write(STDOUT_FILENO, std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
 [[noreturn]] void Loop(const char* line, useconds_t gap) {
-    WriteAll(STDOUT_FILENO, "In Child Process: Own pid = ");
-    WriteNumber(STDOUT_FILENO, getpid());
-    WriteAll(STDOUT_FILENO, " and Parent pid = ");
-    WriteNumber(STDOUT_FILENO, getppid());
+    IntroduceChild();
     while (true) {
-        if (system(line) < 0) {
-            WriteAll(STDERR_FILENO, "Speaker: error in player");
+        if (!RunTool(line)) {
+            Write(STDERR_FILENO, "Speaker: error in player");
         }
         usleep(gap);
     }
@@ -61,7 +69,7 @@ Speaker::~Speaker() { Stop(); }
 
 bool Speaker::SetUnmuted(bool unmuted) {
     const std::string line = std::string(MixerCommand) + "set -q " + OutputControl + (unmuted ? "unmute" : "mute");
-    return system(line.c_str()) >= 0;
+    return RunTool(line.c_str());
 }
 
 bool Speaker::SetVolume(std::int32_t left, std::int32_t right) {
@@ -70,7 +78,7 @@ bool Speaker::SetVolume(std::int32_t left, std::int32_t right) {
     }
     const std::string line = std::string(MixerCommand) + "set -q " + MasterControl + std::to_string(left) + "%," +
                              std::to_string(right) + "%";
-    return system(line.c_str()) >= 0;
+    return RunTool(line.c_str());
 }
 
 bool Speaker::Play(const std::string& path, std::int32_t gap) {

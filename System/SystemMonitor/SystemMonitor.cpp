@@ -151,8 +151,7 @@ bool SystemMonitor::ProcessDataMessage(DataMessage* message) {
 // Each value decides afresh, without hysteresis: one low value after an alarm is normal again. A value on a level takes
 // that level; what is no number is normal.
 void SystemMonitor::ProcessMeasurement(const MeasurementMessage& message) {
-    const MeasurementResults results = message.GetMeasurementResults();
-    const auto chlorine = static_cast<float>(results.GetChlorine());
+    const auto chlorine = static_cast<float>(message.GetMeasurementResults().GetChlorine());
     std::int32_t waterStatus = NORMAL_WATER;
     if (m_alarmLevel <= chlorine) {
         waterStatus = ALARM_WATER;
