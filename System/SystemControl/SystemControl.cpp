@@ -10,6 +10,7 @@
 #include "System/MeasurementEngine/MeasurementEngine.h"
 #include "System/RemoteIndicatorControl/RemoteIndicatorControl.h"
 #include "System/SystemMonitor/SystemMonitor.h"
+#include "System/UserInterfaceDataControl/UserInterfaceDataControl.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ struct ControllerRow {
 constexpr ControllerRow Controllers[] = {
     {Make<LoggingControl>, "Unable to Create LoggingControl - "},
     {Make<DeviceMonitor>, "Unable to Create DeviceMonitor - "},
+    {Make<UserInterfaceDataControl>, "Unable to Create UserInterfaceDataControl - "},
     {Make<SystemMonitor>, "Unable to Create SystemMonitor - "},
     {Make<RemoteIndicatorControl>, "Unable to Create RemoteIndicatorControl - "},
     {Make<MeasurementEngine>, "Unable to Create MeasurementEngine - "},

@@ -26,8 +26,8 @@ TEST_F(System, comes_up_idle_and_says_what_it_creates_and_registers) {
     std::vector<std::string> expected = {"Registering All Commands for - SystemControl",
                                          "Changing to IDLE_STATE State for - SystemControl",
                                          "Sending Command - MOVE_TO_IDLE"};
-    for (const char* name : {"MessagingControl", "LoggingControl", "DeviceMonitor", "SystemMonitor",
-                             "RemoteIndicatorControl", "MeasurementEngine"}) {
+    for (const char* name : {"MessagingControl", "LoggingControl", "DeviceMonitor", "UserInterfaceDataControl",
+                             "SystemMonitor", "RemoteIndicatorControl", "MeasurementEngine"}) {
         expected.push_back(std::string("Thread Created - ") + name);
         expected.push_back(std::string("Registering All Commands for - ") + name);
         expected.push_back(std::string("Changing to IDLE_STATE State for - ") + name);
@@ -78,7 +78,6 @@ TEST_F(System, stays_idle_without_automatic_start) {
 TEST_F(System, starts_by_itself_primes_after_5_s_and_collects_after_60_s_more) {
     configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "3000");
     Start();
-    WaitForIdle();
     WaitFor("Sending Command - COLLECT_MEASUREMENT", 2);
     const int running = TimeOf("Sending Command - MOVE_TO_RUNNING");
     EXPECT_NEAR(TimeOf("Sending Command - PRIME_SYSTEM") - running, 5, 2);

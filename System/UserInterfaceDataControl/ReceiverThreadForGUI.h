@@ -1,0 +1,36 @@
+// Connects to the front end and hands whatever comes from it to the controller, as a message. Its creator kills it,
+// joins its thread and deletes it. GetClient and Kill may be called from any thread; all else runs on its own.
+#pragma once
+
+#include <atomic>
+
+#include "Frameworks/IPC/Networking/TCPClient.h"
+#include "Frameworks/Threading/ThreadBase.h"
+#include "System/UserInterfaceDataControl/UserInterfaceDataMessage.h"
+
+class ReceiverThreadForGUI final : public ThreadBase {
+public:
+    ReceiverThreadForGUI();  // starts the thread
+
+    std::int32_t Run() override;
+    void Kill() override;
+    std::int32_t Exit() override;  // nobody calls it: the thread just ends
+    bool Init() override;          // whether the front end is connected
+
+    TCPClient* GetClient() { return &m_client; }
+
+    static std::unique_ptr<UserInterfaceDataMessage> MakeMessage(const StdString& text);
+    static void PostMessage(std::unique_ptr<UserInterfaceDataMessage> message);  // null is ignored
+
+private:
+    bool ConnectWithRetries();
+
+    TCPClient m_client;
+    // As a link's settings go; this one is part of the instrument and has none to read.
+    StdString m_serverIPAddress;
+    StdString m_serverName;
+    StdString m_portNumber;
+    StdString m_connectionRetryCount;
+    StdString m_connectionRetryWaitPeriod;  // s; empty counts as 0
+    StdString m_interfaceName;
+};
