@@ -502,6 +502,21 @@ TEST_F(Indicator, computes_the_length_of_its_cable_with_blue_lit_on_both_sides) 
     EXPECT_EQ(TakeLog(), Log{});
 }
 
+TEST_F(Indicator, measures_cables_of_ten_a_hundred_and_a_thousand_feet_within_5_percent) {
+    settings.blueLEDForwardVoltageDrop = 3.2F;
+    settings.cableResistancePerFoot = 0.052F;
+    Board().SetIioScale("3.222656250");
+    Init();
+    SetColors(1);
+    for (const float cable : {10.0F, 100.0F, 1000.0F}) {
+        SetFault("cable=" + std::to_string(cable));
+        float feet = 0.0F;
+        EXPECT_TRUE(MeasureCable(feet));
+        EXPECT_NEAR(feet, cable, 0.05F * cable);
+        ClearFault("cable");
+    }
+}
+
 TEST_F(Indicator, reads_the_current_ahead_of_the_voltage) {
     Init();
     SetColors(1);

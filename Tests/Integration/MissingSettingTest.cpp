@@ -47,6 +47,16 @@ TEST_F(MissingSetting, of_logging_ends_the_process) {
     ExpectEndNaming("section LOGGING_INFO has no key LogDataFilePath");
 }
 
+TEST_F(MissingSetting, of_the_remote_indicator_ends_the_process) {
+    configuration.Remove("CableResistancePerFoot");
+    ExpectEndNaming("section REMOTE_INDICATOR_INFO has no key CableResistancePerFoot");
+}
+
+TEST_F(MissingSetting, of_the_system_monitor_ends_the_process) {
+    configuration.Remove("AckTimeout");
+    ExpectEndNaming("section SYSTEM_MONITOR_INFO has no key AckTimeout");
+}
+
 TEST_F(MissingSetting, of_the_measurement_ends_the_process_at_the_first_priming) {
     configuration.Remove("LEDSettleTime");
     ExpectEndNaming("section MEASUREMENT_ENGINE_INFO has no key LEDSettleTime");

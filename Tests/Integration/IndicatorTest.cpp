@@ -1,0 +1,254 @@
+// From a chlorine value to the remote indicator's colours and sound, in the whole system.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <limits>
+
+#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "Tests/Support/SystemFixture.h"
+
+namespace {
+
+using Bench::IndicatorLed;
+
+const std::string Alert = "aplay -q /usr/share/vorn/bin/alert.wav";
+const std::string Alarm = "aplay -q /usr/share/vorn/bin/alarm.wav";
+const std::string NoAcknowledgement = "SystemMonitor::Did not receive an ACK message from the remote indicator!";
+const std::string NotConnected = "Remote indicator is not connected!";
+const std::string InitFailed = "RemoteIndicatorControl - Init method failed!";
+
+class WaterIndicator : public SystemOnBoard {
+protected:
+    WaterIndicator() : SystemOnBoard(50.0) {}
+
+    void StartIdle() {
+        Start();
+        WaitForIdle();
+    }
+
+    // As a cycle would that has come to that value.
+    static void Publish(double chlorine) {
+        MeasurementResults results;
+        results.SetChlorine(chlorine);
+        auto message = std::make_unique<MeasurementMessage>();
+        message->SetMeasurementResults(results);
+        EXPECT_TRUE(MessageController::SendMessage(std::move(message), MEASUREMENT_ENGINE));
+    }
+
+    // "B" and "b" for the blue LEDs of the analyzer and of the water, and so on.
+    std::string Lit() const {
+        std::string lit;
+        for (const auto& [led, letter] : {std::pair(IndicatorLed::BlueAnalyzer, 'B'),
+                                          {IndicatorLed::AmberAnalyzer, 'A'},
+                                          {IndicatorLed::RedAnalyzer, 'R'},
+                                          {IndicatorLed::BlueWater, 'b'},
+                                          {IndicatorLed::AmberWater, 'a'},
+                                          {IndicatorLed::RedWater, 'r'}}) {
+            lit += Board().IndicatorLit(led) ? std::string(1, letter) : "";
+        }
+        return lit;
+    }
+
+    void WaitForColors(const std::string& lit, double realSeconds = 60.0) const {
+        EXPECT_TRUE(Board().WaitUntil([&] { return Lit() == lit; }, realSeconds)) << Lit() << ", not " << lit;
+    }
+
+    void WaitForSound(const std::string& call) const {
+        EXPECT_TRUE(Board().WaitUntil([&] {
+            const std::vector<std::string> calls = Board().SoundCalls();
+            return !calls.empty() && calls.back() == call;
+        })) << call;
+    }
+
+    // The clip that plays has ended, and none follows it within twenty simulated seconds.
+    void ExpectSilence() const {
+        EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
+        Board().ClearSoundCalls();
+        const double end = Board().Seconds() + 20.0;
+        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
+        EXPECT_EQ(Board().SoundCalls(), std::vector<std::string>{});
+    }
+
+    static void ExpectNoChild() {
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD);
+    }
+
+    void SetFault(const std::string& fault) const {
+        std::string error;
+        EXPECT_TRUE(Board().SetFault(fault, error)) << error;
+    }
+
+    void SetChlorine(double milligramsPerLitre) const {
+        Bench::InstrumentSettings settings = Board().Settings();
+        settings.chlorine = milligramsPerLitre;
+        Board().SetSettings(settings);
+    }
+};
+
+}  // namespace
+
+TEST_F(WaterIndicator, follows_the_water_through_cycles) {
+    configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "1000");
+    constexpr double RealSecondsForCycles = 200.0;
+    SetChlorine(0.95);
+    Start();
+    WaitForColors("Br", RealSecondsForCycles);
+    WaitForSound(Alarm);
+    SetChlorine(0.65);
+    WaitForColors("Ba", RealSecondsForCycles);
+    WaitForSound(Alert);
+    SetChlorine(0.20);
+    WaitForColors("Bb", RealSecondsForCycles);
+    ExpectSilence();
+}
+
+TEST_F(WaterIndicator, shows_alarm_alert_and_normal_with_their_sounds) {
+    StartIdle();
+    EXPECT_EQ(Lit(), "Bb");
+    Publish(0.9);
+    WaitForColors("Br");
+    WaitForSound(Alarm);
+    Publish(0.6);
+    WaitForColors("Ba");
+    WaitForSound(Alert);
+    Publish(0.2);
+    WaitForColors("Bb");
+    ExpectSilence();
+    EXPECT_EQ(CountOf(NoAcknowledgement), 0);
+}
+
+TEST_F(WaterIndicator, takes_the_level_that_a_value_lies_on) {
+    StartIdle();
+    Publish(0.8);
+    WaitForColors("Br");
+    Publish(0.5);
+    WaitForColors("Ba");
+}
+
+TEST_F(WaterIndicator, falls_back_from_an_alarm_with_one_low_value) {
+    StartIdle();
+    Publish(0.9);
+    WaitForColors("Br");
+    WaitForSound(Alarm);
+    Publish(0.4999);
+    WaitForColors("Bb");
+    ExpectSilence();
+}
+
+TEST_F(WaterIndicator, takes_what_is_no_number_for_normal) {
+    StartIdle();
+    Publish(0.9);
+    WaitForColors("Br");
+    Publish(std::numeric_limits<double>::quiet_NaN());
+    WaitForColors("Bb");
+}
+
+TEST_F(WaterIndicator, goes_by_the_levels_of_the_settings_after_a_reset) {
+    StartIdle();
+    Publish(0.6);
+    WaitForColors("Ba");
+    Reset();
+    configuration.Set("AlarmLevel", "0.55");
+    StartIdle();
+    Publish(0.6);
+    WaitForColors("Br");
+}
+
+TEST_F(WaterIndicator, tells_a_broken_led_from_a_good_one) {
+    SetFault("indicator-led-open=blue-water");
+    StartIdle();
+    for (const std::int32_t id : {4, 5}) {  // blue and amber of the water
+        auto request = std::make_unique<RemoteIndicatorTestMessage>();
+        request->SetTestId(id);
+        EXPECT_TRUE(MessageController::SendMessage(std::move(request), SYSTEM_MONITOR));
+        WaitFor("Data Message (REMOTE_INDICATOR_TEST_MESSAGE) : From - RemoteIndicatorControl : To - MessagingControl",
+                id - 3);
+    }
+    // The monitor awaits the test of the whole, the first after the start.
+    WaitFor(NotConnected);
+    Publish(0.6);
+    WaitForColors("Ba");
+    EXPECT_EQ(CountOf(NotConnected), 1);
+}
+
+TEST_F(WaterIndicator, shows_its_colours_without_sound_tools) {
+    SetFault("sound-tools-missing");
+    StartIdle();
+    Publish(0.9);
+    WaitForColors("Br");
+    Publish(0.2);
+    WaitForColors("Bb");
+    EXPECT_EQ(Board().SoundCalls(), std::vector<std::string>{});
+}
+
+TEST_F(WaterIndicator, sounds_where_the_mixer_does_not_answer) {
+    SetFault("amixer-fails");
+    StartIdle();
+    Publish(0.9);
+    WaitForColors("Br");
+    WaitForSound(Alarm);
+}
+
+TEST_F(WaterIndicator, is_missed_where_its_lines_are_taken_while_the_system_runs_on) {
+    SetFault("gpio-taken=indicator");
+    configuration.Set("AckTimeout", "2000");
+    Start();
+    WaitFor(InitFailed);
+    EXPECT_TRUE(Board().WaitUntil([] { return IsIdle(SYSTEM_CONTROL) && IsIdle(SYSTEM_MONITOR); }));
+    Publish(0.9);
+    WaitFor(NoAcknowledgement);
+    Publish(0.9);
+    WaitFor(NoAcknowledgement, 2);
+    EXPECT_EQ(Lit(), "");
+    Send(MOVE_TO_RUNNING);
+    WaitFor("Changing to RUNNING_STATE State for - SystemMonitor");
+    Send(MOVE_TO_IDLE);
+    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine", 2);
+}
+
+TEST_F(WaterIndicator, comes_back_with_a_reset_where_its_lines_are_free_again) {
+    SetFault("gpio-taken=3,20");
+    Start();
+    WaitFor(InitFailed);
+    Reset();
+    std::string error;
+    ASSERT_TRUE(Board().ClearFault("gpio-taken", error)) << error;
+    StartIdle();
+    Publish(0.9);
+    WaitForColors("Br");
+}
+
+TEST_F(WaterIndicator, leaves_no_player_behind_a_reset_and_lets_its_clip_play_to_the_end) {
+    StartIdle();
+    Publish(0.9);
+    WaitForSound(Alarm);
+    Reset();
+    ExpectNoChild();
+    ExpectSilence();
+    EXPECT_FALSE(Board().Pin(3, 20).claimed);
+}
+
+TEST_F(WaterIndicator, resets_at_once_while_an_acknowledgement_is_awaited) {
+    configuration.Set("AckTimeout", "86400000");
+    StartIdle();
+    Publish(0.2);
+    Publish(0.2);
+    WaitFor("Data Message (REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE) : From - SystemMonitor : To - MessagingControl",
+            2);
+    Reset();
+    EXPECT_EQ(CountOf(NoAcknowledgement), 0);
+}
+
+TEST_F(WaterIndicator, resets_in_the_middle_of_a_change_of_sound) {
+    for (int generation = 0; generation < 3; ++generation) {
+        StartIdle();
+        Publish(0.9);
+        WaitForSound(Alarm);
+        Publish(0.6);
+        Reset();
+        ExpectNoChild();
+    }
+}

@@ -1,0 +1,512 @@
+#include "System/RemoteIndicatorControl/RemoteIndicatorControl.h"
+
+#include <cerrno>
+#include <tuple>
+
+#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
+#include "System/RemoteIndicatorControl/RemoteIndicatorCalculateCableLength.h"
+#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
+#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "Tests/Support/ControllerOnBoard.h"
+#include "Tests/Support/FailingAllocation.h"
+
+namespace {
+
+using Bench::IndicatorLed;
+
+const std::string InvalidColor = "RemoteIndicatorControl - Invalid color status!";
+const std::string InvalidMessage = "RemoteIndicatorControl - Invalid data message!";
+const std::string InitFailed = "RemoteIndicatorControl - Init method failed!";
+const std::string ColorsFailed = "RemoteIndicator::SetLEDColors Setting visual or audio failed!";
+
+const std::string Alert = "aplay -q /usr/share/vorn/bin/alert.wav";
+const std::string Alarm = "aplay -q /usr/share/vorn/bin/alarm.wav";
+
+class Control : public ControllerOnBoard<RemoteIndicatorControl, REMOTE_INDICATOR_CONTROL> {
+protected:
+    Control() {
+        monitor = std::make_unique<CapturingController>(
+            ControllerNames[SYSTEM_MONITOR],
+            std::vector{REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE, REMOTE_INDICATOR_TEST_MESSAGE});
+    }
+
+    ~Control() override { Stop(); }
+
+    void PostColors(std::int32_t analyzer, std::int32_t water, std::int32_t select = 0,
+                    std::int32_t subType = REQUEST_SUB_TYPE) {
+        auto message = std::make_unique<RemoteIndicatorControlMessage>();
+        message->SetSubType(subType);
+        message->SetAnalyzerStatus(analyzer);
+        message->SetWaterStatus(water);
+        message->SetStatusSelect(select);
+        Post(std::move(message));
+    }
+
+    void SetColors(std::int32_t analyzer, std::int32_t water, std::int32_t select = 0) {
+        PostColors(analyzer, water, select);
+        Barrier();
+    }
+
+    // The verdict of the reply.
+    bool Test(std::int32_t id) {
+        auto message = std::make_unique<RemoteIndicatorTestMessage>();
+        message->SetTestId(id);
+        Post(std::move(message));
+        const auto& reply = monitor->Get<RemoteIndicatorTestMessage>(m_replies++);
+        EXPECT_EQ(reply.GetDataType(), REMOTE_INDICATOR_TEST_MESSAGE);
+        EXPECT_EQ(reply.GetSubType(), 1);
+        EXPECT_EQ(reply.GetTestId(), 0);
+        EXPECT_EQ(reply.GetSource(), &Get());
+        return reply.GetVerdict() != 0;
+    }
+
+    void ControlAudio(std::int32_t action, const char* file = "") {
+        auto message = std::make_unique<RemoteIndicatorAudioControlMessage>();
+        message->SetAction(action);
+        message->SetFileName(file);
+        Post(std::move(message));
+        Barrier();
+    }
+
+    void MeasureCable() {
+        Post(std::make_unique<RemoteIndicatorCalculateCableLength>());
+        Barrier();
+    }
+
+    // One letter a lit LED: of the analyzer in capitals, then of the water.
+    std::string Lit() const {
+        std::string lit;
+        for (const auto& [led, letter] : {std::pair(IndicatorLed::BlueAnalyzer, 'B'),
+                                          {IndicatorLed::AmberAnalyzer, 'A'},
+                                          {IndicatorLed::RedAnalyzer, 'R'},
+                                          {IndicatorLed::BlueWater, 'b'},
+                                          {IndicatorLed::AmberWater, 'a'},
+                                          {IndicatorLed::RedWater, 'r'}}) {
+            lit += Board().IndicatorLit(led) ? std::string(1, letter) : "";
+        }
+        return lit;
+    }
+
+    void WaitForSound(const std::string& call) {
+        EXPECT_TRUE(Board().WaitUntil([&] {
+            const Texts calls = Board().SoundCalls();
+            return !calls.empty() && calls.back() == call;
+        })) << call;
+    }
+
+    // No clip is started any more.
+    void ExpectSilence() {
+        EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
+        Board().ClearSoundCalls();
+        const double end = Board().Seconds() + 20.0;
+        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
+        EXPECT_EQ(Board().SoundCalls(), Texts{});
+    }
+
+    void ExpectNoInit() {
+        Launch();
+        WaitForLine("Changing to POST_EXITING_STATE State for - RemoteIndicatorControl");
+        Join();
+    }
+
+    std::unique_ptr<CapturingController> monitor;
+
+private:
+    std::size_t m_replies = 0;
+};
+
+}  // namespace
+
+TEST_F(Control, sets_the_mixer_and_shows_blue_on_both_sides_in_silence_when_it_initialises) {
+    Start();
+    EXPECT_EQ(Lit(), "Bb");
+    EXPECT_EQ(Board().SoundCalls(),
+              (Texts{"amixer set -q 'Output Mixer HiFi' unmute", "amixer set -q Master 95%,95%"}));
+    const Texts lines = LinesOf(DEBUG_LOG_LEVEL);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Initializing Thread for - RemoteIndicatorControl"), 1);
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, follows_the_four_state_commands_and_lets_the_others_pass) {
+    Start();
+    for (const auto& [command, state] : {std::pair(MOVE_TO_IDLE, IDLE_STATE),
+                                         {MOVE_TO_RUNNING, RUNNING_STATE},
+                                         {MOVE_TO_SHUTDOWN, SHUTDOWN_STATE},
+                                         {MOVE_TO_TEST, TEST_STATE}}) {
+        Tell(command);
+        WaitForLine("Changing to " + ThreadStateNames[state].Text() + " State for - RemoteIndicatorControl",
+                    state == TEST_STATE ? 2 : 1);
+    }
+    for (const CommandType command : {RESET_SYSTEM, PRIME_SYSTEM, COLLECT_MEASUREMENT, NO_COMMAND}) {
+        Tell(command);
+    }
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, null_messages_end_the_thread_and_a_time_out_does_not) {
+    Start();
+    EXPECT_FALSE(Get().ProcessCommandMessage(nullptr));
+    EXPECT_FALSE(Get().ProcessDataMessage(nullptr));
+    EXPECT_TRUE(Get().ProcessTimeOut());
+    WaitForLine("Processing TimeOut for - RemoteIndicatorControl");
+}
+
+TEST_F(Control, ends_registering_at_the_first_refusal_and_does_not_initialise_then) {
+    Start();
+    EXPECT_FALSE(Get().DoRegistration());
+    EXPECT_FALSE(Get().Init());
+    EXPECT_EQ(Errors(), (Texts{"RemoteIndicatorControl::DoRegistration failed!",
+                               "RemoteIndicatorControl::DoRegistration failed!", InitFailed}));
+}
+
+TEST_F(Control, ends_without_its_section) {
+    configuration.RemoveSection("REMOTE_INDICATOR_INFO");
+    LoadSettings();
+    ExpectNoInit();
+    EXPECT_EQ(Errors(), (Texts{InitFailed}));
+}
+
+TEST_F(Control, ends_without_settings) {
+    ExpectNoInit();
+    EXPECT_EQ(Errors(), (Texts{InitFailed}));
+}
+
+TEST_F(Control, ends_where_its_lines_are_taken) {
+    LoadSettings();
+    SetFault("gpio-taken=3,19");
+    ExpectNoInit();
+    EXPECT_EQ(Errors(), (Texts{"RemoteIndicator::Init Configuring visual or audio failed", InitFailed}));
+}
+
+TEST_F(Control, ends_where_the_first_colours_can_not_be_set) {
+    LoadSettings();
+    // Three writes for each of six lines claimed and then set up; the next one is the first colour's.
+    ASSERT_TRUE(Board().FailCall("write", 6 * 3 + 6 * 3 + 1, EIO));
+    ExpectNoInit();
+    EXPECT_EQ(Errors(), (Texts{ColorsFailed, InitFailed}));
+}
+
+TEST_F(Control, ends_where_the_device_can_not_be_made) {
+    LoadSettings();
+    FailingAllocation::FailSize(sizeof(RemoteIndicator));
+    ExpectNoInit();
+    EXPECT_EQ(Errors(), (Texts{InitFailed}));
+}
+
+TEST_F(Control, works_without_sound_tools) {
+    SetFault("sound-tools-missing");
+    Start();
+    SetColors(1, 3);
+    EXPECT_EQ(Lit(), "Br");
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+namespace {
+
+struct PairCase {
+    std::int32_t analyzer;
+    std::int32_t water;
+    const char* lit;  // null: no colour
+};
+
+class ControlPairs : public Control, public testing::WithParamInterface<PairCase> {};
+
+}  // namespace
+
+TEST_P(ControlPairs, light_what_the_table_says_and_keep_all_where_it_says_nothing) {
+    Start();
+    SetColors(2, 2);
+    EXPECT_EQ(Lit(), "Aa");
+    SetColors(GetParam().analyzer, GetParam().water);
+    if (GetParam().lit != nullptr) {
+        EXPECT_EQ(Lit(), GetParam().lit);
+        EXPECT_EQ(Errors(), Texts{});
+        return;
+    }
+    EXPECT_EQ(Lit(), "Aa");
+    EXPECT_EQ(Errors(), (Texts{InvalidColor}));
+    SetColors(0, 3, 2);  // the statuses are the former ones, too
+    EXPECT_EQ(Lit(), "Ar");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ControlPairs,
+    testing::Values(PairCase{0, 0, "BARbar"}, PairCase{0, 1, nullptr}, PairCase{0, 2, nullptr}, PairCase{0, 3, nullptr},
+                    PairCase{1, 0, nullptr}, PairCase{1, 1, "Bb"}, PairCase{1, 2, "Ba"}, PairCase{1, 3, "Br"},
+                    PairCase{2, 0, nullptr}, PairCase{2, 1, "Ab"}, PairCase{2, 2, "Aa"}, PairCase{2, 3, "Ar"},
+                    PairCase{3, 0, "R"}, PairCase{3, 1, "Rb"}, PairCase{3, 2, "Ra"}, PairCase{3, 3, nullptr}),
+    [](const auto& row) { return std::to_string(row.param.analyzer) + std::to_string(row.param.water); });
+
+// What comes from within the process is used as it comes, but never to read beside the table.
+INSTANTIATE_TEST_SUITE_P(OutOfTable, ControlPairs,
+                         testing::Values(PairCase{4, 1, nullptr}, PairCase{1, 4, nullptr}, PairCase{-1, 1, nullptr},
+                                         PairCase{1, -1, nullptr}, PairCase{2147483647, 2147483647, nullptr},
+                                         PairCase{-2147483647 - 1, -2147483647 - 1, nullptr}));
+
+TEST_F(Control, sounds_with_its_colours) {
+    Start();
+    SetColors(1, 2);
+    WaitForSound(Alert);
+    SetColors(1, 3);
+    WaitForSound(Alarm);
+    SetColors(1, 1);
+    ExpectSilence();
+}
+
+TEST_F(Control, applies_both_statuses_the_analyzers_or_the_waters_as_selected) {
+    Start();
+    SetColors(2, 3, 1);
+    EXPECT_EQ(Lit(), "Ab");
+    SetColors(1, 3, 2);
+    EXPECT_EQ(Lit(), "Ar");
+    SetColors(1, 2, 0);
+    EXPECT_EQ(Lit(), "Ba");
+    SetColors(3, 1, 3);
+    EXPECT_EQ(Lit(), "Bb");
+    SetColors(3, 2, -1);
+    EXPECT_EQ(Lit(), "Ba");
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, acknowledges_each_request_with_an_empty_message) {
+    Start();
+    PostColors(2, 3);
+    const auto& acknowledgement = monitor->Get<RemoteIndicatorControlMessage>();
+    EXPECT_EQ(acknowledgement.GetSubType(), 2);
+    EXPECT_EQ(acknowledgement.GetWaterStatus(), 0);
+    EXPECT_EQ(acknowledgement.GetAnalyzerStatus(), 0);
+    EXPECT_EQ(acknowledgement.GetStatusSelect(), 0);
+    EXPECT_EQ(acknowledgement.GetSource(), &Get());
+}
+
+TEST_F(Control, acknowledges_what_it_could_not_show) {
+    Start();
+    SetColors(3, 3);
+    SetFault("write-refused=pioD16/value");
+    SetColors(1, 2);
+    EXPECT_EQ(monitor->Get<RemoteIndicatorControlMessage>(1).GetSubType(), 2);
+    EXPECT_EQ(Errors(), (Texts{InvalidColor, ColorsFailed}));
+}
+
+TEST_F(Control, remembers_the_statuses_that_it_could_not_show) {
+    Start();
+    SetFault("write-refused=pioD16/value");
+    SetColors(2, 2);
+    std::string error;
+    ASSERT_TRUE(Board().ClearFault("write-refused", error)) << error;
+    SetColors(0, 3, 2);
+    EXPECT_EQ(Lit(), "Ar");
+}
+
+TEST_F(Control, goes_on_where_the_acknowledgement_can_not_be_made) {
+    Start();
+    FailingAllocation::FailSize(sizeof(RemoteIndicatorControlMessage));
+    SetColors(2, 2);
+    EXPECT_EQ(Lit(), "Aa");
+    EXPECT_EQ(monitor->Count(), 0U);
+    SetColors(1, 1);
+    EXPECT_EQ(monitor->Get<RemoteIndicatorControlMessage>().GetSubType(), 2);
+}
+
+TEST_F(Control, passes_over_its_own_kinds_that_are_no_requests) {
+    Start();
+    for (const std::int32_t subType : {RESPONSE_SUB_TYPE, ACKNOWLEDGE_SUB_TYPE}) {
+        PostColors(2, 2, 0, subType);
+        auto test = std::make_unique<RemoteIndicatorTestMessage>();
+        test->SetSubType(subType);
+        Post(std::move(test));
+        auto cable = std::make_unique<RemoteIndicatorCalculateCableLength>();
+        cable->SetSubType(subType);
+        Post(std::move(cable));
+        auto audio = std::make_unique<RemoteIndicatorAudioControlMessage>();
+        audio->SetSubType(subType);
+        audio->SetAction(1);
+        audio->SetFileName("alarm.wav");
+        Post(std::move(audio));
+    }
+    Board().ClearTrace();
+    Barrier();
+    EXPECT_EQ(Board().Trace(), Texts{});
+    EXPECT_EQ(monitor->Count(), 0U);
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, reports_any_other_kind) {
+    Start();
+    auto message = std::make_unique<LogInfoMessage>();
+    Post(std::move(message));
+    auto reply = std::make_unique<LogInfoMessage>();
+    reply->SetSubType(RESPONSE_SUB_TYPE);
+    Post(std::move(reply));
+    Barrier();
+    EXPECT_EQ(Errors(), (Texts{InvalidMessage, InvalidMessage}));
+}
+
+TEST_F(Control, serves_in_every_state) {
+    Start();
+    for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
+        Tell(command);
+        PostColors(3, 1);
+        EXPECT_TRUE(Board().WaitUntil([this] { return Lit() == "Rb"; })) << CommandNames[command].Text();
+        PostColors(1, 1);
+        EXPECT_TRUE(Board().WaitUntil([this] { return Lit() == "Bb"; }));
+    }
+}
+
+namespace {
+
+// The acknowledgements of colour requests would stand among the replies, so these tests set no colours.
+class ControlTests : public Control, public testing::WithParamInterface<std::tuple<int, const char*>> {};
+
+}  // namespace
+
+TEST_F(ControlTests, find_all_good_on_a_sound_indicator) {
+    Start();
+    for (std::int32_t id = 0; id <= 6; ++id) {
+        EXPECT_TRUE(Test(id)) << id;
+    }
+    EXPECT_EQ(Lit(), "Bb");
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_P(ControlTests, find_the_broken_led_and_no_other) {
+    const auto& [brokenId, name] = GetParam();
+    SetFault((std::string("indicator-led-open=") + name).c_str());
+    Start();
+    for (std::int32_t id = 1; id <= 6; ++id) {
+        EXPECT_EQ(Test(id), id != brokenId) << id;
+    }
+    EXPECT_TRUE(Test(0));
+}
+
+INSTANTIATE_TEST_SUITE_P(LEDs, ControlTests,
+                         testing::Values(std::tuple(1, "blue-analyzer"), std::tuple(2, "amber-analyzer"),
+                                         std::tuple(3, "red-analyzer"), std::tuple(4, "blue-water"),
+                                         std::tuple(5, "amber-water"), std::tuple(6, "red-water")),
+                         [](const auto& row) { return std::to_string(std::get<0>(row.param)); });
+
+TEST_F(ControlTests, find_the_whole_good_with_three_good_leds_and_bad_with_two) {
+    Start();
+    for (const char* led : {"blue-analyzer", "red-water", "amber-water"}) {
+        SetFault((std::string("indicator-led-open=") + led).c_str());
+        EXPECT_TRUE(Test(0)) << led;
+    }
+    SetFault("indicator-led-open=red-analyzer");
+    EXPECT_FALSE(Test(0));
+}
+
+TEST_F(ControlTests, look_at_the_blue_analyzer_led_for_any_other_id) {
+    SetFault("indicator-led-open=blue-analyzer");
+    Start();
+    for (const std::int32_t id : {7, -1, 2147483647}) {
+        EXPECT_FALSE(Test(id)) << id;
+    }
+    std::string error;
+    ASSERT_TRUE(Board().ClearFault("indicator-led-open", error)) << error;
+    EXPECT_TRUE(Test(7));
+}
+
+TEST_F(ControlTests, go_on_where_the_reply_can_not_be_made) {
+    Start();
+    FailingAllocation::FailSize(sizeof(RemoteIndicatorTestMessage));
+    Post(std::make_unique<RemoteIndicatorTestMessage>());
+    Barrier();
+    EXPECT_EQ(monitor->Count(), 0U);
+    EXPECT_TRUE(Test(1));
+}
+
+TEST_F(Control, measures_the_cable_and_tells_nobody) {
+    Start();
+    SetColors(3, 1);
+    const std::size_t before = monitor->Count();
+    MeasureCable();
+    EXPECT_EQ(Lit(), "Rb");
+    EXPECT_EQ(monitor->Count(), before);
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, says_so_where_the_cable_can_not_be_measured) {
+    configuration.Set("CableResistancePerFoot", "0.0");
+    Start();
+    MeasureCable();
+    EXPECT_EQ(Errors(), (Texts{"RemoteIndicator::CalculateCableLength failed!"}));
+}
+
+TEST_F(Control, plays_a_named_file_with_a_gap_of_a_millisecond) {
+    configuration.Set("AlarmFileGapBetweenPlay", "60000000");
+    Start();
+    ControlAudio(1, "alarm.wav");
+    EXPECT_TRUE(Board().WaitUntil([this] {
+        const Texts calls = Board().SoundCalls();
+        return std::count(calls.begin(), calls.end(), Alarm) >= 3;
+    }));
+    ControlAudio(0);
+    ExpectSilence();
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, stops_a_sound_for_a_named_file_and_comes_back_to_it) {
+    Start();
+    SetColors(1, 2);
+    WaitForSound(Alert);
+    ControlAudio(1, "alarm.wav");
+    WaitForSound(Alarm);
+    ControlAudio(2);
+    WaitForSound(Alert);
+    ControlAudio(0);
+    ExpectSilence();
+    ControlAudio(2);
+    WaitForSound(Alert);
+}
+
+TEST_F(Control, is_silent_for_a_file_without_a_name) {
+    Start();
+    SetColors(1, 2);
+    WaitForSound(Alert);
+    ControlAudio(1, "");
+    ExpectSilence();
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, has_nothing_to_restart_in_silent_colours) {
+    Start();
+    ControlAudio(2);
+    ExpectSilence();
+}
+
+TEST_F(Control, ignores_other_audio_actions) {
+    Start();
+    SetColors(1, 2);
+    WaitForSound(Alert);
+    for (const std::int32_t action : {3, -1}) {
+        ControlAudio(action, "alarm.wav");
+    }
+    Board().ClearSoundCalls();
+    WaitForSound(Alert);
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(Control, reads_gaps_with_an_x_as_hexadecimal) {
+    configuration.Set("AlarmFileGapBetweenPlay", "0x989680");  // ten seconds
+    Start();
+    SetColors(1, 3);
+    std::vector<double> times;
+    EXPECT_TRUE(Board().WaitUntil([&] {
+        times.clear();
+        for (const Bench::TraceEntry& entry : Board().TraceWithTimes()) {
+            if (entry.text == "run " + Alarm) {
+                times.push_back(entry.seconds);
+            }
+        }
+        return times.size() >= 2;
+    }));
+    EXPECT_GE(times[1] - times[0], 10.0);
+}
+
+TEST_F(Control, leaves_no_player_behind_when_it_ends) {
+    Start();
+    SetColors(1, 3);
+    WaitForSound(Alarm);
+    Stop();
+    ExpectSilence();
+}
