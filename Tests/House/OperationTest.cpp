@@ -1,0 +1,50 @@
+// Holds the log lines that the operator's table tells of against those that the product can write.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Tests/Support/ReadFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Sources() {
+    std::string text;
+    for (const char* folder : {"Drivers", "Frameworks", "System"}) {
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(fs::path(SOURCE_FOLDER) / folder)) {
+            text += entry.path().extension() == ".cpp" ? ReadFile(entry.path()) : "";
+        }
+    }
+    return text;
+}
+
+// What stands between backticks and reads like a line of the log: words that end in "!" or "failed".
+std::vector<std::string> LinesToldOf(const std::string& document) {
+    std::vector<std::string> lines;
+    for (std::size_t start = document.find('`'); start != std::string::npos; start = document.find('`', start)) {
+        const std::size_t end = document.find('`', start + 1);
+        if (end == std::string::npos) {
+            break;
+        }
+        const std::string text = document.substr(start + 1, end - start - 1);
+        if (text.find(' ') != std::string::npos && (text.ends_with("!") || text.ends_with("failed"))) {
+            lines.push_back(text);
+        }
+        start = end + 1;
+    }
+    return lines;
+}
+
+}  // namespace
+
+TEST(House, operators_are_told_of_lines_that_the_product_writes) {
+    const std::string sources = Sources();
+    const std::vector<std::string> lines = LinesToldOf(ReadFile(SOURCE_FOLDER "/Documentation/Operation.md"));
+    EXPECT_GE(lines.size(), 20U);
+    for (const std::string& line : lines) {
+        EXPECT_NE(sources.find("\"" + line + "\""), std::string::npos) << line;
+    }
+}
