@@ -116,6 +116,10 @@ void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
                 message->GetDestinationName(),
             DEBUG_LOG_LEVEL);
     }
+    // Nobody would ever fetch it, and the rest of the system may run on for years.
+    if (GetState() == POST_EXITING_STATE) {
+        return;
+    }
     Buffer().PostMessage(std::move(message));
 }
 

@@ -27,6 +27,18 @@ public:
     }
 };
 
+// Tells when it is freed.
+class TellingMessage : public CommandMessage {
+public:
+    explicit TellingMessage(bool& freed) : CommandMessage(PRIME_SYSTEM), m_freed(freed) {}
+    TellingMessage(const TellingMessage&) = delete;
+    TellingMessage& operator=(const TellingMessage&) = delete;
+    ~TellingMessage() override { m_freed = true; }
+
+private:
+    bool& m_freed;
+};
+
 }  // namespace
 
 TEST(ThreadControl, a_message_from_before_its_start_is_received) {
@@ -122,13 +134,25 @@ TEST(ThreadControl, an_Init_that_fails_goes_straight_to_Exit) {
     EXPECT_EQ(one.Notes(), (Notes{"init", "exit"}));
 }
 
-TEST(ThreadControl, a_message_after_the_end_is_kept_harmlessly_and_freed) {
+TEST(ThreadControl, a_message_after_the_end_is_freed_at_once) {
     EndingController one("One");
     one.CreateThread();
     one.Kill();
     one.JoinAndForget();
-    one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
+    bool freed = false;
+    one.ReceiveMessage(std::make_unique<TellingMessage>(freed));
+    EXPECT_TRUE(freed);
     EXPECT_EQ(one.WaitForNotes(2).back(), "exit");
+}
+
+TEST(ThreadControl, a_message_before_the_end_is_freed_with_its_queue) {
+    bool freed = false;
+    {
+        RecordingController one("One");
+        one.ReceiveMessage(std::make_unique<TellingMessage>(freed));
+        EXPECT_FALSE(freed);
+    }
+    EXPECT_TRUE(freed);
 }
 
 TEST(MessageBuffer, is_named_after_its_thread) {

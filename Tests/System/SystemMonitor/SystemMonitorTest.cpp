@@ -399,6 +399,13 @@ TEST_F(LEDTests, step_on_with_each_time_out_and_come_to_the_whole_only_once) {
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "Processing TimeOut for - SystemMonitor"), 9);
 }
 
+TEST_F(LEDTests, step_on_though_the_request_can_not_be_made) {
+    Barrier();
+    FailingAllocation::FailSize(sizeof(RemoteIndicatorTestMessage));
+    MoveTo(2);
+    EXPECT_EQ(Requested(1), (std::vector<std::int32_t>{2}));
+}
+
 TEST_F(LEDTests, name_each_that_fails_and_the_whole_at_the_end_of_the_pass) {
     Pass(Verdicts(7, false));
     EXPECT_EQ(Errors(),
