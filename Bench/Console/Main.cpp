@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "Bench/Console/Runner.h"
+#include "Bench/Peers/FrontEndProgram.h"
+#include "Bench/Peers/TestServerProgram.h"
 
 namespace {
 
@@ -32,6 +34,20 @@ bool FaultsFit(const Bench::Options& options, std::string& error) {
     return true;
 }
 
+int RunPeer(const Bench::Options& options) {
+    if (options.frontEnd) {
+        return Bench::RunFrontEnd(
+            {options.frontEndPort.value_or(Bench::FrontEnd::UsualPort), options.script, options.wait});
+    }
+    Bench::AnalyzerSettings settings;
+    std::string error;
+    if (!Bench::ReadAnalyzerSettings(options.config.empty() ? BENCH_CONFIGURATION : options.config, settings, error)) {
+        return Refuse(error);
+    }
+    return Bench::RunTestServer(
+        {options.testServerPort.value_or(settings.testServerPort), options.script, options.wait});
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -47,6 +63,9 @@ int main(int count, char** arguments) {
     if (options.listFaults) {
         ListFaults();
         return Bench::ExitDone;
+    }
+    if (options.frontEnd || options.testServer) {
+        return RunPeer(options);
     }
     if (!options.program.empty() && access(options.program.c_str(), X_OK) != 0) {
         return Refuse("can't run the program " + options.program);

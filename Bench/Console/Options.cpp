@@ -15,6 +15,8 @@ constexpr double MaximalChlorine = 20.0;
 constexpr double MinimalSpeed = 0.1;
 constexpr double MaximalSpeed = 1000.0;
 constexpr std::uint64_t MaximalSeed = 0xFFFFFFFF;
+constexpr std::uint64_t MaximalPort = 0xFFFF;
+constexpr double MaximalWait = 1000000.0;
 
 bool ReadWhole(const std::string& text, std::uint64_t highest, std::uint64_t& value) {
     if (text.empty() || text.size() > 12 || text.find_first_not_of("0123456789") != std::string::npos) {
@@ -89,6 +91,26 @@ bool TakeFault(Options& options, const std::string& value) {
     return !value.empty() && value.find_first_of("=@") != 0;
 }
 
+bool TakePort(std::optional<std::uint16_t>& port, const std::string& value) {
+    std::uint64_t number = 0;
+    if (!ReadWhole(value, MaximalPort, number) || number == 0) {
+        return false;
+    }
+    port = static_cast<std::uint16_t>(number);
+    return true;
+}
+
+bool TakeFrontEndPort(Options& options, const std::string& value) { return TakePort(options.frontEndPort, value); }
+
+bool TakeTestServerPort(Options& options, const std::string& value) { return TakePort(options.testServerPort, value); }
+
+bool TakeScript(Options& options, const std::string& value) {
+    options.script = value;
+    return !value.empty();
+}
+
+bool TakeWait(Options& options, const std::string& value) { return ReadNumber(value, 0.0, MaximalWait, options.wait); }
+
 struct ValueOption {
     const char* name;
     bool (*take)(Options& options, const std::string& value);
@@ -105,6 +127,10 @@ constexpr ValueOption ValueOptions[] = {
     {"--bench", TakeBench, "a folder"},
     {"--program", TakeProgram, "a file"},
     {"--fault", TakeFault, "NAME[=VALUE][@SECONDS], or list"},
+    {"--frontend-port", TakeFrontEndPort, "a port from 1 to 65535"},
+    {"--test-server-port", TakeTestServerPort, "a port from 1 to 65535"},
+    {"--script", TakeScript, "a file"},
+    {"--wait", TakeWait, "seconds, from 0 to 1000000"},
 };
 
 const ValueOption* FindValueOption(const std::string& name) {
@@ -125,6 +151,10 @@ bool TakeFlag(Options& options, const std::string& argument) {
         options.log = true;
     } else if (argument == "--help" || argument == "-h") {
         options.help = true;
+    } else if (argument == "--frontend") {
+        options.frontEnd = true;
+    } else if (argument == "--test-server") {
+        options.testServer = true;
     } else {
         return false;
     }
@@ -154,6 +184,14 @@ bool ReadOptions(const std::vector<std::string>& arguments, Options& options, st
             error = Refusal(*option, value);
             return false;
         }
+    }
+    if (options.frontEnd && options.testServer) {
+        error = "--frontend and --test-server are two programs";
+        return false;
+    }
+    if (!options.script.empty() && !options.frontEnd && !options.testServer) {
+        error = "--script goes with --frontend or --test-server";
+        return false;
     }
     return true;
 }
@@ -204,6 +242,12 @@ std::string HelpText() {
   --fault list             all faults by name
   --log                    show the system log too
   --program FILE           put another program on the board
+  --frontend               be the front end that the analyzer connects to, instead of running it
+  --test-server            be the test station that it connects to
+  --frontend-port N        where the front end listens, and a run finds it (3111)
+  --test-server-port N     likewise the test station (TestServerPortNumber of the configuration)
+  --script FILE            commands for the front end or the test station (the standard input)
+  --wait SECONDS           how long they wait for the analyzer and for an answer (30)
   --help                   this text
 
 Each result is one line:
@@ -211,7 +255,8 @@ Each result is one line:
 where sample is the chlorine that the water really has. Ctrl-C ends the run.
 
 Exit status: 0 after N results; 1 if the analyzer ended or gave no result in three times the time of a cycle;
-2 for a wrong argument; 130 after Ctrl-C, 143 after SIGTERM.
+2 for a wrong argument; 130 after Ctrl-C, 143 after SIGTERM. Of a front end or test station: 0 if all was answered,
+1 if something was not, 2 for a wrong argument or command and for a port that is taken.
 )";
 }
 

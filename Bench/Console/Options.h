@@ -21,6 +21,13 @@ struct Options {
     bool listFaults = false;
     bool log = false;
     bool help = false;
+    // The other ends of the links.
+    bool frontEnd = false;
+    bool testServer = false;
+    std::optional<std::uint16_t> frontEndPort;    // 3111 when absent
+    std::optional<std::uint16_t> testServerPort;  // the configuration's when absent
+    std::string script;                           // empty: the standard input
+    double wait = 30.0;                           // seconds for a connection and for an answer
 };
 
 // False with a sentence in `error` at the first argument that is wrong.

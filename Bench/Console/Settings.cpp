@@ -84,6 +84,10 @@ bool ReadAnalyzerSettings(const std::string& path, AnalyzerSettings& settings, s
             haveConstant = true;
         } else if (item->name == "LogMeasurementDataFileName") {
             settings.measurementFileName = item->value;
+        } else if (item->name == "TestServerPortNumber") {
+            const unsigned long port = std::strtoul(item->value.c_str(), nullptr, 10);
+            settings.testServerPort =
+                port > 0 && port <= 0xFFFF ? static_cast<std::uint16_t>(port) : UsualTestServerPort;
         } else if (item->name == "Step") {
             step = item->value;
         } else if (item->name == "Duration") {

@@ -2,10 +2,13 @@
 // a cycle may take. Reads the file as text of its own, since the analyzer's reading of it is what the bench observes.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 
 namespace Bench {
+
+constexpr std::uint16_t UsualTestServerPort = 1200;
 
 struct AnalyzerSettings {
     std::string text;                         // the whole file
@@ -13,6 +16,7 @@ struct AnalyzerSettings {
     std::string measurementFileName;          // set behind the date
     std::map<std::string, double> durations;  // seconds of each step, by its name in the file
     double cycleSeconds = 0.0;                // of all steps together
+    std::uint16_t testServerPort = UsualTestServerPort;
 };
 
 // False with a sentence in `error` that names the file and what is wrong in it.

@@ -134,3 +134,12 @@ TEST(House, the_product_does_not_know_the_bench) {
         }
     }
 }
+
+TEST(House, the_peers_know_nothing_of_the_product) {
+    std::size_t seen = 0;
+    for (const Include& include : IncludesBelow("Bench/Peers")) {
+        EXPECT_TRUE(StartsWith(include.target, "Bench/Peers/")) << include.file << " includes " << include.target;
+        ++seen;
+    }
+    EXPECT_GT(seen, 10U);
+}

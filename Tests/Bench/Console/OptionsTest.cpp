@@ -30,6 +30,47 @@ TEST(Options, no_argument_gives_the_usual_run) {
     EXPECT_TRUE(options.config.empty());
     EXPECT_TRUE(options.faults.empty());
     EXPECT_FALSE(options.log);
+    EXPECT_FALSE(options.frontEnd);
+    EXPECT_FALSE(options.testServer);
+    EXPECT_FALSE(options.frontEndPort.has_value());
+    EXPECT_FALSE(options.testServerPort.has_value());
+    EXPECT_EQ(options.wait, 30.0);
+}
+
+TEST(Options, peers_take_their_port_script_and_patience) {
+    const Options frontEnd = Read({"--frontend", "--frontend-port", "4000", "--script", "a.txt", "--wait", "2.5"});
+    EXPECT_TRUE(frontEnd.frontEnd);
+    EXPECT_EQ(frontEnd.frontEndPort, 4000);
+    EXPECT_EQ(frontEnd.script, "a.txt");
+    EXPECT_EQ(frontEnd.wait, 2.5);
+    const Options testServer = Read({"--test-server", "--test-server-port=65535"});
+    EXPECT_TRUE(testServer.testServer);
+    EXPECT_EQ(testServer.testServerPort, 65535);
+}
+
+TEST(Options, ports_out_of_range_are_refused) {
+    for (const char* option : {"--frontend-port", "--test-server-port"}) {
+        for (const char* value : {"0", "65536", "-1", "x", ""}) {
+            EXPECT_EQ(Refusal({option, value}),
+                      std::string(option) + " does not take \"" + value + "\", but a port from 1 to 65535");
+        }
+    }
+}
+
+TEST(Options, wait_out_of_range_is_refused) {
+    for (const char* value : {"-1", "1000001", "soon"}) {
+        EXPECT_EQ(Refusal({"--wait", value}),
+                  std::string("--wait does not take \"") + value + "\", but seconds, from 0 to 1000000");
+    }
+}
+
+TEST(Options, two_peers_at_once_are_refused) {
+    EXPECT_EQ(Refusal({"--frontend", "--test-server"}), "--frontend and --test-server are two programs");
+}
+
+TEST(Options, script_without_a_peer_is_refused) {
+    EXPECT_EQ(Refusal({"--script", "a.txt"}), "--script goes with --frontend or --test-server");
+    EXPECT_EQ(Refusal({"--frontend", "--script", ""}), "--script does not take \"\", but a file");
 }
 
 TEST(Options, each_value_is_taken) {
@@ -126,7 +167,8 @@ TEST(Options, help_names_every_option) {
     const std::string help = HelpText();
     for (const char* option :
          {"--cycles N", "--chlorine MG_PER_L", "--speed X", "--start \"DATE TIME\"", "--seed N", "--config FILE",
-          "--bench DIR", "--fault NAME[=VALUE][@SECONDS]", "--fault list", "--log", "--program FILE", "--help"}) {
+          "--bench DIR", "--fault NAME[=VALUE][@SECONDS]", "--fault list", "--log", "--program FILE", "--frontend",
+          "--test-server", "--frontend-port N", "--test-server-port N", "--script FILE", "--wait SECONDS", "--help"}) {
         EXPECT_NE(help.find(std::string("  ") + option), std::string::npos) << option;
     }
 }

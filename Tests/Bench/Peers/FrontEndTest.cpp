@@ -2,99 +2,87 @@
 
 #include <gmock/gmock.h>
 
-#include "Tests/Bench/Peers/RawClient.h"
+#include "Tests/Bench/Peers/ConnectedPeer.h"
 
 namespace Bench {
 namespace {
 
 using Values = std::vector<std::pair<std::string, std::string>>;
 
-class FrontEndPeer : public testing::Test {
-protected:
-    FrontEndPeer() {
-        std::string error;
-        frontEnd = FrontEnd::Listen(0, error);
-        EXPECT_NE(frontEnd, nullptr) << error;
-        client.emplace(frontEnd->Port());
-        EXPECT_TRUE(frontEnd->WaitForConnection(Deadline));
-    }
-
-    std::unique_ptr<FrontEnd> frontEnd;
-    std::optional<RawClient> client;
-};
+class FrontEndPeer : public ConnectedPeer<FrontEnd> {};
 
 }  // namespace
 
 TEST_F(FrontEndPeer, takes_a_measurement_apart) {
     client->Write("ChlorineValue~0.53;DateValue~@Tuesday March 05,02:14:07 pm\n`");
-    ASSERT_TRUE(frontEnd->WaitForFrames(1, Deadline));
-    EXPECT_EQ(frontEnd->Frames()[0].text, "ChlorineValue~0.53;DateValue~@Tuesday March 05,02:14:07 pm\n");
-    EXPECT_EQ(frontEnd->Frames()[0].values,
+    ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
+    EXPECT_EQ(peer->Frames()[0].text, "ChlorineValue~0.53;DateValue~@Tuesday March 05,02:14:07 pm\n");
+    EXPECT_EQ(peer->Frames()[0].values,
               (Values{{"ChlorineValue", "0.53"}, {"DateValue", "@Tuesday March 05,02:14:07 pm\n"}}));
-    EXPECT_EQ(frontEnd->Screen().chlorine, "0.53");
-    EXPECT_EQ(frontEnd->Screen().date, "@Tuesday March 05,02:14:07 pm\n");
+    EXPECT_EQ(peer->Screen().chlorine, "0.53");
+    EXPECT_EQ(peer->Screen().date, "@Tuesday March 05,02:14:07 pm\n");
 }
 
 TEST_F(FrontEndPeer, screen_shows_the_last_value_of_each_name) {
     client->Write("InstrumentStatus~a;SoftwareVersion~1.2`CMD~-1`InstrumentStatus~b;SoftwareVersion~1.3`CMD~-2`");
-    ASSERT_TRUE(frontEnd->WaitForFrames(4, Deadline));
-    EXPECT_EQ(frontEnd->Screen().status, "b");
-    EXPECT_EQ(frontEnd->Screen().version, "1.3");
-    EXPECT_EQ(frontEnd->Screen().command, "-2");
+    ASSERT_TRUE(peer->WaitForFrames(4, Deadline));
+    EXPECT_EQ(peer->Screen().status, "b");
+    EXPECT_EQ(peer->Screen().version, "1.3");
+    EXPECT_EQ(peer->Screen().command, "-2");
 }
 
 TEST_F(FrontEndPeer, frame_in_pieces_is_put_together) {
     for (const char byte : std::string("CMD~-1`CMD~")) {
         client->Write(std::string(1, byte));
     }
-    ASSERT_TRUE(frontEnd->WaitForFrames(1, Deadline));
+    ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
     client->Write("-2`");
-    ASSERT_TRUE(frontEnd->WaitForFrames(2, Deadline));
-    EXPECT_EQ(frontEnd->Texts(), (std::vector<std::string>{"CMD~-1", "CMD~-2"}));
-    EXPECT_EQ(frontEnd->Rest(), "");
+    ASSERT_TRUE(peer->WaitForFrames(2, Deadline));
+    EXPECT_EQ(peer->Texts(), (std::vector<std::string>{"CMD~-1", "CMD~-2"}));
+    EXPECT_EQ(peer->Rest(), "");
 }
 
 TEST_F(FrontEndPeer, sends_codes_as_they_stand_on_the_wire) {
-    EXPECT_TRUE(frontEnd->SendCode(FrontEnd::Running));
-    EXPECT_TRUE(frontEnd->SendCode(8, "text"));
+    EXPECT_TRUE(peer->SendCode(FrontEnd::Running));
+    EXPECT_TRUE(peer->SendCode(8, "text"));
     EXPECT_EQ(client->Read(8), "2~8~text");
 }
 
 TEST_F(FrontEndPeer, a_new_connection_takes_the_place_of_the_former_and_clears_the_screen) {
     client->Write("CMD~-1`half");
-    ASSERT_TRUE(frontEnd->WaitForFrames(1, Deadline));
-    const RawClient second(frontEnd->Port());
-    ASSERT_TRUE(frontEnd->WaitForConnection(2, Deadline));
-    EXPECT_EQ(frontEnd->Screen().command, "");
-    EXPECT_EQ(frontEnd->Rest(), "");
+    ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
+    const RawClient second(peer->Port());
+    ASSERT_TRUE(peer->WaitForConnection(2, Deadline));
+    EXPECT_EQ(peer->Screen().command, "");
+    EXPECT_EQ(peer->Rest(), "");
     EXPECT_EQ(client->ReadResult(), 0);
     second.Write("CMD~-2`");
-    ASSERT_TRUE(frontEnd->WaitForFrames(2, Deadline));
+    ASSERT_TRUE(peer->WaitForFrames(2, Deadline));
 }
 
 TEST_F(FrontEndPeer, sees_the_analyzer_go) {
     client.reset();
-    EXPECT_TRUE(frontEnd->WaitForEnd(Deadline));
-    EXPECT_FALSE(frontEnd->IsConnected());
-    EXPECT_FALSE(frontEnd->SendCode(1));
-    EXPECT_EQ(frontEnd->Trouble(), "");
+    EXPECT_TRUE(peer->WaitForEnd(Deadline));
+    EXPECT_FALSE(peer->IsConnected());
+    EXPECT_FALSE(peer->SendCode(1));
+    EXPECT_EQ(peer->Trouble(), "");
 }
 
 TEST_F(FrontEndPeer, disconnects_as_a_program_that_ends) {
-    frontEnd->Disconnect();
+    peer->Disconnect();
     EXPECT_EQ(client->ReadResult(), 0);
 }
 
 TEST_F(FrontEndPeer, aborts_as_a_machine_that_fails) {
-    frontEnd->Abort();
+    peer->Abort();
     EXPECT_EQ(client->ReadResult(), -1);
 }
 
 TEST_F(FrontEndPeer, frame_without_an_end_is_cut_off) {
     client->Write(std::string(FrontEnd::LongestFrame + 1, 'x'));
-    EXPECT_TRUE(frontEnd->WaitForEnd(Deadline));
-    EXPECT_EQ(frontEnd->Trouble(), "a frame of more than 65536 bytes");
-    EXPECT_EQ(frontEnd->Rest(), "");
+    EXPECT_TRUE(peer->WaitForEnd(Deadline));
+    EXPECT_EQ(peer->Trouble(), "a frame of more than 65536 bytes");
+    EXPECT_EQ(peer->Rest(), "");
 }
 
 TEST_F(FrontEndPeer, keeps_the_last_frames_of_many) {
@@ -103,18 +91,18 @@ TEST_F(FrontEndPeer, keeps_the_last_frames_of_many) {
         frames += "CMD~" + std::to_string(i) + "`";
     }
     client->Write(frames);
-    ASSERT_TRUE(frontEnd->WaitForFrames(FrontEnd::FramesKept + 10, Deadline));
-    EXPECT_EQ(frontEnd->Frames().size(), FrontEnd::FramesKept);
-    EXPECT_EQ(frontEnd->Texts().front(), "CMD~10");
+    ASSERT_TRUE(peer->WaitForFrames(FrontEnd::FramesKept + 10, Deadline));
+    EXPECT_EQ(peer->Frames().size(), FrontEnd::FramesKept);
+    EXPECT_EQ(peer->Texts().front(), "CMD~10");
     std::size_t behind = 0;
-    EXPECT_EQ(frontEnd->WaitForValue("CMD", std::nullopt, behind, Deadline)->text, "CMD~10");
+    EXPECT_EQ(peer->WaitForValue("CMD", std::nullopt, behind, Deadline)->text, "CMD~10");
     EXPECT_EQ(behind, 11U);
 }
 
 TEST_F(FrontEndPeer, a_flood_that_nobody_reads_is_refused_and_not_kept) {
     const std::string flood(1U << 20U, 'x');
     int accepted = 0;
-    while (accepted < 1000 && frontEnd->Send(flood)) {
+    while (accepted < 1000 && peer->Send(flood)) {
         ++accepted;
     }
     EXPECT_LT(accepted, 1000);
@@ -123,11 +111,11 @@ TEST_F(FrontEndPeer, a_flood_that_nobody_reads_is_refused_and_not_kept) {
 TEST_F(FrontEndPeer, waits_for_the_value_behind_those_seen) {
     client->Write("CMD~-1`CMD~-2`CMD~-1`");
     std::size_t behind = 0;
-    EXPECT_TRUE(frontEnd->WaitForValue("CMD", "-1", behind, Deadline).has_value());
+    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", behind, Deadline).has_value());
     EXPECT_EQ(behind, 1U);
-    EXPECT_TRUE(frontEnd->WaitForValue("CMD", "-1", behind, Deadline).has_value());
+    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", behind, Deadline).has_value());
     EXPECT_EQ(behind, 3U);
-    EXPECT_FALSE(frontEnd->WaitForValue("CMD", "-1", behind, 0.0).has_value());
+    EXPECT_FALSE(peer->WaitForValue("CMD", "-1", behind, 0.0).has_value());
 }
 
 TEST(FrontEndListen, busy_port_is_told) {

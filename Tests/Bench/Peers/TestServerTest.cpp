@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Bench/Peers/RawClient.h"
+#include "Tests/Bench/Peers/ConnectedPeer.h"
 
 namespace Bench {
 namespace {
@@ -14,49 +14,37 @@ std::string EmptyAnswer() {
     return answer;
 }
 
-class TestServerPeer : public testing::Test {
-protected:
-    TestServerPeer() {
-        std::string error;
-        server = TestServer::Listen(0, error);
-        EXPECT_NE(server, nullptr) << error;
-        client.emplace(server->Port());
-        EXPECT_TRUE(server->WaitForConnection(Deadline));
-    }
-
-    std::unique_ptr<TestServer> server;
-    std::optional<RawClient> client;
-};
+class TestServerPeer : public ConnectedPeer<TestServer> {};
 
 }  // namespace
 
 TEST_F(TestServerPeer, sends_a_request_and_takes_the_answer) {
     TestRequest request;
     request.command = 800;
-    ASSERT_TRUE(server->SendRequest(request));
+    ASSERT_TRUE(peer->SendRequest(request));
     EXPECT_EQ(client->Read(TestHeaderSize), EncodeTestRequest(request));
     client->Write(EmptyAnswer());
-    const std::optional<TestAnswer> answer = server->TakeAnswer(Deadline);
+    const std::optional<TestAnswer> answer = peer->TakeAnswer(Deadline);
     ASSERT_TRUE(answer.has_value());
     EXPECT_TRUE(answer->crcFits);
     EXPECT_EQ(answer->data, "");
 }
 
 TEST_F(TestServerPeer, unanswered_question_is_given_up) {
-    EXPECT_FALSE(server->Ask({}, 0.05).has_value());
-    EXPECT_EQ(server->Trouble(), "");
+    EXPECT_FALSE(peer->Ask({}, 0.05).has_value());
+    EXPECT_EQ(peer->Trouble(), "");
 }
 
 TEST_F(TestServerPeer, late_answer_does_not_count_for_the_next_question) {
     client->Write(EmptyAnswer());
-    EXPECT_TRUE(server->TakeAnswer(Deadline).has_value());
+    EXPECT_TRUE(peer->TakeAnswer(Deadline).has_value());
     client->Write(EmptyAnswer());
-    while (server->AnswerCount() < 2) {
+    while (peer->AnswerCount() < 2) {
         std::this_thread::yield();
     }
-    EXPECT_EQ(server->Waiting(), 1U);
-    EXPECT_FALSE(server->Ask({}, 0.05).has_value());
-    EXPECT_EQ(server->Waiting(), 0U);
+    EXPECT_EQ(peer->Waiting(), 1U);
+    EXPECT_FALSE(peer->Ask({}, 0.05).has_value());
+    EXPECT_EQ(peer->Waiting(), 0U);
 }
 
 TEST_F(TestServerPeer, answers_that_nobody_asked_for_have_a_limit) {
@@ -65,31 +53,31 @@ TEST_F(TestServerPeer, answers_that_nobody_asked_for_have_a_limit) {
         flood += EmptyAnswer();
     }
     client->Write(flood);
-    EXPECT_TRUE(server->WaitForEnd(Deadline));
-    EXPECT_EQ(server->Trouble(), "more than 256 answers that nobody asked for");
-    EXPECT_EQ(server->Waiting(), 0U);
+    EXPECT_TRUE(peer->WaitForEnd(Deadline));
+    EXPECT_EQ(peer->Trouble(), "more than 256 answers that nobody asked for");
+    EXPECT_EQ(peer->Waiting(), 0U);
 }
 
 TEST_F(TestServerPeer, answer_that_can_not_be_one_is_cut_off) {
     std::string bad = EmptyAnswer();
     bad[14] = 3;
     client->Write(bad);
-    EXPECT_TRUE(server->WaitForEnd(Deadline));
-    EXPECT_EQ(server->Trouble(), "an answer with a length of 3, too short for its CRC");
+    EXPECT_TRUE(peer->WaitForEnd(Deadline));
+    EXPECT_EQ(peer->Trouble(), "an answer with a length of 3, too short for its CRC");
 }
 
 TEST_F(TestServerPeer, half_an_answer_is_forgotten_with_its_connection) {
     client->Write(EmptyAnswer().substr(0, 20));
-    const RawClient second(server->Port());
-    ASSERT_TRUE(server->WaitForConnection(2, Deadline));
+    const RawClient second(peer->Port());
+    ASSERT_TRUE(peer->WaitForConnection(2, Deadline));
     second.Write(EmptyAnswer());
-    EXPECT_TRUE(server->TakeAnswer(Deadline).has_value());
+    EXPECT_TRUE(peer->TakeAnswer(Deadline).has_value());
 }
 
 TEST_F(TestServerPeer, asking_without_a_connection_fails_at_once) {
     client.reset();
-    ASSERT_TRUE(server->WaitForEnd(Deadline));
-    EXPECT_FALSE(server->Ask({}, Deadline).has_value());
+    ASSERT_TRUE(peer->WaitForEnd(Deadline));
+    EXPECT_FALSE(peer->Ask({}, Deadline).has_value());
 }
 
 }  // namespace Bench
