@@ -44,6 +44,8 @@ struct OpenFileState {
     std::atomic<std::uint32_t> node{0};
     std::atomic<std::uint32_t> seenEdges{0};
     std::atomic<int> access{0};  // O_RDONLY, O_WRONLY or O_RDWR
+    std::atomic<Cut> cut{Cut::Whole};
+    std::atomic<std::uint64_t> received{0};
 };
 
 OpenFileState openFiles[MaximalFiles];
@@ -77,6 +79,8 @@ void RememberFile(int file, Node node, int access) {
     if (Known(file)) {
         openFiles[file].access.store(access, std::memory_order_relaxed);
         openFiles[file].seenEdges.store(~0U, std::memory_order_relaxed);  // a new file has its event pending
+        openFiles[file].cut.store(Cut::Whole, std::memory_order_relaxed);
+        openFiles[file].received.store(0, std::memory_order_relaxed);
         openFiles[file].node.store(Pack(node), std::memory_order_release);
     }
 }
@@ -106,6 +110,22 @@ std::uint32_t SeenEdges(int file) {
 void SetSeenEdges(int file, std::uint32_t count) {
     if (Known(file)) {
         openFiles[file].seenEdges.store(count, std::memory_order_relaxed);
+    }
+}
+
+Cut SocketCut(int file) { return Known(file) ? openFiles[file].cut.load() : Cut::Whole; }
+
+void SetSocketCut(int file, Cut cut) {
+    if (Known(file)) {
+        openFiles[file].cut.store(cut);
+    }
+}
+
+std::uint64_t SocketReceived(int file) { return Known(file) ? openFiles[file].received.load() : 0; }
+
+void AddSocketReceived(int file, std::uint64_t count) {
+    if (Known(file)) {
+        openFiles[file].received.fetch_add(count);
     }
 }
 

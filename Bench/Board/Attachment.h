@@ -40,11 +40,21 @@ std::uint32_t SeenEdges(int file);
 void SetSeenEdges(int file, std::uint32_t count);
 bool CardFilesOpen();
 
+// ---- What a socket of the program has met.
+enum class Cut { Whole, Pending, Told };  // Pending: the program's next call fails
+Cut SocketCut(int file);
+void SetSocketCut(int file, Cut cut);
+std::uint64_t SocketReceived(int file);  // bytes since the connection
+void AddSocketReceived(int file, std::uint64_t count);
+
 // ---- What a program does with a file, for descriptors and streams alike: as the system call, errno set.
 int OpenFile(BoardState& state, Call call, const char* path, int flags, mode_t mode, bool& passedOn);
 ssize_t ReadFile(BoardState& state, int file, Node node, void* data, std::size_t size);
 ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std::size_t size);
 int CloseFile(int file);
+// The same for a connected socket, by recv and send or by read and write.
+ssize_t ReceiveBytes(BoardState& state, int file, Node node, Call call, void* data, std::size_t size, int flags);
+ssize_t SendBytes(BoardState& state, int file, Call call, const void* data, std::size_t size, int flags);
 
 // 0, or -1 with errno set, when the call must fail by request.
 int CountOrFail(BoardState& state, Call call);

@@ -165,6 +165,15 @@ public:
     void SetCardSlow(int milliseconds);
     void SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize);
 
+    // Network. The program finds the hosts "localhost" and its own name, both at 127.0.0.1, and of those addresses only
+    // the ports that are mapped to ports of this machine's loopback interface, or with an open loopback every other one
+    // as it is. Everything else is refused or out of reach at once; nothing leaves the machine. A socket is the
+    // program's until it is bound. Its interfaces are "eth0", with the address 02:1A:6C:00:3E:F5, and "lo".
+    bool MapPort(int instrumentPort, int realPort);  // false where either is no port or sixteen are mapped
+    void UnmapPort(int instrumentPort);
+    void SetLoopbackOpen(bool open);
+    void SetHostName(const std::string& name);  // "analyzer"; cut to 64 characters
+
     // The instrument, brought up to now.
     InstrumentState Instrument() const;
     InstrumentSettings Settings() const;  // with what the active faults make of them
@@ -186,8 +195,8 @@ public:
 
     // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;
     // "mem 0xfffff430=0x00000001"; "ioctl PATH 0x40016b01=0"; "spi write a080"; "spi read 1234 5678";
-    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "run aplay -q FILE". The ring
-    // keeps the last 8192.
+    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "run aplay -q FILE";
+    // "connect ADDRESS:PORT". The ring keeps the last 8192.
     std::vector<std::string> Trace() const;
     std::vector<TraceEntry> TraceWithTimes() const;
     std::uint64_t TraceCount() const;  // all of the run, the forgotten ones too

@@ -10,12 +10,11 @@
 #include <string_view>
 
 #include "Bench/Board/BoardState.h"
+#include "Bench/Board/FaultValues.h"
 
 namespace Bench {
 
 namespace {
-
-enum class ValueKind : std::uint8_t { None, Text, Number, Channel, Led, Pin };
 
 struct FaultRow {
     FaultName fault;
@@ -70,9 +69,9 @@ constexpr FaultRow Rows[] = {
      "the remote indicator's cable has that length; 100 without it"},
     {FaultName::GpioTaken, "gpio-taken", "BANK,PIN", ValueKind::Pin,
      "another driver of the kernel holds that line, or all six of the remote indicator: gpio-taken=indicator"},
+    {FaultName::LinkCut, "link-cut", "BYTES[,PORT]", ValueKind::Link,
+     "each connection, or each to that port, is cut after so many bytes from the other side"},
 };
-
-constexpr std::string_view AllIndicatorLines = "indicator";
 
 struct ParsedFault {
     std::size_t row = std::size(Rows);
@@ -80,49 +79,20 @@ struct ParsedFault {
     std::int64_t at = 0;
 };
 
-bool ParseDouble(std::string_view text, double& number) {
-    const std::string copy(text);
-    char* end = nullptr;
-    number = std::strtod(copy.c_str(), &end);
-    return !copy.empty() && *end == '\0' && std::isfinite(number);
-}
-
 std::size_t RowOf(std::string_view name) {
     const auto* row = std::find_if(std::begin(Rows), std::end(Rows),
                                    [name](const FaultRow& candidate) { return candidate.name == name; });
     return static_cast<std::size_t>(row - std::begin(Rows));
 }
 
-// "3,16", or "indicator" for the six lines of that.
-bool ParsePin(const std::string& text, int& bank, int& pin) {
-    char end = '\0';
-    return text.find_first_not_of("0123456789,") == std::string::npos &&
-           std::sscanf(text.c_str(), "%1d,%2d%c", &bank, &pin, &end) == 2 && bank >= 0 && bank < Banks && pin >= 0 &&
-           pin < PinsPerBank;
-}
-
-bool IsPin(std::string_view value) {
-    int bank = 0;
-    int pin = 0;
-    return value == AllIndicatorLines || ParsePin(std::string(value), bank, pin);
-}
-
 bool ValueFits(const FaultRow& row, std::string_view value, std::string& error) {
     const std::string name = row.name;
-    double number = 0.0;
     if (row.kind == ValueKind::None) {
         error = value.empty() ? "" : name + " takes no value";
     } else if (value.empty() || value.size() >= sizeof(FaultEntry::value)) {
         error = name + " needs a value: " + name + "=" + row.valueName;
-    } else if (row.kind == ValueKind::Number && (!ParseDouble(value, number) || number < 0.0 || number > 1e9)) {
-        error = name + ": \"" + std::string(value) + "\" is no number from 0 to 1000000000";
-    } else if (row.kind == ValueKind::Channel && (!ParseDouble(value, number) || number < 0.0 ||
-                                                  number >= MultiplexerChannels || number != std::floor(number))) {
-        error = name + ": \"" + std::string(value) + "\" is no multiplexer channel, 0 to 15";
-    } else if (row.kind == ValueKind::Led && !IsIndicatorLed(value)) {
-        error = name + ": \"" + std::string(value) + "\" is no LED of the indicator, such as amber-water";
-    } else if (row.kind == ValueKind::Pin && !IsPin(value)) {
-        error = name + ": \"" + std::string(value) + "\" is no line, such as 3,16, and not indicator";
+    } else if (!IsValue(row.kind, std::string(value))) {
+        error = name + ": \"" + std::string(value) + "\" is " + NoSuchValue(row.kind);
     }
     return error.empty();
 }
@@ -132,7 +102,7 @@ bool Parse(std::string_view text, ParsedFault& fault, std::string& error) {
     const std::size_t at = text.rfind('@');
     if (at != std::string_view::npos) {
         double seconds = 0.0;
-        if (!ParseDouble(text.substr(at + 1), seconds) || seconds < 0.0 || seconds > 1e8) {
+        if (!ParseDouble(std::string(text.substr(at + 1)), seconds) || seconds < 0.0 || seconds > 1e8) {
             error = "\"" + std::string(text) + "\": no number of seconds stands behind @";
             return false;
         }
@@ -261,6 +231,19 @@ bool GpioTaken(const BoardState& state, int bank, int pin) {
         }
     }
     return false;
+}
+
+std::uint64_t LinkLength(const BoardState& state, int port) {
+    std::uint64_t length = std::numeric_limits<std::uint64_t>::max();
+    std::size_t next = 0;
+    while (const char* value = NextFaultValue(state, FaultName::LinkCut, next)) {
+        std::uint64_t bytes = 0;
+        int only = 0;
+        if (ParseLink(value, bytes, only) && (only == 0 || only == port)) {
+            length = std::min(length, bytes);
+        }
+    }
+    return length;
 }
 
 bool RailOut(const BoardState& state, int channel) {

@@ -16,7 +16,8 @@ constexpr std::string_view IioFolder = "/sys/bus/iio/devices/iio:device0/";
 }  // namespace
 
 bool IsDevice(Node node) {
-    return node.family != Family::None && node.family != Family::Regular && node.family != Family::Card;
+    return node.family != Family::None && node.family != Family::Regular && node.family != Family::Card &&
+           node.family != Family::Socket;
 }
 
 bool IsCharacterDevice(Node node) { return node.family == Family::Spi || node.family == Family::Memory; }
@@ -67,6 +68,7 @@ void NodePath(Node node, Buffer& path) {
         case Family::None:
         case Family::Regular:
         case Family::Card:
+        case Family::Socket:
             break;
     }
 }

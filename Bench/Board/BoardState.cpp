@@ -50,10 +50,25 @@ constexpr struct {
     int error;
     const char* name;
 } ErrorNames[] = {
-    {EPERM, "EPERM"},   {ENOENT, "ENOENT"},   {EIO, "EIO"},       {ENXIO, "ENXIO"},   {EBADF, "EBADF"},
-    {EAGAIN, "EAGAIN"}, {ENOMEM, "ENOMEM"},   {EACCES, "EACCES"}, {EBUSY, "EBUSY"},   {EEXIST, "EEXIST"},
-    {ENODEV, "ENODEV"}, {EINVAL, "EINVAL"},   {ENOTTY, "ENOTTY"}, {ENOSPC, "ENOSPC"}, {EROFS, "EROFS"},
-    {EINTR, "EINTR"},   {ENOTDIR, "ENOTDIR"},
+    {EPERM, "EPERM"},
+    {ENOENT, "ENOENT"},
+    {EIO, "EIO"},
+    {ENXIO, "ENXIO"},
+    {EBADF, "EBADF"},
+    {EAGAIN, "EAGAIN"},
+    {ENOMEM, "ENOMEM"},
+    {EACCES, "EACCES"},
+    {EBUSY, "EBUSY"},
+    {EEXIST, "EEXIST"},
+    {ENODEV, "ENODEV"},
+    {EINVAL, "EINVAL"},
+    {ENOTTY, "ENOTTY"},
+    {ENOSPC, "ENOSPC"},
+    {EROFS, "EROFS"},
+    {EINTR, "EINTR"},
+    {ENOTDIR, "ENOTDIR"},
+    {ECONNREFUSED, "ECONNREFUSED"},
+    {ENETUNREACH, "ENETUNREACH"},
 };
 
 }  // namespace
@@ -86,6 +101,7 @@ void InitialiseState(BoardState& state, const char* folder, const BoardSetup& se
     state.settings.seed = setup.seed;
     state.audioPlaying = false;
     state.sound = SoundState{};
+    state.network = NetworkState{};
     state.run.fetch_add(1);
     std::fill(std::begin(state.faults), std::end(state.faults), FaultEntry{});
     for (CallState& call : state.calls) {

@@ -150,6 +150,15 @@ enum class Call : std::uint8_t {
     ClockGettime,
     Fork,
     System,
+    Socket,
+    Connect,
+    Send,
+    Receive,
+    SetOption,
+    GetOption,
+    Shutdown,
+    HostByName,
+    HostByAddress,
     Count
 };
 
@@ -178,6 +187,21 @@ struct SoundState {
     std::uint64_t called = 0;   // of the whole run
     std::uint64_t cleared = 0;  // the first that was not cleared
     char calls[SoundCallsKept][SoundLineLength] = {};
+};
+
+// ---- Network.
+constexpr std::size_t MaximalPorts = 16;
+constexpr std::size_t HostNameLength = 64;
+
+struct PortEntry {
+    int instrument = 0;  // 0: free
+    int real = 0;
+};
+
+struct NetworkState {
+    PortEntry ports[MaximalPorts];
+    bool open = false;  // ports that are not mapped are reached as they are
+    char hostName[HostNameLength + 1] = "analyzer";
 };
 
 constexpr std::size_t TraceLength = 8192;
@@ -209,6 +233,7 @@ struct BoardState {
     std::int64_t instrumentTime = 0;
     bool audioPlaying = false;  // as set; SoundPlays adds the players
     SoundState sound;
+    NetworkState network;
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
@@ -238,13 +263,13 @@ void BringUpToDate(BoardState& state);
 const char* ErrorName(int error);  // "EBUSY"
 
 // ---- Nodes: the files of devices.
-enum class Family : std::uint8_t { None, Gpio, Pwm, Spi, Iio, Memory, Regular, Card };
+enum class Family : std::uint8_t { None, Gpio, Pwm, Spi, Iio, Memory, Regular, Card, Socket };
 
 struct Node {
     Family family = Family::None;
     std::uint8_t file = 0;    // of the family
-    std::uint8_t first = 0;   // bank, channel or input
-    std::uint8_t second = 0;  // pin
+    std::uint8_t first = 0;   // bank, channel, input or upper half of a port
+    std::uint8_t second = 0;  // pin or lower half of a port
 };
 
 bool IsDevice(Node node);
@@ -315,6 +340,12 @@ void BreakIndicator(const BoardState& state, InstrumentSettings& settings);  // 
 bool IsIndicatorLed(std::string_view name);
 bool IsIndicatorLine(int bank, int pin);
 
+// ---- Network.
+// Where the program's connection to that port of the loopback interface leads; 0 where nobody listens.
+int RealPort(const BoardState& state, int port);
+// Bytes after which a connection to that port is cut; the largest number for never.
+std::uint64_t LinkLength(const BoardState& state, int port);
+
 // ---- Sound.
 void NoteSoundCall(BoardState& state, const char* line);
 bool SoundPlays(const BoardState& state);
@@ -360,7 +391,8 @@ enum class FaultName : std::uint8_t {
     StirStageDead,
     IndicatorLedOpen,
     Cable,
-    GpioTaken
+    GpioTaken,
+    LinkCut
 };
 
 bool FaultActive(const BoardState& state, FaultName name);

@@ -104,6 +104,9 @@ int OpenFile(BoardState& state, Call call, const char* path, int flags, mode_t m
 }
 
 ssize_t ReadFile(BoardState& state, int file, Node node, void* data, std::size_t size) {
+    if (node.family == Family::Socket) {
+        return ReceiveBytes(state, file, node, Call::Read, data, size, 0);
+    }
     if (CountOrFail(state, Call::Read) != 0) {
         return -1;
     }
@@ -127,6 +130,9 @@ ssize_t ReadFile(BoardState& state, int file, Node node, void* data, std::size_t
 }
 
 ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std::size_t size) {
+    if (node.family == Family::Socket) {
+        return SendBytes(state, file, Call::Write, data, size, 0);
+    }
     if (CountOrFail(state, Call::Write) != 0) {
         return -1;
     }

@@ -6,12 +6,14 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <mntent.h>
+#include <netdb.h>
 #include <poll.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/select.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <sys/statvfs.h>
@@ -144,6 +146,20 @@ public:
     ROW(nanosleep, int(const timespec*, timespec*))                                                 \
     ROW(usleep, int(useconds_t))                                                                    \
     ROW(sleep, unsigned(unsigned))                                                                  \
+    ROW(socket, int(int, int, int))                                                                 \
+    ROW(bind, int(int, const sockaddr*, socklen_t))                                                 \
+    ROW(connect, int(int, const sockaddr*, socklen_t))                                              \
+    ROW(send, ssize_t(int, const void*, size_t, int))                                               \
+    ROW(recv, ssize_t(int, void*, size_t, int))                                                     \
+    ROW(shutdown, int(int, int))                                                                    \
+    ROW(setsockopt, int(int, int, int, const void*, socklen_t))                                     \
+    ROW(getsockopt, int(int, int, int, void*, socklen_t*))                                          \
+    ROW(gethostname, int(char*, size_t))                                                            \
+    ROW(gethostbyname, hostent*(const char*))                                                       \
+    ROW(gethostbyaddr, hostent*(const void*, socklen_t, int))                                       \
+    ROW(sethostent, void(int))                                                                      \
+    ROW(gethostent, hostent*())                                                                     \
+    ROW(endhostent, void())                                                                         \
     ROW(fork, pid_t())                                                                              \
     ROW(system, int(const char*))                                                                   \
     ROW(sem_timedwait, int(sem_t*, const timespec*))                                                \

@@ -104,6 +104,7 @@ bool Runner::MakeBoard(std::string& error) {
     if (!m_board) {
         return false;
     }
+    m_board->SetLoopbackOpen(true);  // somebody may have a front end of his own
     InstrumentSettings instrument = m_board->Settings();
     instrument.chlorine = m_options.chlorine;
     instrument.cellConstant = m_settings.cellConstant;

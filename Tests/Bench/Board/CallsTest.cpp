@@ -1,5 +1,6 @@
 #include <dirent.h>
 #include <mntent.h>
+#include <netdb.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
@@ -11,9 +12,11 @@
 #include <cstdio>
 #include <functional>
 
+#include "Bench/Board/Attachment.h"
 #include "Tests/Bench/Board/DeviceFiles.h"
 #include "Tests/Support/BoardFixture.h"
 #include "Tests/Support/NewProcess.h"
+#include "Tests/Support/RawPeer.h"
 
 namespace {
 
@@ -67,6 +70,38 @@ bool TryMountTable() {
 }
 
 bool TryMount() { return mount("/dev/mmcblk0p1", "/mnt/sd-card", "vfat", 16, "") == 0; }
+
+template <typename Act>
+bool WithSocket(Act act) {
+    const int file = socket(AF_INET, SOCK_STREAM, 0);
+    const bool done = act(file);
+    const int savedErrno = errno;
+    close(file);
+    errno = savedErrno;
+    return done;
+}
+
+// A connected socket of the program, and its peer's, which is none of the board's.
+template <typename Act>
+bool WithPeer(Act act) {
+    const RawListener listener;
+    {
+        const Bench::BoardLock lock(*Bench::AttachedState());
+        Bench::AttachedState()->network.open = true;
+    }
+    return WithSocket([&](int file) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(listener.Port());
+        if (connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+            return false;
+        }
+        const RawConnection peer = listener.Accept();
+        peer.Send({'x'});
+        return act(file);
+    });
+}
 
 bool TryFork() {
     const pid_t child = fork();
@@ -133,6 +168,38 @@ const std::vector<KindOfCall>& Calls() {
          }},
         {"fork", TryFork},
         {"system", [] { return system("true") == 0; }},
+        {"socket", [] { return WithSocket([](int file) { return file >= 0; }); }},
+        {"connect", [] { return WithPeer([](int /*file*/) { return true; }); }},
+        {"send", [] { return WithPeer([](int file) { return send(file, "x", 1, 0) == 1; }); }},
+        {"recv",
+         [] {
+             return WithPeer([](int file) {
+                 char got = 0;
+                 return recv(file, &got, 1, 0) == 1;
+             });
+         }},
+        {"setsockopt",
+         [] {
+             return WithSocket([](int file) {
+                 const int on = 1;
+                 return setsockopt(file, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof(on)) == 0;
+             });
+         }},
+        {"getsockopt",
+         [] {
+             return WithSocket([](int file) {
+                 int value = 0;
+                 socklen_t size = sizeof(value);
+                 return getsockopt(file, SOL_SOCKET, SO_KEEPALIVE, &value, &size) == 0;
+             });
+         }},
+        {"shutdown", [] { return WithPeer([](int file) { return shutdown(file, SHUT_RDWR) == 0; }); }},
+        {"gethostbyname", [] { return gethostbyname("localhost") != nullptr; }},
+        {"gethostbyaddr",
+         [] {
+             const in_addr_t address = htonl(INADDR_LOOPBACK);
+             return gethostbyaddr(&address, sizeof(address), AF_INET) != nullptr;
+         }},
     };
     return calls;
 }

@@ -72,6 +72,10 @@ TEST_F(FaultsTest, a_missing_or_wrong_value_is_refused) {
         EXPECT_EQ(Refusal("gpio-taken=" + line),
                   "gpio-taken: \"" + line + "\" is no line, such as 3,16, and not indicator");
     }
+    for (const std::string link : {"soon", "1,", ",1", "1,0", "1,65536", "-1", "1 ,2", "1,2,3", "12345678901234"}) {
+        EXPECT_EQ(Refusal("link-cut=" + link),
+                  "link-cut: \"" + link + "\" is no number of bytes, with or without a port as in 100,3111");
+    }
     EXPECT_EQ(Refusal("led-dead=1"), "led-dead takes no value");
     EXPECT_EQ(Refusal("led-dead@soon"), "\"led-dead@soon\": no number of seconds stands behind @");
 }
@@ -83,7 +87,7 @@ TEST_F(FaultsTest, each_fault_has_one_name_and_a_description) {
         EXPECT_FALSE(fault.description.empty()) << fault.name;
         EXPECT_EQ(fault.description.find('\n'), std::string::npos) << fault.name;
     }
-    EXPECT_EQ(names.size(), 34U);
+    EXPECT_EQ(names.size(), 35U);
 }
 
 TEST_F(FaultsTest, set_faults_are_listed_until_cleared) {

@@ -1,0 +1,150 @@
+// The board's own small host database, whatever the machine's says: "localhost" and the board's own name.
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "Bench/Board/Attachment.h"
+#include "Bench/Board/Real.h"
+
+using namespace Bench;
+
+namespace {
+
+constexpr const char* LocalHost = "localhost";
+constexpr int Hosts = 2;
+
+// What a look-up gives: good until the thread's next one.
+struct Answer {
+    char name[HostNameLength + 1];
+    in_addr address;
+    char* aliases[1];
+    char* addresses[2];
+    hostent entry;
+};
+
+thread_local Answer answer;
+thread_local int nextHost = 0;
+
+hostent* Fill(const char* name, in_addr address) {
+    std::snprintf(answer.name, sizeof(answer.name), "%s", name);
+    answer.address = address;
+    answer.aliases[0] = nullptr;
+    answer.addresses[0] = reinterpret_cast<char*>(&answer.address);
+    answer.addresses[1] = nullptr;
+    answer.entry = {answer.name, answer.aliases, AF_INET, sizeof(in_addr), answer.addresses};
+    return &answer.entry;
+}
+
+in_addr Loopback() { return {htonl(INADDR_LOOPBACK)}; }
+
+hostent* NotFound(int reason) {
+    h_errno = reason;
+    return nullptr;
+}
+
+void OwnName(BoardState& state, char (&name)[HostNameLength + 1]) {
+    const BoardLock lock(state);
+    std::memcpy(name, state.network.hostName, sizeof(name));
+}
+
+}  // namespace
+
+// The names are those of libc.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" {
+
+int gethostname(char* name, size_t size) noexcept {
+    BoardState* state = AttachedState();
+    if (state == nullptr) {
+        return Real::gethostname(name, size);
+    }
+    char own[HostNameLength + 1];
+    OwnName(*state, own);
+    const std::size_t length = std::strlen(own) + 1;
+    std::memcpy(name, own, std::min(length, size));
+    if (length > size) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    return 0;
+}
+
+int __gethostname_chk(char* name, size_t size, size_t space) noexcept {
+    if (size > space) {
+        std::abort();
+    }
+    return gethostname(name, size);
+}
+
+hostent* gethostbyname(const char* name) {
+    BoardState* state = AttachedState();
+    if (state == nullptr) {
+        return Real::gethostbyname(name);
+    }
+    if (CountOrFail(*state, Call::HostByName) != 0) {
+        return NotFound(NETDB_INTERNAL);
+    }
+    in_addr address{};
+    if (inet_aton(name, &address) != 0) {
+        return Fill(name, address);
+    }
+    char own[HostNameLength + 1];
+    OwnName(*state, own);
+    for (const char* host : {LocalHost, static_cast<const char*>(own)}) {
+        if (*name != '\0' && strcasecmp(name, host) == 0) {
+            return Fill(host, Loopback());
+        }
+    }
+    return NotFound(HOST_NOT_FOUND);
+}
+
+hostent* gethostbyaddr(const void* address, socklen_t size, int family) {
+    BoardState* state = AttachedState();
+    if (state == nullptr) {
+        return Real::gethostbyaddr(address, size, family);
+    }
+    if (CountOrFail(*state, Call::HostByAddress) != 0) {
+        return NotFound(NETDB_INTERNAL);
+    }
+    const in_addr loopback = Loopback();
+    const bool known = family == AF_INET && size == sizeof(loopback) && std::memcmp(address, &loopback, size) == 0;
+    return known ? Fill(LocalHost, loopback) : NotFound(HOST_NOT_FOUND);
+}
+
+void sethostent(int stayOpen) {
+    if (AttachedState() == nullptr) {
+        Real::sethostent(stayOpen);
+        return;
+    }
+    nextHost = 0;
+}
+
+hostent* gethostent() {
+    BoardState* state = AttachedState();
+    if (state == nullptr) {
+        return Real::gethostent();
+    }
+    char own[HostNameLength + 1];
+    OwnName(*state, own);
+    if (nextHost == Hosts || (nextHost == 1 && own[0] == '\0')) {
+        return NotFound(HOST_NOT_FOUND);
+    }
+    return Fill(nextHost++ == 0 ? LocalHost : own, Loopback());
+}
+
+void endhostent() {
+    if (AttachedState() == nullptr) {
+        Real::endhostent();
+        return;
+    }
+    nextHost = 0;
+}
+}
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
