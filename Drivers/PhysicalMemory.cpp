@@ -37,7 +37,7 @@ public:
             PrintError("mmap failed");
             return nullptr;
         }
-        return reinterpret_cast<volatile std::uint32_t*>(static_cast<std::byte*>(m_page) + m_offset);
+        return static_cast<volatile std::uint32_t*>(m_page) + m_offset / sizeof(std::uint32_t);
     }
 
 private:

@@ -11,7 +11,7 @@ if(NOT VERNICOR_SANITIZE)  # g++ 12 sees null pointers in its own instrumented s
   target_compile_options(project_options INTERFACE -Wnull-dereference)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(project_options INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast)
+  target_compile_options(project_options INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op)
   if(CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # At -O3 this compiler takes a string's insert and concatenation for overlapping copies of half the memory.
     target_compile_options(project_options INTERFACE -Wno-restrict)

@@ -126,8 +126,8 @@ constexpr long NameLength = 255;
 void FillSpace(const CardState& card, struct statfs& space) {
     space.f_type = FatMagic;
     space.f_namelen = NameLength;
-    space.f_frsize = card.blockSize;
-    space.f_bsize = card.blockSize;
+    space.f_frsize = static_cast<decltype(space.f_frsize)>(card.blockSize);
+    space.f_bsize = static_cast<decltype(space.f_bsize)>(card.blockSize);
     space.f_blocks = static_cast<fsblkcnt_t>(card.totalBlocks);
     space.f_bfree = static_cast<fsblkcnt_t>(card.full ? 0 : card.freeBlocks);
     space.f_bavail = space.f_bfree;
@@ -136,8 +136,8 @@ void FillSpace(const CardState& card, struct statfs& space) {
 void FillSpace(const CardState& card, struct statfs64& space) {
     space.f_type = FatMagic;
     space.f_namelen = NameLength;
-    space.f_frsize = card.blockSize;
-    space.f_bsize = card.blockSize;
+    space.f_frsize = static_cast<decltype(space.f_frsize)>(card.blockSize);
+    space.f_bsize = static_cast<decltype(space.f_bsize)>(card.blockSize);
     space.f_blocks = card.totalBlocks;
     space.f_bfree = card.full ? 0 : card.freeBlocks;
     space.f_bavail = space.f_bfree;
@@ -148,8 +148,8 @@ void FillVfsSpace(const CardState& card, Space& space) {
     space.f_namemax = NameLength;
     space.f_bsize = card.blockSize;
     space.f_frsize = card.blockSize;
-    space.f_blocks = card.totalBlocks;
-    space.f_bfree = card.full ? 0 : card.freeBlocks;
+    space.f_blocks = static_cast<decltype(space.f_blocks)>(card.totalBlocks);
+    space.f_bfree = static_cast<decltype(space.f_bfree)>(card.full ? 0 : card.freeBlocks);
     space.f_bavail = space.f_bfree;
 }
 

@@ -26,7 +26,7 @@ std::vector<std::string> FileTail::Read() {
     }
     char buffer[8192];
     ssize_t got = 0;
-    while ((got = pread(file, buffer, sizeof(buffer), m_offset)) > 0) {
+    while ((got = pread64(file, buffer, sizeof(buffer), m_offset)) > 0) {
         m_offset += got;
         m_rest.append(buffer, static_cast<std::size_t>(got));
     }

@@ -43,7 +43,7 @@ void CatchSignals() {
 }
 
 std::string TimeOfDay(std::int64_t wallNanoSeconds) {
-    const std::time_t seconds = wallNanoSeconds / 1000000000;
+    const auto seconds = static_cast<std::time_t>(wallNanoSeconds / 1000000000);
     std::tm date{};
     gmtime_r(&seconds, &date);
     char text[16];

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t SampleSize = 1024;
 constexpr std::size_t PieceSize = 16384;
-constexpr off_t LargestReserve = 1 << 26;      // a larger file has to prove its size by its bytes
+constexpr off64_t LargestReserve = 1 << 26;      // a larger file has to prove its size by its bytes
 constexpr std::size_t EditMargin = 1024;       // room for the first change of a text just read
 constexpr std::size_t ConversionMargin = 100;  // one byte more in so many, for the same purpose
 constexpr const char* Utf8 = "UTF-8";
@@ -39,7 +39,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-File Open(const char* path, const char* mode) { return File(std::fopen(path == nullptr ? "" : path, mode)); }
+File Open(const char* path, const char* mode) { return File(fopen64(path == nullptr ? "" : path, mode)); }
 
 bool FileError(int error, std::string& result) {
     AddXmlReport(result, "file_error", {.msg = std::strerror(error)});
@@ -94,8 +94,8 @@ bool FileReader::Read(const char* path) {
 }
 
 bool FileReader::ReadBytes(std::FILE* file) {
-    struct stat status {};
-    if (fstat(fileno(file), &status) != 0) {
+    struct stat64 status {};
+    if (fstat64(fileno(file), &status) != 0) {
         return false;
     }
     if (static_cast<std::uint64_t>(status.st_size) > m_limit) {

@@ -56,7 +56,7 @@ TEST_F(MemoryTest, register_writes_are_traced_and_reads_are_not) {
 
 TEST_F(MemoryTest, a_mapping_of_more_than_a_page_is_invalid) {
     const int file = open("/dev/mem", O_RDWR);
-    EXPECT_EQ(mmap(nullptr, 8192, PROT_READ, MAP_SHARED, file, 0xFFFFF000), MAP_FAILED);
+    EXPECT_EQ(mmap(nullptr, 8192, PROT_READ, MAP_SHARED, file, static_cast<off_t>(0xFFFFF000U)), MAP_FAILED);
     EXPECT_EQ(errno, EINVAL);
     close(file);
 }

@@ -41,7 +41,7 @@ std::int64_t Nanoseconds(clockid_t clock) {
 timespec In(clockid_t clock, std::int64_t seconds) {
     timespec now{};
     clock_gettime(clock, &now);
-    now.tv_sec += seconds;
+    now.tv_sec += static_cast<time_t>(seconds);
     return now;
 }
 

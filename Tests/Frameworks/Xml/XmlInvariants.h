@@ -45,7 +45,7 @@ inline std::string CheckLinks(const XmlIndex& index, std::uint32_t at) {
 // Empty if the offsets of the record point at tags of the text.
 inline std::string CheckOffsets(const XmlIndex& index, const std::string& text, std::uint32_t at) {
     const XmlRecord& record = index.At(at);
-    const std::uint64_t end = std::uint64_t{record.start} + record.length;
+    const std::size_t end = std::size_t{record.start} + record.length;
     const std::uint32_t startTag = index.StartTagLength(at);
     const std::uint32_t endTag = index.EndTagLength(at);
     const std::uint32_t parentEnd = record.parent == 0 ? static_cast<std::uint32_t>(text.size())
