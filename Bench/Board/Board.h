@@ -190,7 +190,9 @@ public:
     // between single quotes. The last 512 are kept, up to 255 characters of each.
     std::vector<std::string> SoundCalls() const;
     void ClearSoundCalls();
-    bool SoundPlaying() const;        // until the last of several clips ends
+    bool SoundPlaying() const;  // until the last of several clips ends
+    // The same of the clip that a living child of the program plays again and again, in its pauses too.
+    std::string LoopingClip() const;
     std::string PlayingClip() const;  // file name of the one started last; empty in silence
 
     // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;

@@ -1,4 +1,6 @@
 // What the sound tools tell the board: their calls, and the clips that play.
+#include <signal.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -37,7 +39,7 @@ void NoteSoundCall(BoardState& state, const char* line) {
 
 bool SoundPlays(const BoardState& state) { return state.audioPlaying || LastPlayer(state) != nullptr; }
 
-void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds) {
+void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds, pid_t loop) {
     std::int64_t end = 0;
     const std::uint32_t run = state.run.load();
     {
@@ -46,6 +48,7 @@ void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds) {
         PlayerEntry& player = FreePlayer(state.sound);
         player = PlayerEntry{};
         player.ends = end;
+        player.loop = loop;
         player.number = ++state.sound.played;
         std::snprintf(player.name, sizeof(player.name), "%s", name);
         Changed(state);
@@ -78,6 +81,18 @@ void Board::ClearSoundCalls() {
 bool Board::SoundPlaying() const {
     const BoardLock lock(*m_state);
     return SoundPlays(*m_state);
+}
+
+std::string Board::LoopingClip() const {
+    const BoardLock lock(*m_state);
+    const PlayerEntry* last = nullptr;
+    for (const PlayerEntry& player : m_state->sound.players) {
+        const bool loops = player.loop > 0 && kill(player.loop, 0) == 0;
+        if (loops && (last == nullptr || player.number > last->number)) {
+            last = &player;
+        }
+    }
+    return last == nullptr ? "" : last->name;
 }
 
 std::string Board::PlayingClip() const {

@@ -178,6 +178,7 @@ constexpr std::size_t MaximalPlayers = 16;
 struct PlayerEntry {
     std::int64_t ends = 0;
     std::uint64_t number = 0;
+    pid_t loop = 0;  // the forked child that had it played; 0: none
     char name[64] = {};
 };
 
@@ -349,8 +350,8 @@ std::uint64_t LinkLength(const BoardState& state, int port);
 // ---- Sound.
 void NoteSoundCall(BoardState& state, const char* line);
 bool SoundPlays(const BoardState& state);
-// Returns when the clip or the run has ended. Not under the lock.
-void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds);
+// Returns when the clip or the run has ended. Not under the lock. `loop` is the forked child that asked for it, or 0.
+void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds, pid_t loop);
 
 // ---- Instrument and faults.
 InstrumentInputs InputsOf(const BoardState& state);

@@ -34,7 +34,8 @@ void PutPreparation(Buffer& line, const BoardState& state, bool tools) {
     PutQuoted(line, tools ? std::string_view(BENCH_TOOLS) : "/nonexistent");
     Put(line, "%s; VERNICOR_BENCH=", tools ? ":\"$PATH\"" : "");
     PutQuoted(line, state.folder);
-    Put(line, "; export PATH VERNICOR_BENCH; unset LD_PRELOAD; ");
+    Put(line, "; VERNICOR_LOOP=%d", forkedBy == 0 ? 0 : static_cast<int>(getpid()));
+    Put(line, "; export PATH VERNICOR_BENCH VERNICOR_LOOP; unset LD_PRELOAD; ");
 }
 
 }  // namespace

@@ -16,6 +16,8 @@ constexpr const char* Plain = "";
 constexpr const char* Dim = "\033[2m";
 constexpr const char* Bold = "\033[1m";
 constexpr const char* Amber = "\033[33m";
+constexpr const char* Blue = "\033[94m";
+constexpr const char* Red = "\033[31m";
 constexpr const char* Cyan = "\033[36m";
 constexpr const char* Reset = "\033[0m";
 constexpr const char* EraseLine = "\r\033[K";
@@ -55,6 +57,8 @@ void Display::Result(const std::string& text) { Write(text, m_terminal ? Bold : 
 
 void Display::Warning(const std::string& text) { Write(text, Amber); }
 
+void Display::Indicator(const std::string& text) { Write(m_coloured ? Painted(text) : text, Plain); }
+
 void Display::Progress(const std::string& text) {
     if (!m_terminal) {
         return;
@@ -71,6 +75,22 @@ void Display::EndProgress() {
         std::fflush(stdout);
         m_progress = false;
     }
+}
+
+std::string Painted(const std::string& text) {
+    constexpr struct {
+        const char* word;
+        const char* colour;
+    } Words[] = {{"blue", Blue}, {"amber", Amber}, {"red", Red}};
+    std::string painted = text;
+    for (const auto& row : Words) {
+        const std::string word = row.word;
+        const std::string paint = row.colour + word + Reset;
+        for (std::size_t at = painted.find(word); at != std::string::npos; at = painted.find(word, at + paint.size())) {
+            painted.replace(at, word.size(), paint);
+        }
+    }
+    return painted;
 }
 
 std::string ProgressBar(double share, int width) {

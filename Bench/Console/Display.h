@@ -19,6 +19,7 @@ public:
     void LogLine(const std::string& text);
     void Result(const std::string& text);
     void Warning(const std::string& text);
+    void Indicator(const std::string& text);  // each colour that it names in that colour
 
     // Replaces the line in place; nothing but on a terminal.
     void Progress(const std::string& text);
@@ -32,6 +33,9 @@ private:
     bool m_progress = false;
     std::string m_date;
 };
+
+// Each blue, amber and red in the text painted in its colour, as a terminal wants it.
+std::string Painted(const std::string& text);
 
 // "#######-----  58 %" in that many characters for the bar.
 std::string ProgressBar(double share, int width);

@@ -49,6 +49,15 @@ bool TakeChlorine(Options& options, const std::string& value) {
     return ReadNumber(value, 0.0, MaximalChlorine, options.chlorine);
 }
 
+bool TakeLevel(std::string& level, const std::string& value) {
+    double number = 0.0;
+    level = value;
+    return ReadNumber(value, 0.0, MaximalChlorine, number);
+}
+
+bool TakeAlert(Options& options, const std::string& value) { return TakeLevel(options.alertLevel, value); }
+bool TakeAlarm(Options& options, const std::string& value) { return TakeLevel(options.alarmLevel, value); }
+
 bool TakeSpeed(Options& options, const std::string& value) {
     return ReadNumber(value, MinimalSpeed, MaximalSpeed, options.speed);
 }
@@ -120,6 +129,8 @@ struct ValueOption {
 constexpr ValueOption ValueOptions[] = {
     {"--cycles", TakeCycles, "a whole number from 1 to 1000000"},
     {"--chlorine", TakeChlorine, "mg/l, from 0 to 20"},
+    {"--alert", TakeAlert, "mg/l, from 0 to 20"},
+    {"--alarm", TakeAlarm, "mg/l, from 0 to 20"},
     {"--speed", TakeSpeed, "a number from 0.1 to 1000"},
     {"--start", TakeStart, "a date as in \"2026-12-31 23:57:00\", from 1970 to 2037"},
     {"--seed", TakeSeed, "a whole number from 0 to 4294967295"},
@@ -231,6 +242,8 @@ std::string HelpText() {
 
   --cycles N               stop after N results
   --chlorine MG_PER_L      chlorine in the water, 0 to 20 (0.60)
+  --alert MG_PER_L         chlorine from which the water is in alert, 0 to 20 (AlertLevel of the configuration)
+  --alarm MG_PER_L         likewise in alarm (AlarmLevel)
   --speed X                simulated seconds for one real second, 0.1 to 1000 (20)
   --start "DATE TIME"      where the analyzer's clock begins, as in "2026-12-31 23:57:00", UTC (now)
   --seed N                 of the noise (1)
@@ -252,7 +265,9 @@ std::string HelpText() {
 
 Each result is one line:
   result INDEX chlorine VALUE sample VALUE absorbance VALUE dark COUNT reference COUNT reacted COUNT duty PERCENT
-where sample is the chlorine that the water really has. Ctrl-C ends the run.
+where sample is the chlorine that the water really has, and the remote indicator, whenever it changes, another:
+  indicator analyzer COLOUR water COLOUR sound FILE
+with blue, amber, red, several of them joined by "+", all or off, and none in silence. Ctrl-C ends the run.
 
 Exit status: 0 after N results; 1 if the analyzer ended or gave no result in three times the time of a cycle;
 2 for a wrong argument; 130 after Ctrl-C, 143 after SIGTERM. Of a front end or test station: 0 if all was answered,

@@ -11,8 +11,10 @@ namespace Bench {
 struct Options {
     std::optional<std::uint64_t> cycles;  // stop after that many results
     double chlorine = 0.60;               // mg/l
-    double speed = 20.0;                  // simulated seconds for one real second
-    std::optional<std::int64_t> start;    // Unix time; the machine's own when absent
+    std::string alertLevel;               // mg/l, as it came; empty: the configuration's
+    std::string alarmLevel;
+    double speed = 20.0;                // simulated seconds for one real second
+    std::optional<std::int64_t> start;  // Unix time; the machine's own when absent
     std::uint32_t seed = 1;
     std::string config;               // empty: the sample configuration
     std::string bench;                // empty: build/bench of the project

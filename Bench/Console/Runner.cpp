@@ -91,8 +91,23 @@ int Runner::Run() {
 bool Runner::Prepare(std::string& error) {
     const std::string configuration = m_options.config.empty() ? m_places.configuration : m_options.config;
     const std::string bench = m_options.bench.empty() ? m_places.bench : m_options.bench;
-    return ReadAnalyzerSettings(configuration, m_settings, error) && m_folder.Take(bench, error) &&
+    return ReadAnalyzerSettings(configuration, m_settings, error) && SetLevels(error) && m_folder.Take(bench, error) &&
            m_folder.Furnish(m_settings.text, m_places.clips, error) && MakeBoard(error);
+}
+
+bool Runner::SetLevels(std::string& error) {
+    const struct {
+        const char* option;
+        const char* name;
+        const std::string& level;
+    } levels[] = {{"--alert", "AlertLevel", m_options.alertLevel}, {"--alarm", "AlarmLevel", m_options.alarmLevel}};
+    for (const auto& row : levels) {
+        if (!row.level.empty() && !SetSetting(m_settings.text, row.name, row.level)) {
+            error = std::string(row.option) + ": the configuration gives no " + row.name;
+            return false;
+        }
+    }
+    return true;
 }
 
 bool Runner::MakeBoard(std::string& error) {
@@ -162,8 +177,15 @@ int Runner::Fail(const std::string& reason) {
     return ExitFailed;
 }
 
+void Runner::ShowIndicator() {
+    if (const std::optional<IndicatorView> view = m_indicator.Look(*m_board)) {
+        m_display.Indicator(IndicatorLine(*view));
+    }
+}
+
 void Runner::Look() {
     AnnounceFaults();
+    ShowIndicator();
     // Records first: the status texts of a cycle are in the log before its record is on the card.
     std::vector<MeasurementRecord> records;
     for (const DayFileTail::Line& line : m_measurements->Read()) {

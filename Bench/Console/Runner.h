@@ -12,6 +12,7 @@
 #include "Bench/Console/BenchFolder.h"
 #include "Bench/Console/Display.h"
 #include "Bench/Console/FileTail.h"
+#include "Bench/Console/Indicator.h"
 #include "Bench/Console/Options.h"
 #include "Bench/Console/Records.h"
 #include "Bench/Console/Settings.h"
@@ -41,11 +42,13 @@ public:
 
 private:
     bool Prepare(std::string& error);
+    bool SetLevels(std::string& error);
     bool MakeBoard(std::string& error);
     int Follow();
     void Greet();
 
     void Look();            // at everything that has come since the last look
+    void ShowIndicator();   // where it has changed
     void AnnounceFaults();  // that have become active
     void TakeRecord(const DayFileTail::Line& line, std::vector<MeasurementRecord>& records);
     void TakeLogText(const std::string& text);
@@ -64,6 +67,7 @@ private:
     Analyzer m_analyzer;
     Display m_display;
 
+    IndicatorWatch m_indicator;
     std::optional<DayFileTail> m_measurements;
     MeasurementReader m_reader;
     std::optional<FileTail> m_log;

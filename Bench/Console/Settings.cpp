@@ -5,6 +5,7 @@
 #include <fstream>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 namespace Bench {
 
@@ -12,8 +13,13 @@ namespace {
 
 constexpr std::size_t MaximalSize = 4U << 20U;
 
-// The value of an attribute in the text of one tag.
-std::optional<std::string> Attribute(const std::string& tag, const std::string& name) {
+struct Span {
+    std::size_t start = 0;
+    std::size_t length = 0;
+};
+
+// Where the value of an attribute stands in the text of one tag.
+std::optional<Span> FindAttribute(const std::string& tag, const std::string& name) {
     const std::string start = " " + name + "=\"";
     const std::size_t at = tag.find(start);
     if (at == std::string::npos) {
@@ -21,12 +27,13 @@ std::optional<std::string> Attribute(const std::string& tag, const std::string& 
     }
     const std::size_t from = at + start.size();
     const std::size_t end = tag.find('"', from);
-    return end == std::string::npos ? std::nullopt : std::optional<std::string>(tag.substr(from, end - from));
+    return end == std::string::npos ? std::nullopt : std::optional<Span>(Span{from, end - from});
 }
 
 struct Item {
     std::string name;
     std::string value;
+    Span place;  // of the value in the whole text
 };
 
 // The next INFO_ITEM with a name and a value from `position` on, which moves behind it.
@@ -40,11 +47,13 @@ std::optional<Item> NextItem(const std::string& text, std::size_t& position) {
         for (char& character : tag) {
             character = character == '\n' || character == '\t' || character == '\r' ? ' ' : character;
         }
-        position = end;
-        const std::optional<std::string> name = Attribute(tag, "name");
-        const std::optional<std::string> value = Attribute(tag, "value");
+        const std::size_t start = std::exchange(position, end);
+        const std::optional<Span> name = FindAttribute(tag, "name");
+        const std::optional<Span> value = FindAttribute(tag, "value");
         if (name && value) {
-            return Item{*name, *value};
+            return Item{tag.substr(name->start, name->length),
+                        tag.substr(value->start, value->length),
+                        {start + value->start, value->length}};
         }
     }
     position = text.size();
@@ -67,6 +76,17 @@ bool ReadText(const std::string& path, std::string& text, std::string& error) {
 }
 
 }  // namespace
+
+bool SetSetting(std::string& text, const std::string& name, const std::string& value) {
+    std::size_t position = 0;
+    for (std::optional<Item> item = NextItem(text, position); item; item = NextItem(text, position)) {
+        if (item->name == name) {
+            text.replace(item->place.start, item->place.length, value);
+            return true;
+        }
+    }
+    return false;
+}
 
 bool ReadAnalyzerSettings(const std::string& path, AnalyzerSettings& settings, std::string& error) {
     std::string text;

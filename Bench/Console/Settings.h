@@ -19,6 +19,9 @@ struct AnalyzerSettings {
     std::uint16_t testServerPort = UsualTestServerPort;
 };
 
+// Gives the first item of that name in the text another value, digits and points alone; false where there is none.
+bool SetSetting(std::string& text, const std::string& name, const std::string& value);
+
 // False with a sentence in `error` that names the file and what is wrong in it.
 bool ReadAnalyzerSettings(const std::string& path, AnalyzerSettings& settings, std::string& error);
 

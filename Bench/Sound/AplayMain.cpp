@@ -1,6 +1,7 @@
 // The player of the bench: the board notes the call and plays the clip for as long as it lasts in simulated time. Every
 // argument that is no option is a file, one after the other.
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "Bench/Board/Attachment.h"
@@ -19,7 +20,9 @@ bool Play(const Bench::Board& board, const std::string& path) {
         std::fprintf(stderr, "aplay: %s: %s\n", path.c_str(), error.c_str());
         return false;
     }
-    Bench::PlayClip(board.State(), path.substr(path.rfind('/') + 1).c_str(), *length);
+    const char* loop = std::getenv("VERNICOR_LOOP");
+    Bench::PlayClip(board.State(), path.substr(path.rfind('/') + 1).c_str(), *length,
+                    loop == nullptr ? 0 : static_cast<pid_t>(std::strtol(loop, nullptr, 10)));
     return true;
 }
 

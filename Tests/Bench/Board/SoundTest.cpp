@@ -136,6 +136,27 @@ TEST_F(SoundTest, of_overlapping_clips_the_last_end_counts) {
     program.join();  // a reset ends the player, long before its clip
 }
 
+TEST_F(SoundTest, a_loop_is_known_in_its_pauses_too) {
+    Lay("a.wav", Clip(8));
+    const pid_t child = fork();
+    while (child == 0) {
+        Run("aplay -q /usr/share/vorn/bin/a.wav");
+        usleep(600000000);
+    }
+    EXPECT_TRUE(Board().WaitUntil([this] { return Board().LoopingClip() == "a.wav" && !Board().SoundPlaying(); }));
+    kill(child, SIGTERM);
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    EXPECT_EQ(Board().LoopingClip(), "");
+}
+
+TEST_F(SoundTest, a_single_clip_is_no_loop) {
+    Lay("a.wav", Clip(240000));
+    std::thread program([] { Run("aplay -q /usr/share/vorn/bin/a.wav"); });
+    EXPECT_TRUE(Board().WaitUntil([this] { return Board().PlayingClip() == "a.wav"; }));
+    EXPECT_EQ(Board().LoopingClip(), "");
+    program.join();
+}
+
 TEST_F(SoundTest, a_killed_player_is_heard_no_longer_than_its_clip) {
     Lay("a.wav", Clip(240000));
     const std::string pidFile = Folder() + "/pid";

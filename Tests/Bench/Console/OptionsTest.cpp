@@ -23,6 +23,8 @@ TEST(Options, no_argument_gives_the_usual_run) {
     const Options options = Read({});
     EXPECT_FALSE(options.cycles.has_value());
     EXPECT_EQ(options.chlorine, 0.60);
+    EXPECT_EQ(options.alertLevel, "");
+    EXPECT_EQ(options.alarmLevel, "");
     EXPECT_EQ(options.speed, 20.0);
     EXPECT_FALSE(options.start.has_value());
     EXPECT_EQ(options.seed, 1U);
@@ -129,6 +131,20 @@ TEST(Options, chlorine_out_of_range_is_refused) {
     EXPECT_EQ(Read({"--chlorine", "20"}).chlorine, 20.0);
 }
 
+TEST(Options, levels_are_taken_as_they_come) {
+    const Options options = Read({"--alert", "0.50", "--alarm=20"});
+    EXPECT_EQ(options.alertLevel, "0.50");
+    EXPECT_EQ(options.alarmLevel, "20");
+}
+
+TEST(Options, levels_out_of_range_are_refused) {
+    for (const std::string option : {"--alert", "--alarm"}) {
+        for (const std::string value : {"-0.1", "20.1", "nan", "0,6", "", "1e1", "1.2.3", "\"/>"}) {
+            EXPECT_EQ(Refusal({option, value}), option + " does not take \"" + value + "\", but mg/l, from 0 to 20");
+        }
+    }
+}
+
 TEST(Options, speed_out_of_range_is_refused) {
     for (const char* value : {"0", "0.05", "1001", "fast"}) {
         EXPECT_EQ(Refusal({"--speed", value}),
@@ -165,10 +181,26 @@ TEST(Options, empty_fault_is_refused) {
 
 TEST(Options, help_names_every_option) {
     const std::string help = HelpText();
-    for (const char* option :
-         {"--cycles N", "--chlorine MG_PER_L", "--speed X", "--start \"DATE TIME\"", "--seed N", "--config FILE",
-          "--bench DIR", "--fault NAME[=VALUE][@SECONDS]", "--fault list", "--log", "--program FILE", "--frontend",
-          "--test-server", "--frontend-port N", "--test-server-port N", "--script FILE", "--wait SECONDS", "--help"}) {
+    for (const char* option : {"--cycles N",
+                               "--chlorine MG_PER_L",
+                               "--alert MG_PER_L",
+                               "--alarm MG_PER_L",
+                               "--speed X",
+                               "--start \"DATE TIME\"",
+                               "--seed N",
+                               "--config FILE",
+                               "--bench DIR",
+                               "--fault NAME[=VALUE][@SECONDS]",
+                               "--fault list",
+                               "--log",
+                               "--program FILE",
+                               "--frontend",
+                               "--test-server",
+                               "--frontend-port N",
+                               "--test-server-port N",
+                               "--script FILE",
+                               "--wait SECONDS",
+                               "--help"}) {
         EXPECT_NE(help.find(std::string("  ") + option), std::string::npos) << option;
     }
 }

@@ -117,6 +117,35 @@ TEST_F(RunProgram, folder_of_somebody_else_is_refused_and_stays) {
     EXPECT_EQ(ReadFile(Bench() + "/letter"), "dear");
 }
 
+TEST_F(RunProgram, level_that_the_configuration_does_not_know_is_refused) {
+    ExpectRefused({"--alert", "0.5", "--bench", Bench(), "--config", m_folder / "c.xml"},
+                  "--alert: the configuration gives no AlertLevel");
+    ExpectRefused({"--alarm", "0.5", "--bench", Bench(), "--config", m_folder / "c.xml"},
+                  "--alarm: the configuration gives no AlarmLevel");
+    EXPECT_FALSE(std::filesystem::exists(Bench()));
+}
+
+TEST_F(RunProgram, levels_stand_in_the_runs_own_configuration) {
+    const std::string levels =
+        "<INFO_ITEM name=\"AlarmLevel\" value=\"0.8\"/><INFO_ITEM name=\"AlertLevel\" value=\"0.5\"/>";
+    WriteFile(m_folder / "c.xml", Configuration + levels);
+    StartFake("cycle", {"--cycles", "1", "--alert", "0.25", "--alarm", "1.125"});
+    EXPECT_EQ(Wait(), 0) << Err();
+    EXPECT_EQ(ReadFile(Bench() + "/usr/share/vorn/bin/configuration/analyzer.conf.xml"),
+              Configuration + std::string("<INFO_ITEM name=\"AlarmLevel\" value=\"1.125\"/>"
+                                          "<INFO_ITEM name=\"AlertLevel\" value=\"0.25\"/>"));
+    EXPECT_EQ(ReadFile(m_folder / "c.xml"), Configuration + levels);
+}
+
+TEST_F(RunProgram, indicator_is_shown_when_it_changes) {
+    StartFake("indicate");
+    EXPECT_TRUE(Eventually([this] {
+        return Out().find("\nindicator analyzer blue water amber sound alert.wav\n") != std::string::npos;
+    })) << Out();
+    m_run.Signal(SIGTERM);
+    EXPECT_EQ(Wait(), 143);
+}
+
 TEST_F(RunProgram, help_is_printed) {
     EXPECT_EQ(Run({"--help"}), 0);
     EXPECT_EQ(Out().rfind("./run puts the analyzer on a virtual board", 0), 0U);

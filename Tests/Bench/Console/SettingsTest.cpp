@@ -75,6 +75,17 @@ TEST(Settings, configuration_without_a_measurement_file_is_refused) {
               "the configuration FILE gives no LogMeasurementDataFileName");
 }
 
+TEST(Settings, a_setting_is_changed_in_place) {
+    std::string text =
+        "<INFO_ITEM name=\"A\" value=\"1\"/><INFO_ITEM\n value=\"0.5\"\tname=\"B\" unit=\"u\"/>"
+        "<INFO_ITEM name=\"B\" value=\"3\"/>";
+    EXPECT_TRUE(SetSetting(text, "B", "12.75"));
+    EXPECT_EQ(text,
+              "<INFO_ITEM name=\"A\" value=\"1\"/><INFO_ITEM\n value=\"12.75\"\tname=\"B\" unit=\"u\"/>"
+              "<INFO_ITEM name=\"B\" value=\"3\"/>");
+    EXPECT_FALSE(SetSetting(text, "C", "1"));
+}
+
 TEST(Settings, broken_tags_do_no_harm) {
     EXPECT_EQ(Refusal("<INFO_ITEM name=\"ColorimeterCellConstant\" value=\"2.4"),
               "the configuration FILE gives no ColorimeterCellConstant above 0");

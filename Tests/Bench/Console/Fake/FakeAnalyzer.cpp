@@ -58,6 +58,23 @@ void HaveChildren() {
     std::ofstream(BenchPath("ready")) << "yes";
 }
 
+void Write(const std::string& path, const std::string& text) { std::ofstream("/sys/class/gpio/" + path) << text; }
+
+// Blue for itself, amber for the water, and a sound again and again.
+void Indicate() {
+    for (const char* pin : {"17", "19"}) {
+        Write("export", std::to_string(96 + std::atoi(pin)));
+        Write(std::string("pioD") + pin + "/direction", "high");
+    }
+    if (fork() == 0) {
+        for (;;) {
+            if (system("aplay -q /usr/share/vorn/bin/alert.wav") < 0) {
+                _exit(1);
+            }
+        }
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -73,6 +90,9 @@ int main() {
     }
     if (what == "cycle") {
         OneCycle();
+    }
+    if (what == "indicate") {
+        Indicate();
     }
     if (what == "children") {
         HaveChildren();

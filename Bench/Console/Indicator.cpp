@@ -1,0 +1,56 @@
+#include "Bench/Console/Indicator.h"
+
+namespace Bench {
+
+namespace {
+
+constexpr const char* Colours[] = {"blue", "amber", "red"};
+constexpr unsigned Sides = 3;  // LEDs of a side: the analyzer's come first, in the order of the colours
+constexpr std::uint8_t AllOfASide = 7;
+
+std::string ColoursOf(unsigned leds) {
+    if (leds == 0) {
+        return "off";
+    }
+    if (leds == AllOfASide) {
+        return "all";
+    }
+    std::string text;
+    for (unsigned i = 0; i < Sides; ++i) {
+        if ((leds >> i & 1U) != 0) {
+            text += (text.empty() ? "" : "+") + std::string(Colours[i]);
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string IndicatorLine(const IndicatorView& view) {
+    return "indicator analyzer " + ColoursOf(view.lit & AllOfASide) + " water " + ColoursOf(view.lit >> Sides) +
+           " sound " + (view.sound.empty() ? "none" : view.sound);
+}
+
+std::optional<IndicatorView> IndicatorWatch::Look(const Board& board) {
+    IndicatorView view;
+    for (unsigned led = 0; led < IndicatorLeds; ++led) {
+        if (board.IndicatorLit(static_cast<IndicatorLed>(led))) {
+            view.lit = static_cast<std::uint8_t>(view.lit | 1U << led);
+        }
+    }
+    const std::string loop = board.LoopingClip();
+    view.sound = loop.empty() ? board.PlayingClip() : loop;
+    return Take(view);
+}
+
+std::optional<IndicatorView> IndicatorWatch::Take(const IndicatorView& view) {
+    const bool stands = view == m_last;
+    m_last = view;
+    if (!stands || view == m_told.value_or(IndicatorView{})) {
+        return std::nullopt;
+    }
+    m_told = view;
+    return view;
+}
+
+}  // namespace Bench
