@@ -1,106 +1,19 @@
-// A DeviceMonitor on a board of its own without noise, with a router, and a witness that hears what it sends and plays
-// the remote indicator's sound as it is asked to.
+// A DeviceMonitor on a board of its own without noise, with a router and a witness.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
-#include "Frameworks/Messaging/LogInfoMessage.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
 #include "System/DeviceMonitor/DeviceMonitor.h"
 #include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
 #include "Tests/Support/BoardFixture.h"
-
-using Texts = std::vector<std::string>;
-
-// One line a message, in order of arrival.
-class Witness final : public ThreadControl {
-public:
-    Witness(ControllerType name, Bench::Board& board) : m_board(board) { SetThreadName(ControllerNames[name]); }
-
-    bool Init() override { return ThreadControl::Init() && DoRegistration(); }
-    bool DoRegistration() override {
-        RegisterForCommand(KILLING_SYSTEM);  // enters the name
-        for (const DataMessageType type :
-             {LOGGING_DATA_MESSAGE, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE,
-              REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE, PERIODIC_HARDWARE_TEST_DATA_MESSAGE}) {
-            RegisterForDataMessage(type);
-        }
-        m_listens = true;
-        return true;
-    }
-    bool ProcessCommandMessage(CommandMessage* /*message*/) override { return true; }
-    bool ProcessDataMessage(DataMessage* message) override {
-        const std::string text = TextOf(*message);
-        const std::lock_guard lock(m_mutex);
-        m_texts.push_back(text);
-        return true;
-    }
-    bool ProcessTimeOut() override { return true; }
-
-    bool Listens() const { return m_listens; }
-
-    Texts Heard() {
-        const std::lock_guard lock(m_mutex);
-        return m_texts;
-    }
-
-    void Forget() {
-        const std::lock_guard lock(m_mutex);
-        m_texts.clear();
-    }
-
-private:
-    static std::string Number(std::int32_t number) { return std::to_string(number); }
-
-    std::string TextOf(const DataMessage& message) {
-        const std::string sender = " from " + message.GetSource()->GetThreadName().Text();
-        const std::string role = message.GetSubType() == REQUEST_SUB_TYPE ? "" : " as " + Number(message.GetSubType());
-        switch (message.GetDataType()) {
-            case LOGGING_DATA_MESSAGE: {
-                const LogInfo& info = static_cast<const LogInfoMessage&>(message).GetLogInfo();
-                return "log " + Number(info.GetLogLevel()) + " " + info.GetText().Text() + sender;
-            }
-            case REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE: {
-                const auto& colors = static_cast<const RemoteIndicatorControlMessage&>(message);
-                return "colors " + Number(colors.GetAnalyzerStatus()) + " " + Number(colors.GetWaterStatus()) +
-                       " select " + Number(colors.GetStatusSelect()) + role + sender;
-            }
-            case REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE: {
-                const auto& audio = static_cast<const RemoteIndicatorAudioControlMessage&>(message);
-                Act(audio.GetAction());
-                return "audio " + Number(audio.GetAction()) + " [" + audio.GetFileName().Text() + "]" + role + sender;
-            }
-            default: {
-                const auto& test = static_cast<const PeriodicHardwareTestMessage&>(message);
-                return "test " + Number(test.GetTestSelector()) + " verdict " + Number(test.GetVerdict()) + role +
-                       sender;
-            }
-        }
-    }
-
-    // Once the sound plays, time may pass fast.
-    void Act(std::int32_t action) {
-        m_board.SetAudioPlaying(action == 1);
-        if (action == 1) {
-            m_board.SetSpeed(100.0);
-        }
-    }
-
-    Bench::Board& m_board;
-    std::mutex m_mutex;
-    Texts m_texts;
-    std::atomic<bool> m_listens{false};
-};
+#include "Tests/System/DeviceMonitor/Witness.h"
 
 // A name in the router's table, for a controller that isn't there.
 class Named final : public ThreadControl {
@@ -114,7 +27,7 @@ public:
 
 class DeviceMonitorFixture : public BoardTest {
 protected:
-    explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness(SYSTEM_MONITOR, Board()) {
+    explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness("Witness", HeardTypes, Board()) {
         MessageController::SetLogLevel(ERROR_LOG_LEVEL);
         MessageBase::SetMessagingControl(&router);
         router.RegisterCommand(&m_systemControl, KILLING_SYSTEM);
@@ -186,6 +99,10 @@ protected:
         change(settings);
         Board().SetSettings(settings);
     }
+
+    static inline const std::vector<DataMessageType> HeardTypes = {
+        LOGGING_DATA_MESSAGE, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE, REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
+        PERIODIC_HARDWARE_TEST_DATA_MESSAGE};
 
     MessagingControl router;
     Witness witness;

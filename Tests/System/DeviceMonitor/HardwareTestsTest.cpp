@@ -127,7 +127,7 @@ TEST_F(HardwareTest, without_the_converter_the_voltages_fail_without_amber) {
 TEST_F(AmplifierTest, a_sound_amplifier_passes) { EXPECT_EQ(Test(2), (Texts{Silence, Play, Restart, Passed})); }
 
 TEST_F(HardwareTest, a_dead_amplifier_fails) {
-    SetSettings([](auto& settings) { settings.supplyAudio = 0.0; });
+    SetFault("amplifier-dead");
     EXPECT_EQ(Test(2), (Texts{Silence, Play, AmplifierFailed, Amber, Restart, Failed}));
 }
 
@@ -155,7 +155,7 @@ TEST_F(HardwareTest, an_amplifier_that_cannot_be_measured_fails_and_the_sound_is
 }
 
 TEST_F(HardwareTest, the_requests_for_sound_are_given_their_seconds) {
-    SetSettings([](auto& settings) { settings.supplyAudio = 0.0; });
+    SetFault("amplifier-dead");
     const double start = Board().Seconds();
     Test(2);
     EXPECT_GE(Board().Seconds() - start, 8.0);  // 3 of silence, 1 + 1 of sound, 3 of restart
@@ -166,13 +166,13 @@ TEST_F(HardwareTest, a_sound_reagent_motor_passes) { EXPECT_EQ(Test(3), (Texts{S
 TEST_F(HardwareTest, a_sound_stir_motor_passes) { EXPECT_EQ(Test(4), (Texts{Silence, Restart, Passed})); }
 
 TEST_F(HardwareTest, a_dead_reagent_motor_fails) {
-    SetSettings([](auto& settings) { settings.supplyPump = 0.0; });
+    SetFault("pump-stage-dead");
     EXPECT_EQ(Test(3), (Texts{Silence, MotorFailed, Amber, Restart, Failed}));
     EXPECT_EQ(Test(4), (Texts{Silence, Restart, Passed}));
 }
 
 TEST_F(HardwareTest, a_dead_stir_motor_fails_with_the_reagent_motors_text) {
-    SetSettings([](auto& settings) { settings.supplyStir = 0.0; });
+    SetFault("stir-stage-dead");
     EXPECT_EQ(Test(4), (Texts{Silence, MotorFailed, Amber, Restart, Failed}));
     EXPECT_EQ(Test(3), (Texts{Silence, Restart, Passed}));
 }
@@ -265,15 +265,13 @@ TEST_F(HardwareTest, all_end_at_the_first_failure) {
     Board().SetMultiplexerVolts(10, 0.0);
     EXPECT_EQ(Test(5), (Texts{Rails[1].failure, Amber, Failed}));
     Board().ReleaseMultiplexer(10);
-    SetSettings([](auto& settings) { settings.supplyAudio = 0.0; });
+    SetFault("amplifier-dead");
     EXPECT_EQ(Test(5), (Texts{Silence, Play, AmplifierFailed, Amber, Restart, Failed}));
 }
 
 TEST_F(AmplifierTest, all_end_at_a_failing_reagent_motor) {
-    SetSettings([](auto& settings) {
-        settings.supplyPump = 0.0;
-        settings.supplyStir = 0.0;
-    });
+    SetFault("pump-stage-dead");
+    SetFault("stir-stage-dead");
     EXPECT_EQ(Test(5), (Texts{Silence, Play, Restart, Silence, MotorFailed, Amber, Restart, Failed}));
 }
 

@@ -1,0 +1,208 @@
+// The board's tests of itself in the whole system: asked for by message, seen in the log, the requests to the remote
+// indicator and the verdict.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "Tests/Support/SystemFixture.h"
+#include "Tests/System/DeviceMonitor/Witness.h"
+
+namespace {
+
+constexpr const char* Amber = "colors 2 0 select 1 from SystemControl";
+constexpr const char* Passed = "test 0 verdict 1 as 1 from DeviceMonitor";
+constexpr const char* Failed = "test 0 verdict 0 as 1 from DeviceMonitor";
+constexpr const char* MotorFailed = "Reagent delivery stepper motor test failed";
+
+class HardwareTestOfSystem : public SystemOnBoard {
+protected:
+    HardwareTestOfSystem() : SystemOnBoard(100.0) {
+        Start();
+        WaitForIdle();
+    }
+
+    ~HardwareTestOfSystem() override {
+        Reset();  // the router goes first, which knows the witness to its end
+        if (witness != nullptr) {
+            witness->Kill();
+            EXPECT_EQ(pthread_join(witness->GetThreadId(), nullptr), 0);
+        }
+    }
+
+    void SetFault(const std::string& text) {
+        std::string error;
+        ASSERT_TRUE(Board().SetFault(text, error)) << error;
+    }
+
+    void Listen() {
+        if (witness != nullptr) {
+            witness->Forget();
+            return;
+        }
+        witness = std::make_unique<Witness>("Witness",
+                                            std::vector<DataMessageType>{REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE,
+                                                                         REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
+                                                                         PERIODIC_HARDWARE_TEST_DATA_MESSAGE},
+                                            Board());
+        ASSERT_TRUE(witness->CreateThread());
+        EXPECT_TRUE(Board().WaitUntil([this] { return witness->Listens(); }));
+    }
+
+    static void Request(std::int32_t selector) {
+        auto message = std::make_unique<PeriodicHardwareTestMessage>();
+        message->SetTestSelector(selector);
+        EXPECT_TRUE(MessageController::SendMessage(std::move(message), SYSTEM_CONTROL));
+    }
+
+    // The request for amber, where there is one, and the verdict.
+    Texts Test(std::int32_t selector) {
+        Listen();
+        Board().ClearLog();
+        Request(selector);
+        EXPECT_TRUE(Board().WaitUntil([this] {
+            const Texts heard = witness->Heard();
+            return !heard.empty() && heard.back().find(" as 1 from DeviceMonitor") != std::string::npos;
+        }));
+        Texts answers;
+        for (const std::string& text : witness->Heard()) {
+            if (text == Amber || text == Passed || text == Failed) {
+                answers.push_back(text);
+            }
+        }
+        return answers;
+    }
+
+    // Errors of the log since the test was asked for.
+    Texts Errors() {
+        MessageController::LogMessage("end of the test", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
+        WaitFor("end of the test");
+        Texts errors;
+        for (const Bench::LogLine& line : Board().Log()) {
+            if (line.priority == ERROR_LOG_LEVEL) {
+                errors.push_back(line.text.substr(line.text.find(" :: ") + 4));
+            }
+        }
+        return errors;
+    }
+
+    std::unique_ptr<Witness> witness;
+};
+
+// The sound is heard two seconds after it was asked for: real ones, for a busy machine.
+class SoundTestOfSystem : public HardwareTestOfSystem {
+protected:
+    SoundTestOfSystem() { Board().SetSpeed(2.0); }
+};
+
+struct RailFault {
+    const char* fault;
+    const char* line;
+};
+
+constexpr RailFault RailFaults[] = {
+    {"rail-out=9", "3.3V is outside of limits!"},
+    {"rail-out=10", "1.8V is outside of limits!"},
+    {"rail-out=12", "1.0V is outside of limits!"},
+    {"rail-out=11", "Core 1.0V is outside of limits!"},
+};
+
+class RailTestOfSystem : public HardwareTestOfSystem, public testing::WithParamInterface<int> {};
+
+}  // namespace
+
+TEST_F(SoundTestOfSystem, a_sound_board_passes_them_all) {
+    EXPECT_EQ(Test(5), Texts{Passed});
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(HardwareTestOfSystem, a_sound_board_passes_the_voltages) {
+    EXPECT_EQ(Test(1), Texts{Passed});
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_P(RailTestOfSystem, fails_with_its_line_and_amber) {
+    const RailFault& rail = RailFaults[GetParam()];
+    SetFault(rail.fault);
+    EXPECT_EQ(Test(1), (Texts{Amber, Failed}));
+    EXPECT_EQ(Errors(), Texts{rail.line});
+}
+
+INSTANTIATE_TEST_SUITE_P(EachRail, RailTestOfSystem, testing::Range(0, 4),
+                         [](const auto& each) { return std::string("row") + std::to_string(each.param); });
+
+TEST_F(SoundTestOfSystem, a_sound_amplifier_passes) {
+    EXPECT_EQ(Test(2), Texts{Passed});
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(SoundTestOfSystem, a_dead_amplifier_fails_with_its_line_and_amber) {
+    SetFault("amplifier-dead");
+    EXPECT_EQ(Test(2), (Texts{Amber, Failed}));
+    EXPECT_EQ(Errors(), Texts{"Audio amp test failed"});
+}
+
+TEST_F(HardwareTestOfSystem, a_sound_pump_stage_passes) {
+    EXPECT_EQ(Test(3), Texts{Passed});
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(HardwareTestOfSystem, a_dead_pump_stage_fails_with_its_line_and_amber) {
+    SetFault("pump-stage-dead");
+    EXPECT_EQ(Test(3), (Texts{Amber, Failed}));
+    EXPECT_EQ(Errors(), Texts{MotorFailed});
+}
+
+TEST_F(HardwareTestOfSystem, a_sound_stir_stage_passes) {
+    EXPECT_EQ(Test(4), Texts{Passed});
+    EXPECT_EQ(Errors(), Texts{});
+}
+
+TEST_F(HardwareTestOfSystem, a_dead_stir_stage_fails_with_the_line_of_the_pump_and_amber) {
+    SetFault("stir-stage-dead");
+    EXPECT_EQ(Test(4), (Texts{Amber, Failed}));
+    EXPECT_EQ(Errors(), Texts{MotorFailed});
+}
+
+TEST_F(HardwareTestOfSystem, all_of_them_end_at_the_first_fault) {
+    SetFault("rail-out=10");
+    SetFault("pump-stage-dead");
+    EXPECT_EQ(Test(5), (Texts{Amber, Failed}));
+    EXPECT_EQ(Errors(), Texts{"1.8V is outside of limits!"});
+}
+
+TEST_F(HardwareTestOfSystem, an_unknown_one_fails_without_a_line_and_is_answered) {
+    for (const std::int32_t selector : {0, 6}) {
+        EXPECT_EQ(Test(selector), Texts{Failed});
+        EXPECT_EQ(Errors(), Texts{});
+    }
+}
+
+// The threads are joined, so the reset waits for the sleeps of the test.
+TEST_F(HardwareTestOfSystem, a_reset_while_one_sleeps_leaves_nothing_over) {
+    const auto entriesOf = [](const char* folder) {
+        const std::filesystem::directory_iterator entries(folder);
+        return std::distance(begin(entries), end(entries));
+    };
+    Reset();
+    const auto threads = entriesOf("/proc/self/task");
+    const auto descriptors = entriesOf("/proc/self/fd");
+    for (const std::int32_t selector : {2, 3, 4}) {
+        Board().ClearLog();
+        Start();
+        WaitForIdle();
+        Request(selector);
+        const std::string asked = "Data Message (REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE) : From - DeviceMonitor";
+        EXPECT_TRUE(Board().WaitUntil([&] {
+            const std::vector<std::string> lines = Lines();
+            return std::any_of(lines.begin(), lines.end(),
+                               [&](const std::string& line) { return line.rfind(asked, 0) == 0; });
+        }));
+        Reset();
+        EXPECT_EQ(entriesOf("/proc/self/task"), threads);
+        EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+        EXPECT_FALSE(Board().Pwm(1).enabled);
+        EXPECT_FALSE(Board().Pwm(2).enabled);
+    }
+    Start();
+    WaitForIdle();
+}
