@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "Tests/Support/SoundClip.h"
 #include "Tests/Support/SystemFixture.h"
 #include "Tests/System/DeviceMonitor/Witness.h"
 
@@ -12,11 +13,13 @@ namespace {
 constexpr const char* Amber = "colors 2 0 select 1 from SystemControl";
 constexpr const char* Passed = "test 0 verdict 1 as 1 from DeviceMonitor";
 constexpr const char* Failed = "test 0 verdict 0 as 1 from DeviceMonitor";
+constexpr const char* AlertClip = "alert.wav";
+constexpr double Fast = 100.0;
 constexpr const char* MotorFailed = "Reagent delivery stepper motor test failed";
 
 class HardwareTestOfSystem : public SystemOnBoard {
 protected:
-    HardwareTestOfSystem() : SystemOnBoard(100.0) {
+    HardwareTestOfSystem() : SystemOnBoard(Fast) {
         Start();
         WaitForIdle();
     }
@@ -39,11 +42,9 @@ protected:
             witness->Forget();
             return;
         }
-        witness = std::make_unique<Witness>("Witness",
-                                            std::vector<DataMessageType>{REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE,
-                                                                         REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
-                                                                         PERIODIC_HARDWARE_TEST_DATA_MESSAGE},
-                                            Board());
+        witness =
+            std::make_unique<Witness>("Witness", std::vector<DataMessageType>{REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE,
+                                                                              PERIODIC_HARDWARE_TEST_DATA_MESSAGE});
         ASSERT_TRUE(witness->CreateThread());
         EXPECT_TRUE(Board().WaitUntil([this] { return witness->Listens(); }));
     }
@@ -60,6 +61,9 @@ protected:
         Board().ClearLog();
         Request(selector);
         EXPECT_TRUE(Board().WaitUntil([this] {
+            if (Board().PlayingClip() == AlertClip) {
+                Board().SetSpeed(Fast);
+            }
             const Texts heard = witness->Heard();
             return !heard.empty() && heard.back().find(" as 1 from DeviceMonitor") != std::string::npos;
         }));
@@ -70,6 +74,11 @@ protected:
             }
         }
         return answers;
+    }
+
+    void ExpectAmberLight() const {
+        EXPECT_TRUE(Board().WaitUntil([this] { return Board().IndicatorLit(Bench::IndicatorLed::AmberAnalyzer); }));
+        EXPECT_FALSE(Board().IndicatorLit(Bench::IndicatorLed::BlueAnalyzer));
     }
 
     // Errors of the log since the test was asked for.
@@ -88,10 +97,19 @@ protected:
     std::unique_ptr<Witness> witness;
 };
 
-// The sound is heard two seconds after it was asked for: real ones, for a busy machine.
+// The sound is heard two seconds after it was asked for: time passes slowly until it plays, so that a busy machine is
+// in time.
 class SoundTestOfSystem : public HardwareTestOfSystem {
 protected:
-    SoundTestOfSystem() { Board().SetSpeed(2.0); }
+    SoundTestOfSystem() {
+        LaySoundClip(Folder(), AlertClip, 5);
+        Board().SetSpeed(2.0);
+    }
+
+    bool HasPlayedAlert() const {
+        const std::vector<std::string> calls = Board().SoundCalls();
+        return std::find(calls.begin(), calls.end(), "aplay -q /usr/share/vorn/bin/alert.wav") != calls.end();
+    }
 };
 
 struct RailFault {
@@ -125,6 +143,7 @@ TEST_P(RailTestOfSystem, fails_with_its_line_and_amber) {
     SetFault(rail.fault);
     EXPECT_EQ(Test(1), (Texts{Amber, Failed}));
     EXPECT_EQ(Errors(), Texts{rail.line});
+    ExpectAmberLight();
 }
 
 INSTANTIATE_TEST_SUITE_P(EachRail, RailTestOfSystem, testing::Range(0, 4),
@@ -133,12 +152,16 @@ INSTANTIATE_TEST_SUITE_P(EachRail, RailTestOfSystem, testing::Range(0, 4),
 TEST_F(SoundTestOfSystem, a_sound_amplifier_passes) {
     EXPECT_EQ(Test(2), Texts{Passed});
     EXPECT_EQ(Errors(), Texts{});
+    EXPECT_TRUE(HasPlayedAlert());
+    EXPECT_FALSE(Board().IndicatorLit(Bench::IndicatorLed::AmberAnalyzer));
 }
 
 TEST_F(SoundTestOfSystem, a_dead_amplifier_fails_with_its_line_and_amber) {
     SetFault("amplifier-dead");
     EXPECT_EQ(Test(2), (Texts{Amber, Failed}));
     EXPECT_EQ(Errors(), Texts{"Audio amp test failed"});
+    EXPECT_TRUE(HasPlayedAlert());
+    ExpectAmberLight();
 }
 
 TEST_F(HardwareTestOfSystem, a_sound_pump_stage_passes) {
@@ -150,6 +173,7 @@ TEST_F(HardwareTestOfSystem, a_dead_pump_stage_fails_with_its_line_and_amber) {
     SetFault("pump-stage-dead");
     EXPECT_EQ(Test(3), (Texts{Amber, Failed}));
     EXPECT_EQ(Errors(), Texts{MotorFailed});
+    ExpectAmberLight();
 }
 
 TEST_F(HardwareTestOfSystem, a_sound_stir_stage_passes) {
@@ -161,6 +185,7 @@ TEST_F(HardwareTestOfSystem, a_dead_stir_stage_fails_with_the_line_of_the_pump_a
     SetFault("stir-stage-dead");
     EXPECT_EQ(Test(4), (Texts{Amber, Failed}));
     EXPECT_EQ(Errors(), Texts{MotorFailed});
+    ExpectAmberLight();
 }
 
 TEST_F(HardwareTestOfSystem, all_of_them_end_at_the_first_fault) {

@@ -27,7 +27,7 @@ public:
 
 class DeviceMonitorFixture : public BoardTest {
 protected:
-    explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness("Witness", HeardTypes, Board()) {
+    explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness("Witness", HeardTypes, &Board()) {
         MessageController::SetLogLevel(ERROR_LOG_LEVEL);
         MessageBase::SetMessagingControl(&router);
         router.RegisterCommand(&m_systemControl, KILLING_SYSTEM);

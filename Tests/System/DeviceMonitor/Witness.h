@@ -1,5 +1,5 @@
-// Hears what the device monitor sends, one line a message in order of arrival, and stands in for the remote indicator:
-// the board's sound plays as it is asked to.
+// Hears what the device monitor sends, one line a message in order of arrival. With a board it stands in for the remote
+// indicator: the board's sound plays as it is asked to.
 #pragma once
 
 #include <atomic>
@@ -18,7 +18,7 @@ using Texts = std::vector<std::string>;
 
 class Witness final : public ThreadControl {
 public:
-    Witness(const StdString& name, std::vector<DataMessageType> types, Bench::Board& board)
+    Witness(const StdString& name, std::vector<DataMessageType> types, Bench::Board* board = nullptr)
         : m_types(std::move(types)), m_board(board) {
         SetThreadName(name);
     }
@@ -84,14 +84,17 @@ private:
 
     // Once the sound plays, time may pass fast.
     void Act(std::int32_t action) {
-        m_board.SetAudioPlaying(action == 1);
+        if (m_board == nullptr) {
+            return;
+        }
+        m_board->SetAudioPlaying(action == 1);
         if (action == 1) {
-            m_board.SetSpeed(100.0);
+            m_board->SetSpeed(100.0);
         }
     }
 
     const std::vector<DataMessageType> m_types;
-    Bench::Board& m_board;
+    Bench::Board* m_board;
     std::mutex m_mutex;
     Texts m_texts;
     std::atomic<bool> m_listens{false};
