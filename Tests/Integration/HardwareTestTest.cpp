@@ -15,6 +15,7 @@ constexpr const char* Passed = "test 0 verdict 1 as 1 from DeviceMonitor";
 constexpr const char* Failed = "test 0 verdict 0 as 1 from DeviceMonitor";
 constexpr const char* AlertClip = "alert.wav";
 constexpr double Fast = 100.0;
+constexpr double WhilePlaying = 20.0;
 constexpr const char* MotorFailed = "Reagent delivery stepper motor test failed";
 
 class HardwareTestOfSystem : public SystemOnBoard {
@@ -62,10 +63,11 @@ protected:
         Request(selector);
         EXPECT_TRUE(Board().WaitUntil([this] {
             if (Board().PlayingClip() == AlertClip) {
-                Board().SetSpeed(Fast);
+                Board().SetSpeed(WhilePlaying);
             }
-            const Texts heard = witness->Heard();
-            return !heard.empty() && heard.back().find(" as 1 from DeviceMonitor") != std::string::npos;
+            const Texts heard = witness->Heard();  // the indicator's acknowledgement may come before or behind
+            return std::any_of(heard.begin(), heard.end(),
+                               [](const std::string& text) { return text == Passed || text == Failed; });
         }));
         Texts answers;
         for (const std::string& text : witness->Heard()) {
@@ -102,8 +104,8 @@ protected:
 class SoundTestOfSystem : public HardwareTestOfSystem {
 protected:
     SoundTestOfSystem() {
-        LaySoundClip(Folder(), AlertClip, 5);
-        Board().SetSpeed(2.0);
+        LaySoundClip(Folder(), AlertClip, 60);  // outlasts a late measure
+        Board().SetSpeed(1.0);
     }
 
     bool HasPlayedAlert() const {

@@ -30,7 +30,7 @@ inline std::string ReadDevice(const std::string& path) {
     }
     char text[4096];
     const ssize_t got = read(file, text, sizeof(text));
-    const std::string result = got < 0 ? "!" + std::to_string(errno) : std::string(text, static_cast<std::size_t>(got));
+    std::string result = got < 0 ? "!" + std::to_string(errno) : std::string(text, static_cast<std::size_t>(got));
     close(file);
     return result;
 }
