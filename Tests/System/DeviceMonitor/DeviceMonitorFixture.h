@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -62,6 +63,8 @@ protected:
         }
     }
 
+    const DeviceMonitor& LastEnded() const { return *m_ended.back(); }
+
     void Send(CommandType command) {
         auto message = std::make_unique<CommandMessage>(command);
         message->SetSource(monitor.get());
@@ -92,6 +95,13 @@ protected:
         EXPECT_EQ(heard.front(), "test " + std::to_string(selector) + " verdict 0 from SystemControl");
         heard.erase(heard.begin());
         return heard;
+    }
+
+    // How often the monitor said that its second has passed, at the level of debugging lines.
+    long Ticks() {
+        const Texts heard = witness.Heard();
+        return std::count(heard.begin(), heard.end(),
+                          "log 7 Processing TimeOut for - DeviceMonitor from DeviceMonitor");
     }
 
     void SetSettings(const std::function<void(Bench::InstrumentSettings& settings)>& change) {
