@@ -1,7 +1,6 @@
 // What the sound tools tell the board: their calls, and the clips that play.
-#include <signal.h>
-
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 
 #include "Bench/Board/BoardState.h"

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "Bench/Peers/FrontEnd.h"
 #include "System/MeasurementEngine/StepType.h"
 
 namespace Bench {
@@ -120,6 +121,12 @@ bool Runner::MakeBoard(std::string& error) {
         return false;
     }
     m_board->SetLoopbackOpen(true);  // somebody may have a front end of his own
+    if (m_options.frontEndPort) {
+        m_board->MapPort(FrontEnd::UsualPort, *m_options.frontEndPort);
+    }
+    if (m_options.testServerPort) {
+        m_board->MapPort(m_settings.testServerPort, *m_options.testServerPort);
+    }
     InstrumentSettings instrument = m_board->Settings();
     instrument.chlorine = m_options.chlorine;
     instrument.cellConstant = m_settings.cellConstant;

@@ -6,6 +6,7 @@
 
 #include "Bench/Board/Board.h"
 #include "Tests/Support/BenchRun.h"
+#include "Tests/Support/RawPeer.h"
 
 namespace Bench {
 namespace {
@@ -142,6 +143,21 @@ TEST_F(RunProgram, indicator_is_shown_when_it_changes) {
     EXPECT_TRUE(Eventually([this] {
         return Out().find("\nindicator analyzer blue water amber sound alert.wav\n") != std::string::npos;
     })) << Out();
+    m_run.Signal(SIGTERM);
+    EXPECT_EQ(Wait(), 143);
+}
+
+TEST_F(RunProgram, analyzer_finds_the_other_ends_of_its_links_at_other_ports) {
+    const RawListener frontEnd;
+    const RawListener station;
+    WriteFile(m_folder / "c.xml",
+              Configuration + std::string("<INFO_ITEM name=\"TestServerPortNumber\" value=\"1234\"/>"));
+    StartFake("connect", {"--frontend-port", std::to_string(frontEnd.Port()), "--test-server-port",
+                          std::to_string(station.Port())});
+    const std::string first = "port 3111";
+    const std::string second = "port 1234";
+    EXPECT_EQ(frontEnd.Accept().Receive(first.size()), Bytes(first.begin(), first.end()));
+    EXPECT_EQ(station.Accept().Receive(second.size()), Bytes(second.begin(), second.end()));
     m_run.Signal(SIGTERM);
     EXPECT_EQ(Wait(), 143);
 }

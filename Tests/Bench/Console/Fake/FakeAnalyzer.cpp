@@ -1,8 +1,11 @@
 // Stands on the bench in the analyzer's place and does what FAKE_ANALYZER says, so that the bench's own conduct shows.
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <syslog.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -75,6 +78,22 @@ void Indicate() {
     }
 }
 
+// To the front end and to the test station, where the analyzer looks for them.
+void Connect() {
+    for (const std::uint16_t port : {std::uint16_t{3111}, std::uint16_t{1234}}) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(port);
+        const int link = socket(AF_INET, SOCK_STREAM, 0);
+        const bool done = connect(link, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+        const std::string word = "port " + std::to_string(port);
+        if (!done || write(link, word.data(), word.size()) < 0) {
+            _exit(1);
+        }
+    }
+}
+
 }  // namespace
 
 int main() {
@@ -90,6 +109,9 @@ int main() {
     }
     if (what == "cycle") {
         OneCycle();
+    }
+    if (what == "connect") {
+        Connect();
     }
     if (what == "indicate") {
         Indicate();
