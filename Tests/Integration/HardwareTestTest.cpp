@@ -25,12 +25,13 @@ protected:
         WaitForIdle();
     }
 
+    // The witness looks at who sent a message, so it ends before the senders; its object outlasts the router.
     ~HardwareTestOfSystem() override {
-        Reset();  // the router goes first, which knows the witness to its end
         if (witness != nullptr) {
             witness->Kill();
             EXPECT_EQ(pthread_join(witness->GetThreadId(), nullptr), 0);
         }
+        Reset();
     }
 
     void SetFault(const std::string& text) {
