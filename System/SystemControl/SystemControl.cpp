@@ -10,6 +10,7 @@
 #include "System/MeasurementEngine/MeasurementEngine.h"
 #include "System/RemoteIndicatorControl/RemoteIndicatorControl.h"
 #include "System/SystemMonitor/SystemMonitor.h"
+#include "System/TestInterface/TestInterface.h"
 #include "System/UserInterfaceDataControl/UserInterfaceDataControl.h"
 
 namespace {
@@ -37,6 +38,7 @@ constexpr ControllerRow Controllers[] = {
     {Make<UserInterfaceDataControl>, "Unable to Create UserInterfaceDataControl - "},
     {Make<SystemMonitor>, "Unable to Create SystemMonitor - "},
     {Make<RemoteIndicatorControl>, "Unable to Create RemoteIndicatorControl - "},
+    {Make<TestInterface>, "Unable to Create TestInterface - "},
     {Make<MeasurementEngine>, "Unable to Create MeasurementEngine - "},
 };
 

@@ -77,7 +77,7 @@ protected:
         EXPECT_TRUE(Board().WaitUntil([] {
             return IsIdle(SYSTEM_CONTROL) && IsIdle(MESSAGING_CONTROL) && IsIdle(LOGGING_CONTROL) &&
                    IsIdle(DEVICE_MONITOR) && IsIdle(USER_INTERFACE_DATA_CONTROL) && IsIdle(SYSTEM_MONITOR) &&
-                   IsIdle(REMOTE_INDICATOR_CONTROL) && IsIdle(MEASUREMENT_ENGINE);
+                   IsIdle(REMOTE_INDICATOR_CONTROL) && IsIdle(TEST_INTERFACE) && IsIdle(MEASUREMENT_ENGINE);
         }));
         MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
         MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);

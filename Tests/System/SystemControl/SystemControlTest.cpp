@@ -27,7 +27,7 @@ TEST_F(System, comes_up_idle_and_says_what_it_creates_and_registers) {
                                          "Changing to IDLE_STATE State for - SystemControl",
                                          "Sending Command - MOVE_TO_IDLE"};
     for (const char* name : {"MessagingControl", "LoggingControl", "DeviceMonitor", "UserInterfaceDataControl",
-                             "SystemMonitor", "RemoteIndicatorControl", "MeasurementEngine"}) {
+                             "SystemMonitor", "RemoteIndicatorControl", "TestInterface", "MeasurementEngine"}) {
         expected.push_back(std::string("Thread Created - ") + name);
         expected.push_back(std::string("Registering All Commands for - ") + name);
         expected.push_back(std::string("Changing to IDLE_STATE State for - ") + name);

@@ -1,0 +1,39 @@
+// The answer to a command of the test link in the making: a header and a payload of its own, the header of the request
+// and the connection to answer on. One thread at a time.
+#pragma once
+
+#include "Frameworks/IPC/Networking/TCPClient.h"
+#include "System/MeasurementEngine/AdcStatusInfo.h"
+#include "System/MeasurementEngine/MeasurementMessage.h"
+
+class CommandResponse : public CommunicationsCommand, public PayloadContainer {
+public:
+    // An empty answer to that request.
+    void SetRequest(const CommunicationsCommand& request);
+    const CommunicationsCommand& GetRequest() const { return m_request; }
+    CommunicationsCommand& GetRequest() { return m_request; }
+    double GetRequestValue() const { return m_requestValue; }
+
+    void SetClient(const TCPClient& client) { m_client = client; }  // the copy shares the connection
+
+    // How many the request asked for, at least one. The count isn't held at 0: what comes after the last answer, as the
+    // measurement that a sequence's timer starts behind the last one, so never makes one more.
+    void DecrementAnswers() { --m_answers; }
+    bool HasAnswersToGo() const { return m_answers != 0; }
+    std::uint32_t GetAnswersToGo() const { return m_answers; }
+
+    // The present time, then 12 bytes a reading: seconds, nanoseconds, value.
+    void AppendReadings(const std::vector<AdcReading>& readings);
+    // The time of the result and its chlorine value as a double. Other messages than measurements are left out.
+    void AppendMeasurement(const DataMessage& message);
+
+    // Header, then payload, with a line in the log about how it went; nothing at all where the client isn't connected.
+    // Nothing of the request is in the header: a reply is told by its place in the order.
+    void SendResponse();
+
+private:
+    CommunicationsCommand m_request;
+    TCPClient m_client;
+    std::uint32_t m_answers = 0;
+    double m_requestValue = 0.0;
+};

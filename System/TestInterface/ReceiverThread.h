@@ -1,0 +1,37 @@
+// Connects to the test server and reads its frames, one message to the test interface for each, and one without a frame
+// at the end. The thread starts with the object; whoever made it calls Kill, from any thread, joins it and deletes it.
+#pragma once
+
+#include "Frameworks/IPC/Networking/TCPClient.h"
+#include "Frameworks/Threading/ThreadBase.h"
+#include "System/TestInterface/FrameGate.h"
+
+class ReceiverThread final : public ThreadBase {
+public:
+    ReceiverThread();  // without a thread id afterwards where the system refused a thread
+
+    std::int32_t Run() override;
+    // Wakes a blocked read, a wait between attempts, and an attempt itself; there is no further one.
+    void Kill() override;
+    std::int32_t Exit() override;
+    bool Init() override;  // whether it is connected
+
+    TCPClient GetClient() const { return m_client; }  // a copy that shares the connection; any thread
+    // The message of the end is on its way or there. Any thread.
+    bool HasEnded() const { return m_hasEnded; }
+
+private:
+    void ReadConfiguration();
+    bool ConnectWithRetries();
+    bool ReceiveFrame();
+
+    TCPClient m_client;
+    StdString m_serverIPAddress;
+    StdString m_serverName;
+    StdString m_portNumber;
+    StdString m_retryCount;
+    StdString m_retryWaitPeriod;
+    StdString m_interfaceName;
+    std::shared_ptr<FrameGate> m_gate = std::make_shared<FrameGate>();
+    std::atomic<bool> m_hasEnded{false};
+};

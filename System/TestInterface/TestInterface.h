@@ -1,0 +1,103 @@
+// The controller behind the test link: while the system is in the test state it holds the connection to the test
+// server, does what its commands ask for, and answers. Kill may be called from any thread; all else runs on the
+// controller's own.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "Frameworks/Messaging/ThreadControl.h"
+#include "System/TestInterface/CommandResponse.h"
+#include "System/TestInterface/ReceiverThread.h"
+#include "System/TestInterface/TestCommandMessage.h"
+#include "System/TestInterface/TestInterfaceTimer.h"
+
+class TestInterface final : public ThreadControl {
+public:
+    TestInterface();
+    TestInterface(const TestInterface&) = delete;
+    TestInterface& operator=(const TestInterface&) = delete;
+    ~TestInterface() override;
+
+    void Kill() override;  // the link first
+    bool Init() override;
+    bool DoRegistration() override;
+    bool ProcessCommandMessage(CommandMessage* message) override;
+    bool ProcessDataMessage(DataMessage* message) override;
+    bool ProcessTimeOut() override;
+
+private:
+    enum Phase : std::int32_t {
+        IDLE_PHASE = 0,
+        COMMAND_HANDLED_PHASE = 1,
+        COMMAND_RECEIVED_PHASE = 2,
+        WAITING_PHASE = 3,  // for a measurement or the timer
+        BUSY_PHASE = 4,     // with what came of either
+    };
+
+    // What a frame from the link brought; the payload may be null.
+    struct Request {
+        std::uint16_t command;
+        CommunicationsCommand& header;
+        PayloadContainer* payload;
+    };
+
+    struct CommandRange {
+        std::uint16_t first;
+        std::uint16_t last;
+        void (TestInterface::*process)(const Request& request);  // null: no action and no answer
+    };
+
+    static const CommandRange CommandRanges[];
+
+    void GatherConfiguration();
+
+    // The link.
+    bool CreateReceiver();  // true too where there is one, or is to be none any more
+    void EndReceiver();     // kills, joins and deletes it, where there is one
+    void EndReceiverUnlessTheLinkStays();
+    void LinkEnded();
+    static void Join(const ReceiverThread& receiver);
+    bool HandClientToResponse();  // false without a receiver
+
+    // What comes by message.
+    void ProcessReadings(const DataMessage& message);
+    void ProcessMeasurement(const DataMessage& message);
+    void ProcessTimerCompletion(const DataMessage& message);
+    void ProcessTestCommandMessage(const TestCommandMessage& message);
+    void ProcessInputPins(const DataMessage& message);
+    template <typename Message>
+    void ProcessText(const DataMessage& message);
+
+    // The commands of the link.
+    void ProcessTestCommand(const Request& request);
+    void ProcessStateControl(const Request& request);
+    void ProcessAnalogInput(const Request& request);
+    void ProcessDigitalInput(const Request& request);
+    void ProcessDigitalOutput(const Request& request);
+    void ProcessPWM(const Request& request);
+    void ProcessIdentification(const Request& request);
+    void ProcessLinkTestData(const Request& request);
+    void ProcessMeasurementCommand(const Request& request);
+
+    void MoveToState(const CommunicationsCommand* header, CommandType command);
+    void StartTimer(CommandType next, std::uint32_t milliseconds);
+    void Answer(const StdString& text);
+    void AnswerAndCount(const StdString& text);
+    void RefuseRequest(const char* text);
+    template <typename Message>
+    void SendRequest(std::unique_ptr<Message> message, const char* failure);
+
+    Phase m_phase = IDLE_PHASE;
+    TestInterfaceTimer m_timer;
+    std::uint32_t m_timerPeriod = 0;  // milliseconds, the last one used
+    bool m_startInTestMode = false;
+    bool m_isLinkDown = false;  // stays closed after the next end of the receiver
+    StdString m_serialNumber;
+    StdString m_deviceId;
+    CommandResponse m_response;
+
+    Mutex m_receiverMutex;
+    std::unique_ptr<ReceiverThread> m_receiver GUARDED_BY(m_receiverMutex);
+    bool m_isKilled GUARDED_BY(m_receiverMutex) = false;
+};

@@ -1,0 +1,224 @@
+#include "System/TestInterface/TestInterface.h"
+
+#include <gmock/gmock.h>
+
+#include "System/TestInterface/AdcStatusMessage.h"
+#include "System/TestInterface/TestDigitalInputPinsMessage.h"
+#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
+#include "System/TestInterface/TestPWMMessage.h"
+#include "Tests/Support/FailingAllocation.h"
+#include "Tests/System/TestInterface/ControllerFixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr char Sent[] = "CommandResponse::SendResponse  Sent information to Server level 6";
+
+class Requests : public TestInterfaceAlone {
+protected:
+    // Everything that the request caused has been worked on, with no answer to it.
+    void SendUnanswered(const RawConnection& peer, const Bytes& request) {
+        peer.Send(request);
+        EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
+        log.Settle();
+    }
+
+    // An answer is logged after it was sent.
+    void FinishCommands() {
+        Command(MOVE_TO_IDLE);
+        EXPECT_TRUE(WaitForState(IDLE_STATE));
+    }
+};
+
+}  // namespace
+
+TEST_F(TestInterfaceAlone, tells_what_it_can_not_register) {
+    Start();
+    EXPECT_TRUE(WaitForState(INITIALIZING_STATE));
+    Command(MOVE_TO_IDLE);
+    EXPECT_TRUE(WaitForState(IDLE_STATE));
+    EXPECT_FALSE(controller->DoRegistration());  // it has done so before
+    EXPECT_THAT(
+        log.Lines(),
+        ElementsAre("TestInterface::DoRegistration  Unable to register data message \"MEASUREMENT_DATA_MESSAGE\"",
+                    "TestInterface::DoRegistration  Unable to register data message \"TEST_COMMAND_DATA_MESSAGE\"",
+                    "TestInterface::DoRegistration  Unable to register data message \"ADC_STATUS_MESSAGE\"",
+                    "TestInterface::DoRegistration  Unable to register message "
+                    "TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE",
+                    "MeasurementEngine::DoRegistration  Unable to register message "
+                    "TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE of MeasurementEngine",
+                    "MeasurementEngine::DoRegistration  Unable to register message TEST_PWM_DATA_MESSAGE of "
+                    "MeasurementEngine"));
+}
+
+TEST_F(TestInterfaceAlone, ends_its_thread_for_a_null_message) {
+    Start();
+    EXPECT_FALSE(controller->ProcessCommandMessage(nullptr));
+    EXPECT_FALSE(controller->ProcessDataMessage(nullptr));
+}
+
+TEST_F(TestInterfaceAlone, goes_on_after_a_time_out) {
+    Start();
+    EXPECT_TRUE(controller->ProcessTimeOut());
+}
+
+TEST_F(TestInterfaceAlone, waits_without_limit_in_every_state) {
+    const RawConnection peer = Connect();
+    for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
+        Command(command);
+        EXPECT_TRUE(WaitForState(static_cast<ThreadState>(command + 1)));
+        EXPECT_EQ(controller->GetTimeOut(), -1);
+    }
+}
+
+TEST_F(Requests, for_analog_readings_carry_period_signal_and_count) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(10086).Value(2, 5000).Count(3));
+    const auto& message = engine.Get<AdcStatusMessage>();
+    ASSERT_EQ(message.GetDataType(), ADC_STATUS_MESSAGE);
+    EXPECT_EQ(message.GetSubType(), REQUEST_SUB_TYPE);
+    EXPECT_EQ(message.GetAdcStatusInfo().GetSignalId(), 10086);
+    EXPECT_EQ(message.GetAdcStatusInfo().GetSampleCount(), 3U);
+    EXPECT_EQ(message.GetAdcStatusInfo().GetSampleInterval().GetSeconds(), 2);
+    EXPECT_EQ(message.GetAdcStatusInfo().GetSampleInterval().GetNanoSeconds(), 5000);
+    EXPECT_EQ(message.GetSource(), controller.get());
+}
+
+TEST_F(Requests, for_an_input_carry_its_pin) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(12255));
+    const auto& message = engine.Get<TestDigitalInputPinsMessage>();
+    ASSERT_EQ(message.GetDataType(), TEST_DIGITAL_INPUT_PINS_DATA_MESSAGE);
+    EXPECT_EQ(message.GetSubType(), REQUEST_SUB_TYPE);
+    EXPECT_EQ(message.GetPinId(), 255);
+}
+
+TEST_F(Requests, for_an_output_carry_its_pin_and_what_to_write) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(13021).Write("1"));
+    const auto& message = engine.Get<TestDigitalOutputPinsMessage>();
+    ASSERT_EQ(message.GetDataType(), TEST_DIGITAL_OUTPUT_PINS_DATA_MESSAGE);
+    EXPECT_EQ(message.GetSubType(), REQUEST_SUB_TYPE);
+    EXPECT_EQ(message.GetPinId(), 21);
+    EXPECT_EQ(message.GetReadMarker(), 0);
+    EXPECT_EQ(message.GetValue(), "1");
+}
+
+TEST_F(Requests, to_read_an_output_are_marked_so) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(13000));
+    EXPECT_NE(engine.Get<TestDigitalOutputPinsMessage>().GetReadMarker(), 0);
+    EXPECT_EQ(engine.Get<TestDigitalOutputPinsMessage>().GetValue(), "");
+}
+
+TEST_F(Requests, to_write_an_output_without_a_payload_carry_an_empty_text) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(13000).Flags(1));
+    EXPECT_EQ(engine.Get<TestDigitalOutputPinsMessage>().GetReadMarker(), 0);
+    EXPECT_EQ(engine.Get<TestDigitalOutputPinsMessage>().GetValue(), "");
+}
+
+TEST_F(Requests, for_pulses_carry_channel_function_and_value) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(13305).Write("12.5"));
+    SendUnanswered(peer, Frame(13363));
+    const auto& message = engine.Get<TestPWMMessage>();
+    ASSERT_EQ(message.GetDataType(), TEST_PWM_DATA_MESSAGE);
+    EXPECT_EQ(message.GetSubType(), REQUEST_SUB_TYPE);
+    EXPECT_EQ(message.GetId(), 5);
+    EXPECT_EQ(message.GetValue(), "12.5");
+    EXPECT_EQ(engine.Get<TestPWMMessage>(1).GetId(), 63);
+    EXPECT_EQ(engine.Get<TestPWMMessage>(1).GetValue(), "");
+}
+
+TEST_F(Requests, that_memory_has_run_out_for_are_answered_with_error) {
+    const RawConnection peer = Connect();
+    const struct {
+        std::uint16_t command;
+        std::size_t size;
+        const char* line;
+    } cases[] = {
+        {10086, sizeof(AdcStatusMessage), "TestInterfaceControl - creating analog input message failed"},
+        {12000, sizeof(TestDigitalInputPinsMessage),
+         "TestInterfaceControl - creating digital input pins message failed"},
+        {13000, sizeof(TestDigitalOutputPinsMessage),
+         "TestInterfaceControl - creating digital output pins message failed"},
+        {13300, sizeof(TestPWMMessage), "TestInterfaceControl - creating PWM message failed"},
+    };
+    std::vector<std::string> expected;
+    for (const auto& one : cases) {
+        FailingAllocation::FailSize(one.size);
+        EXPECT_EQ(BehindStamp(Ask(peer, Frame(one.command))), Text("error"));
+        expected.emplace_back(one.line);
+        expected.emplace_back(Sent);
+    }
+    FinishCommands();
+    EXPECT_EQ(log.Lines(), expected);
+    EXPECT_EQ(engine.Count(), 0U);
+}
+
+TEST_F(Requests, are_answered_with_the_readings_that_come_back) {
+    const RawConnection peer = Connect();
+    AdcStatusMessage answer;
+    answer.SetSubType(RESPONSE_SUB_TYPE);
+    answer.GetAdcStatusInfo().AddReading(0x04030201, 0x08070605, 0x0C0B0A09);
+    answer.GetAdcStatusInfo().AddReading(1, 2, -1);
+    SendUnanswered(peer, Frame(10086).Count(2));
+    Send(answer);
+    EXPECT_EQ(BehindStamp(ReceiveReply(peer)).substr(19),  // behind the answer to 840
+              std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C"
+                          "\x01\x00\x00\x00\x02\x00\x00\x00\xFF\xFF\xFF\xFF",
+                          24));
+}
+
+TEST_F(Requests, are_answered_with_the_pins_that_come_back) {
+    const RawConnection peer = Connect();
+    peer.Send(Frame(12003));
+    TestDigitalInputPinsMessage answer;
+    answer.SetSubType(RESPONSE_SUB_TYPE);
+    answer.SetValues({'1', '\0'});
+    EXPECT_EQ(engine.Get<TestDigitalInputPinsMessage>().GetPinId(), 3);
+    Send(answer);
+    EXPECT_EQ(BehindStamp(ReceiveReply(peer)), std::string("1\0", 2));
+}
+
+TEST_F(Requests, are_answered_with_the_texts_that_come_back) {
+    const RawConnection peer = Connect();
+    peer.Send(Frame(13003).Write("1"));
+    EXPECT_EQ(engine.Get<TestDigitalOutputPinsMessage>().GetPinId(), 3);
+    TestDigitalOutputPinsMessage output;
+    output.SetSubType(RESPONSE_SUB_TYPE);
+    output.SetValue("Success");
+    Send(output);
+    EXPECT_EQ(BehindStamp(ReceiveReply(peer)), Text("Success"));
+    peer.Send(Frame(13301).Write("50"));
+    EXPECT_EQ(engine.Get<TestPWMMessage>(2).GetId(), 1);  // behind the answer, which it captures too
+    TestPWMMessage pulses;
+    pulses.SetSubType(RESPONSE_SUB_TYPE);
+    pulses.SetValue("50");
+    Send(pulses);
+    EXPECT_EQ(BehindStamp(ReceiveReply(peer)), Text("50"));
+}
+
+TEST_F(Requests, and_acknowledgements_that_come_back_are_not_answered) {
+    const RawConnection peer = Connect();
+    for (const std::int32_t subType : {REQUEST_SUB_TYPE, ACKNOWLEDGE_SUB_TYPE}) {
+        AdcStatusMessage readings;
+        readings.SetSubType(subType);
+        Send(readings);
+        TestDigitalInputPinsMessage pins;
+        pins.SetSubType(subType);
+        Send(pins);
+        TestDigitalOutputPinsMessage output;
+        output.SetSubType(subType);
+        Send(output);
+        TestPWMMessage pulses;
+        pulses.SetSubType(subType);
+        Send(pulses);
+    }
+    log.Settle();
+    EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
+    FinishCommands();
+    EXPECT_THAT(log.Lines(), ElementsAre(Sent));
+}
