@@ -237,10 +237,11 @@ INSTANTIATE_TEST_SUITE_P(
                     PairCase{3, 0, "R"}, PairCase{3, 1, "Rb"}, PairCase{3, 2, "Ra"}, PairCase{3, 3, nullptr}),
     [](const auto& row) { return std::to_string(row.param.analyzer) + std::to_string(row.param.water); });
 
-// What comes from within the process is used as it comes, but never to read beside the table.
+// Beside the table, most of them where a neighbouring row has a colour.
 INSTANTIATE_TEST_SUITE_P(OutOfTable, ControlPairs,
-                         testing::Values(PairCase{4, 1, nullptr}, PairCase{1, 4, nullptr}, PairCase{-1, 1, nullptr},
-                                         PairCase{1, -1, nullptr}, PairCase{2147483647, 2147483647, nullptr},
+                         testing::Values(PairCase{4, 1, nullptr}, PairCase{-1, 1, nullptr}, PairCase{0, 5, nullptr},
+                                         PairCase{2, 4, nullptr}, PairCase{2, -1, nullptr}, PairCase{3, -2, nullptr},
+                                         PairCase{2147483647, 2147483647, nullptr},
                                          PairCase{-2147483647 - 1, -2147483647 - 1, nullptr}));
 
 TEST_F(Control, sounds_with_its_colours) {
@@ -259,6 +260,8 @@ TEST_F(Control, applies_both_statuses_the_analyzers_or_the_waters_as_selected) {
     EXPECT_EQ(Lit(), "Ab");
     SetColors(1, 3, 2);
     EXPECT_EQ(Lit(), "Ar");
+    SetColors(1, 1, 1);
+    EXPECT_EQ(Lit(), "Br");
     SetColors(1, 2, 0);
     EXPECT_EQ(Lit(), "Ba");
     SetColors(3, 1, 3);
