@@ -85,7 +85,9 @@ BoardLock::BoardLock(BoardState& state) : m_state(state) {
 BoardLock::~BoardLock() { pthread_mutex_unlock(&m_state.mutex); }
 
 void InitialiseState(BoardState& state, const char* folder, const BoardSetup& setup) {
-    std::snprintf(state.folder, sizeof(state.folder), "%s", folder);
+    if (std::strcmp(state.folder, folder) != 0) {  // read without the lock: a reset leaves it alone
+        std::snprintf(state.folder, sizeof(state.folder), "%s", folder);
+    }
     for (auto& bank : state.pins) {
         std::fill(std::begin(bank), std::end(bank), PinState{});
     }

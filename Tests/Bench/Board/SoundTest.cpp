@@ -100,20 +100,20 @@ TEST_F(SoundTest, no_more_than_the_last_calls_are_kept) {
 }
 
 TEST_F(SoundTest, a_clip_plays_for_its_length) {
-    Lay("a.wav", Clip(240000));
+    Lay("a.wav", Clip(1200000));
     const double before = Board().Seconds();
     std::thread program([] { Run("aplay -q /usr/share/vorn/bin/a.wav"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().SoundPlaying(); }));
     EXPECT_EQ(Board().PlayingClip(), "a.wav");
     program.join();
-    EXPECT_GE(Board().Seconds() - before, 30.0);
+    EXPECT_GE(Board().Seconds() - before, 150.0);
     EXPECT_FALSE(Board().SoundPlaying());
     EXPECT_EQ(Board().PlayingClip(), "");
     EXPECT_EQ(Board().SoundCalls(), Lines{"aplay -q /usr/share/vorn/bin/a.wav"});
 }
 
 TEST_F(SoundTest, the_supply_measure_rises_while_a_clip_plays) {
-    Lay("a.wav", Clip(240000));
+    Lay("a.wav", Clip(1200000));
     EXPECT_FALSE(Board().Inputs().audioPlaying);
     std::thread program([] { Run("aplay -q /usr/share/vorn/bin/a.wav"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().Inputs().audioPlaying; }));
@@ -126,9 +126,7 @@ TEST_F(SoundTest, of_overlapping_clips_the_last_end_counts) {
     Lay("short.wav", Clip(80000));
     std::thread program([] { Run("aplay -q /usr/share/vorn/bin/long.wav"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().PlayingClip() == "long.wav"; }));
-    std::thread second([] { Run("aplay -q /usr/share/vorn/bin/short.wav"); });
-    EXPECT_TRUE(Board().WaitUntil([this] { return Board().PlayingClip() == "short.wav"; }));
-    second.join();
+    EXPECT_EQ(Run("aplay -q /usr/share/vorn/bin/short.wav"), 0);
     EXPECT_EQ(Board().PlayingClip(), "long.wav");
     EXPECT_TRUE(Board().SoundPlaying());
     Board().Reset(Fast());
@@ -150,7 +148,7 @@ TEST_F(SoundTest, a_loop_is_known_in_its_pauses_too) {
 }
 
 TEST_F(SoundTest, a_single_clip_is_no_loop) {
-    Lay("a.wav", Clip(240000));
+    Lay("a.wav", Clip(1200000));
     std::thread program([] { Run("aplay -q /usr/share/vorn/bin/a.wav"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().PlayingClip() == "a.wav"; }));
     EXPECT_EQ(Board().LoopingClip(), "");
@@ -158,7 +156,7 @@ TEST_F(SoundTest, a_single_clip_is_no_loop) {
 }
 
 TEST_F(SoundTest, a_killed_player_is_heard_no_longer_than_its_clip) {
-    Lay("a.wav", Clip(240000));
+    Lay("a.wav", Clip(1200000));
     const std::string pidFile = Folder() + "/pid";
     std::thread program([&pidFile] { Run("aplay -q /usr/share/vorn/bin/a.wav & echo $! > '" + pidFile + "'; wait"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().SoundPlaying(); }));
