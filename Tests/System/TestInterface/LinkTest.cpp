@@ -222,14 +222,16 @@ TEST_F(TestLink, that_was_closed_by_a_move_for_good_is_made_once_more_and_not_ag
 TEST_F(TestLink, survives_quick_moves_in_and_out) {
     const RawConnection first = Connect();
     EXPECT_EQ(BehindStamp(Ask(first, Frame(820))), Text("IDLE_STATE"));  // from here on every move closes it
+    WaitFor("Changing to IDLE_STATE State for - TestInterface", 2);
     for (int round = 0; round < 10; ++round) {
         Send(MOVE_TO_TEST);
         Send(MOVE_TO_IDLE);
     }
     Send(MOVE_TO_TEST);
     WaitFor(InTest, 12);
+    // Those before the last have been closed.
     bool isAnswered = false;
-    while (!isAnswered) {
+    for (int attempt = 0; attempt < 11 && !isAnswered; ++attempt) {
         const RawConnection peer = listener.Accept();
         peer.Send(Frame(840));
         isAnswered = !peer.Receive(32).empty();
