@@ -1,15 +1,11 @@
 // Parses, walks, changes, saves and loads whatever it is given. The input is a document up to the first zero byte and
 // operations of two bytes behind it; the whole of it, zero bytes too, is also loaded as a file.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "Frameworks/Xml/XmlDocument.h"
+#include "Fuzzing/MemoryFile.h"
 #include "Tests/Frameworks/Xml/XmlInvariants.h"
 
 namespace {
@@ -19,13 +15,6 @@ constexpr std::size_t MostOperations = 24;
 const char* const Names[] = {"a", "b", "item", "r", "INFO_ITEM", "n:m", "\xC3\xA4", "html"};
 const char* const Values[] = {"", "1", "a \"b\" 'c'", "<&>", "]]>x]]>", "\xC3\xA4/>", "&amp;", "\n \t=/"};
 const std::uint32_t Flags[] = {0, 1, 2, 4, 0x10, 0x1000, 0x2000, 0x4000, 0x4001, 0x5000, 0x6002, 0x3004, 0x4012};
-
-void Require(bool isTrue, const char* what) {
-    if (!isTrue) {
-        std::fprintf(stderr, "violated: %s\n", what);
-        std::abort();
-    }
-}
 
 void RequireSound(const std::string& fault) { Require(fault.empty(), fault.c_str()); }
 
@@ -132,23 +121,6 @@ void Edit(const std::string& text, const std::uint8_t* operations, std::size_t c
     }
     Walk(document);
 }
-
-class MemoryFile {
-public:
-    MemoryFile() : m_descriptor(memfd_create("document", 0)), m_path("/proc/self/fd/" + std::to_string(m_descriptor)) {}
-    ~MemoryFile() { close(m_descriptor); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    const char* Path() const { return m_path.c_str(); }
-    void Write(const std::uint8_t* data, std::size_t size) const {
-        Require(pwrite(m_descriptor, data, size, 0) == static_cast<ssize_t>(size), "the memory file takes its content");
-    }
-
-private:
-    int m_descriptor;
-    std::string m_path;
-};
 
 void LoadAndSave(const std::uint8_t* data, std::size_t size) {
     const MemoryFile file;
