@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include "Bench/Board/Attachment.h"
 #include "Bench/Board/Real.h"
@@ -148,7 +149,9 @@ int connect(int file, const sockaddr* address, socklen_t size) {
     if (state == nullptr || size < sizeof(sockaddr_in) || address->sa_family != AF_INET) {
         return Real::connect(file, address, size);
     }
-    return Connect(*state, file, *reinterpret_cast<const sockaddr_in*>(address));
+    sockaddr_in peer = {};
+    std::memcpy(&peer, address, sizeof(peer));
+    return Connect(*state, file, peer);
 }
 
 ssize_t send(int file, const void* data, size_t size, int flags) {
