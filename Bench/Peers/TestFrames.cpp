@@ -48,7 +48,7 @@ std::uint32_t Get32(std::string_view bytes, std::size_t at) { return static_cast
 TestTime TimeAt(std::string_view bytes, std::size_t at) { return {Get32(bytes, at), Get32(bytes, at + 4)}; }
 
 std::string TimeText(const TestTime& time) {
-    const std::time_t seconds = time.seconds;
+    const auto seconds = static_cast<std::time_t>(time.seconds);
     std::tm date{};
     gmtime_r(&seconds, &date);
     char text[64];
