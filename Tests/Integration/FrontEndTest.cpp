@@ -1,0 +1,174 @@
+// The whole system with a front end at the other end of its link.
+#include <csignal>
+#include <filesystem>
+
+#include "Bench/Peers/FrontEnd.h"
+#include "Tests/Support/ProductProcess.h"
+#include "Tests/Support/SystemFixture.h"
+
+namespace {
+
+constexpr int FrontEndPort = 3111;
+
+std::size_t EntriesOf(const char* folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+class WithFrontEnd : public SystemOnBoard {
+protected:
+    explicit WithFrontEnd(double speed = 50.0) : SystemOnBoard(speed), patience(60.0 * speed) {
+        std::string error;
+        frontEnd = Bench::FrontEnd::Listen(0, error);
+        EXPECT_NE(frontEnd, nullptr) << error;
+        EXPECT_TRUE(Board().MapPort(FrontEndPort, frontEnd->Port()));
+    }
+
+    ~WithFrontEnd() override {
+        if (system != nullptr) {
+            Reset();  // while the front end is still there
+        }
+    }
+
+    void StartConnected() {
+        const std::size_t connections = frontEnd->Connections();
+        Start();
+        ASSERT_TRUE(frontEnd->WaitForConnection(connections + 1, patience));
+        WaitForIdle();
+    }
+
+    // Behind those that an earlier call has found.
+    std::optional<Bench::FrontEndFrame> Wait(const char* name, const std::optional<std::string>& value = {}) {
+        return frontEnd->WaitForValue(name, value, m_seen, patience);
+    }
+
+    // The fourth field of the last line.
+    double ChlorineOnCard() const {
+        for (const auto& entry : std::filesystem::directory_iterator(Folder() + "/card")) {
+            const std::string text = ReadFile(entry.path());
+            if (entry.path().string().ends_with("_Measurement.csv") && text.size() > 2) {
+                std::istringstream line(text.substr(text.rfind('\n', text.size() - 2) + 1));
+                std::string field;
+                for (int column = 0; column < 4; ++column) {
+                    std::getline(line, field, ',');
+                }
+                return std::stod(field);
+            }
+        }
+        ADD_FAILURE() << "no measurement on the card";
+        return 0.0;
+    }
+
+    const double patience;  // ends a hang
+    std::unique_ptr<Bench::FrontEnd> frontEnd;
+
+private:
+    std::size_t m_seen = 0;
+};
+
+class ProductWithFrontEnd : public WithFrontEnd {
+protected:
+    static constexpr int SecondsToRunning = 20;
+
+    std::unique_ptr<ProductProcess> Product() {
+        configuration.Set("AutoStartMeasurement", "true")
+            .Set("AutoStartDelay", std::to_string(SecondsToRunning * 1000))
+            .LayInto(Folder());
+        return std::make_unique<ProductProcess>(Folder(), true);
+    }
+};
+
+}  // namespace
+
+TEST_F(WithFrontEnd, buttons_move_every_controller_and_the_engine_answers) {
+    StartConnected();
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Running));
+    EXPECT_TRUE(Wait("CMD", "-2").has_value());
+    WaitFor("Changing to RUNNING_STATE State for - SystemControl");
+    EXPECT_TRUE(Wait("InstrumentStatus", "Executing LED Adjustment Step").has_value());
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Idle));
+    EXPECT_TRUE(Wait("InstrumentStatus", "Aborted Measurement Cycle").has_value());
+    EXPECT_TRUE(Wait("CMD", "-1").has_value());
+    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine", 2);
+    EXPECT_EQ(frontEnd->Screen().version, "0.2.1.19");
+}
+
+// The button works in idle alone, and the engine primes while running alone.
+TEST_F(WithFrontEnd, prime_button_reaches_the_engine_in_idle_where_it_does_nothing) {
+    StartConnected();
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Prime));
+    WaitFor("Sending Command - PRIME_SYSTEM");
+    Send(MOVE_TO_TEST);
+    WaitFor("Changing to TEST_STATE State for - MeasurementEngine");
+    for (const std::string& act : Board().Trace()) {
+        EXPECT_EQ(act.find("/sys/class/pwm"), std::string::npos) << act;
+    }
+}
+
+TEST_F(WithFrontEnd, reset_button_brings_up_a_new_system_that_connects_again) {
+    StartConnected();
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Reset));
+    JoinAndDestroy();
+    EXPECT_TRUE(frontEnd->WaitForEnd(patience));
+    StartConnected();
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Running));
+    EXPECT_TRUE(Wait("CMD", "-2").has_value());
+}
+
+TEST_F(WithFrontEnd, one_measurement_from_the_lamp_to_the_screen) {
+    StartConnected();
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Running));
+    const std::optional<Bench::FrontEndFrame> frame = Wait("ChlorineValue");
+    ASSERT_TRUE(frame.has_value());
+    ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Idle));
+    EXPECT_TRUE(Wait("CMD", "-1").has_value());
+    char text[32];
+    const auto chlorine = static_cast<float>(ChlorineOnCard());
+    std::snprintf(text, sizeof text, "%.2f", static_cast<double>(chlorine));
+    EXPECT_EQ(frame->Find("ChlorineValue"), text);
+    EXPECT_GT(chlorine, 0.1F);
+    EXPECT_TRUE(frame->Find("DateValue").has_value());
+}
+
+TEST_F(WithFrontEnd, a_hundred_resets_leave_nothing_over_and_connect_again) {
+    Board().SetSpeed(200.0);
+    configuration.Set("LoggingLevel", "NOTICE_LOG_LEVEL");
+    StartConnected();
+    Reset();
+    EXPECT_TRUE(frontEnd->WaitForEnd(4.0 * patience));
+    const std::size_t threads = EntriesOf("/proc/self/task");
+    const std::size_t descriptors = EntriesOf("/proc/self/fd");
+    for (std::size_t count = 2; count <= 101; ++count) {
+        Start();
+        ASSERT_TRUE(frontEnd->WaitForConnection(count, 4.0 * patience)) << "generation " << count;
+        ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Reset));
+        JoinAndDestroy();
+    }
+    EXPECT_TRUE(frontEnd->WaitForEnd(4.0 * patience));
+    EXPECT_EQ(EntriesOf("/proc/self/task"), threads);
+    EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
+}
+
+// No handler is installed, so that the second write to a front end that has gone ends the process.
+TEST_F(ProductWithFrontEnd, a_front_end_that_closes_is_answered_without_pause_until_a_write_ends_the_process) {
+    const auto product = Product();
+    ASSERT_TRUE(frontEnd->WaitForConnection(patience));
+    frontEnd->Disconnect();
+    const int status = product->Wait();
+    ASSERT_TRUE(WIFSIGNALED(status)) << status;
+    EXPECT_EQ(WTERMSIG(status), SIGPIPE);
+    const std::string empty = "First Part 0\nSecond Part \n";
+    std::size_t count = 0;
+    const std::string output = product->Output();
+    for (std::size_t at = output.find(empty); at != std::string::npos; at = output.find(empty, at + 1)) {
+        ++count;
+    }
+    EXPECT_GT(count, 100U);
+}
+
+TEST_F(ProductWithFrontEnd, a_front_end_that_is_there_gets_every_status_from_the_very_binary) {
+    const auto product = Product();
+    EXPECT_TRUE(Wait("CMD", "-2").has_value());
+    EXPECT_TRUE(Wait("InstrumentStatus", "Executing LED Adjustment Step").has_value());
+    EXPECT_TRUE(product->IsRunning());
+}
