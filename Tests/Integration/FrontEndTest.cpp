@@ -1,70 +1,10 @@
 // The whole system with a front end at the other end of its link.
 #include <csignal>
-#include <filesystem>
 
-#include "Bench/Peers/FrontEnd.h"
+#include "Tests/Integration/FrontEndFixture.h"
 #include "Tests/Support/ProductProcess.h"
-#include "Tests/Support/SystemFixture.h"
 
 namespace {
-
-constexpr int FrontEndPort = 3111;
-
-std::size_t EntriesOf(const char* folder) {
-    const std::filesystem::directory_iterator entries(folder);
-    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
-}
-
-class WithFrontEnd : public SystemOnBoard {
-protected:
-    explicit WithFrontEnd(double speed = 50.0) : SystemOnBoard(speed), patience(60.0 * speed) {
-        std::string error;
-        frontEnd = Bench::FrontEnd::Listen(0, error);
-        EXPECT_NE(frontEnd, nullptr) << error;
-        EXPECT_TRUE(Board().MapPort(FrontEndPort, frontEnd->Port()));
-    }
-
-    ~WithFrontEnd() override {
-        if (system != nullptr) {
-            Reset();  // while the front end is still there
-        }
-    }
-
-    void StartConnected() {
-        const std::size_t connections = frontEnd->Connections();
-        Start();
-        ASSERT_TRUE(frontEnd->WaitForConnection(connections + 1, patience));
-        WaitForIdle();
-    }
-
-    // Behind those that an earlier call has found.
-    std::optional<Bench::FrontEndFrame> Wait(const char* name, const std::optional<std::string>& value = {}) {
-        return frontEnd->WaitForValue(name, value, m_seen, patience);
-    }
-
-    // The fourth field of the last line.
-    double ChlorineOnCard() const {
-        for (const auto& entry : std::filesystem::directory_iterator(Folder() + "/card")) {
-            const std::string text = ReadFile(entry.path());
-            if (entry.path().string().ends_with("_Measurement.csv") && text.size() > 2) {
-                std::istringstream line(text.substr(text.rfind('\n', text.size() - 2) + 1));
-                std::string field;
-                for (int column = 0; column < 4; ++column) {
-                    std::getline(line, field, ',');
-                }
-                return std::stod(field);
-            }
-        }
-        ADD_FAILURE() << "no measurement on the card";
-        return 0.0;
-    }
-
-    const double patience;  // ends a hang
-    std::unique_ptr<Bench::FrontEnd> frontEnd;
-
-private:
-    std::size_t m_seen = 0;
-};
 
 class ProductWithFrontEnd : public WithFrontEnd {
 protected:
@@ -128,25 +68,6 @@ TEST_F(WithFrontEnd, one_measurement_from_the_lamp_to_the_screen) {
     EXPECT_EQ(frame->Find("ChlorineValue"), text);
     EXPECT_GT(chlorine, 0.1F);
     EXPECT_TRUE(frame->Find("DateValue").has_value());
-}
-
-TEST_F(WithFrontEnd, a_hundred_resets_leave_nothing_over_and_connect_again) {
-    Board().SetSpeed(200.0);
-    configuration.Set("LoggingLevel", "NOTICE_LOG_LEVEL");
-    StartConnected();
-    Reset();
-    EXPECT_TRUE(frontEnd->WaitForEnd(4.0 * patience));
-    const std::size_t threads = EntriesOf("/proc/self/task");
-    const std::size_t descriptors = EntriesOf("/proc/self/fd");
-    for (std::size_t count = 2; count <= 101; ++count) {
-        Start();
-        ASSERT_TRUE(frontEnd->WaitForConnection(count, 4.0 * patience)) << "generation " << count;
-        ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Reset));
-        JoinAndDestroy();
-    }
-    EXPECT_TRUE(frontEnd->WaitForEnd(4.0 * patience));
-    EXPECT_EQ(EntriesOf("/proc/self/task"), threads);
-    EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
 }
 
 // No handler is installed, so that the second write to a front end that has gone ends the process.
