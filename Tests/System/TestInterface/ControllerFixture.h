@@ -15,9 +15,8 @@ protected:
     TestInterfaceAlone() : BoardTest(Fast()) { EXPECT_TRUE(Board().MapPort(1200, listener.Port())); }
 
     ~TestInterfaceAlone() override {
-        if (controller != nullptr) {
-            controller->Kill();
-            pthread_join(controller->GetThreadId(), nullptr);
+        if (controller != nullptr && !m_hasEnded) {
+            EndThread();
         }
         log.EndRouter();
         controller.reset();
@@ -38,6 +37,12 @@ protected:
         for (std::int32_t command = 0; command < CommandCount; ++command) {
             controller->RegisterForCommand(static_cast<CommandType>(command));
         }
+    }
+
+    void EndThread() {
+        controller->Kill();
+        pthread_join(controller->GetThreadId(), nullptr);
+        m_hasEnded = true;
     }
 
     // In the test state, with the link up.
@@ -71,4 +76,7 @@ protected:
     RawListener listener;
     SampleConfiguration configuration;
     std::unique_ptr<TestInterface> controller;
+
+private:
+    bool m_hasEnded = false;
 };

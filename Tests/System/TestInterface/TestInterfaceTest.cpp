@@ -64,12 +64,24 @@ TEST_F(TestInterfaceAlone, goes_on_after_a_time_out) {
 }
 
 TEST_F(TestInterfaceAlone, waits_without_limit_in_every_state) {
-    const RawConnection peer = Connect();
-    for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
-        Command(command);
-        EXPECT_TRUE(WaitForState(static_cast<ThreadState>(command + 1)));
+    Start();
+    EndThread();
+    for (const CommandType type : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
+        controller->SetTimeOut(5);
+        CommandMessage command(type);
+        EXPECT_TRUE(controller->ProcessCommandMessage(&command));
         EXPECT_EQ(controller->GetTimeOut(), -1);
+        EXPECT_EQ(controller->GetState(), type + 1);
     }
+}
+
+TEST_F(TestInterfaceAlone, makes_no_link_once_it_is_killed) {
+    Start();
+    EndThread();
+    CommandMessage command(MOVE_TO_TEST);
+    EXPECT_TRUE(controller->ProcessCommandMessage(&command));
+    EXPECT_THAT(log.Lines(), ElementsAre());
+    EXPECT_THAT(Board().Trace(), ElementsAre());
 }
 
 TEST_F(Requests, for_analog_readings_carry_period_signal_and_count) {

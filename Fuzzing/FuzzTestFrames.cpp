@@ -1,0 +1,105 @@
+// Reads headers and payloads of the test link from whatever it is given, in the pieces that a network may cut it into,
+// and looks at all they say. The input is what the peer sends: each read begins with a byte that tells how much of what
+// it asks for comes, 255 for all of it and 254 for a connection that broke.
+#include <sys/types.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "Frameworks/IPC/Networking/TCPSocket.h"
+#include "Frameworks/Utilities/CRC32.h"
+
+namespace {
+
+constexpr int MostFrames = 8;
+constexpr std::uint32_t LongPayload = 65536;  // memory and checksum of one take the time of hundreds of runs
+constexpr std::size_t InputForLongPayload = 40;
+constexpr std::uint8_t All = 255;
+constexpr std::uint8_t Broken = 254;
+
+const std::uint8_t* input = nullptr;
+std::size_t left = 0;
+
+void Require(bool isTrue, const char* what) {
+    if (!isTrue) {
+        std::fprintf(stderr, "violated: %s\n", what);
+        std::abort();
+    }
+}
+
+void LookAtHeader(const CommunicationsCommand& command) {
+    CommunicationsCommand copy(command);
+    Require(copy.GetCommand() == command.GetCommand() && copy.GetLength() == command.GetLength(), "a copy is the same");
+    Require(command.GetLength() <= 0xFFFFFF, "a length has 24 bits");
+    Require(command.GetValue() >= 0.0F && command.GetValue() < 65543.0F, "a value is that of its two parts");
+    copy.SetValue(command.GetValue());
+    copy.SwapAddresses();
+    Require(copy.GetSourceAddress() == command.GetDestinationAddress(), "addresses are swapped");
+}
+
+void LookAtPayload(PayloadContainer& payload) {
+    if (payload.GetLength() > LongPayload) {
+        return;
+    }
+    Require(payload.DataForm().size() == payload.GetLength(), "the data have their length");
+    Require(payload.Text().Text().size() == payload.GetLength(), "the text has the length of the data");
+    const bool isSound = payload.VerifyCRC();
+    const std::uint32_t crc = payload.ComputeCRC();
+    Require(crc == CRC32().Compute(payload.DataForm()), "the checksum is that of the data");
+    PayloadContainer again(payload);
+    Require(again.WireForm().size() == std::size_t{payload.GetLength()} + 4, "the wire form has a checksum behind it");
+    Require(again.VerifyCRC(), "a checksum of our own fits");
+    Require(!isSound || again.GetCRC() == crc, "and is the same as one that came");
+    again.AppendText(payload.Text());
+    Require(again.VerifyCRC(), "also with a text behind it");
+}
+
+}  // namespace
+
+// In the place of the network's.
+extern "C" ssize_t recv(int /*file*/, void* data, std::size_t size, int /*flags*/) {
+    if (left == 0) {
+        return 0;
+    }
+    const std::uint8_t share = *input++;
+    --left;
+    if (share == Broken) {
+        errno = ECONNRESET;
+        return -1;
+    }
+    const std::size_t count = std::min({left, size, share == All ? size : std::size_t{share}});
+    std::memcpy(data, input, count);
+    input += count;
+    left -= count;
+    return static_cast<ssize_t>(count);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    input = data;
+    left = size;
+    TCPSocket socket;
+    for (int frame = 0; frame < MostFrames; ++frame) {
+        const std::unique_ptr<CommunicationsCommand> command = socket.RecieveCommand();
+        if (command == nullptr) {
+            return 0;
+        }
+        LookAtHeader(*command);
+        if (!command->IsWrite() || command->GetLength() == 0) {
+            continue;
+        }
+        if (command->GetLength() > LongPayload && size > InputForLongPayload) {
+            return 0;
+        }
+        const std::unique_ptr<PayloadContainer> payload = socket.RecievePayload(command->GetLength());
+        if (payload != nullptr) {
+            Require(payload->GetLength() == command->GetLength(), "a payload has the length of its header");
+            LookAtPayload(*payload);
+        }
+    }
+    return 0;
+}
