@@ -7,6 +7,8 @@ target_link_libraries(project_options INTERFACE Threads::Threads)
 target_compile_options(project_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual -Wcast-align -Wformat=2 -Wundef -Werror)
+# The same bytes wherever it is built, and no path of the building machine in them.
+target_compile_options(project_options INTERFACE -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 if(NOT VERNICOR_SANITIZE)  # g++ 12 sees null pointers in its own instrumented streams
   target_compile_options(project_options INTERFACE -Wnull-dereference)
 endif()
