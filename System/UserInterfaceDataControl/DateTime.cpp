@@ -12,11 +12,12 @@ constexpr std::size_t DateBufferSize = 256;
 StdString LocalDate(std::int32_t seconds) {
     const std::time_t moment = seconds;
     char buffer[DateBufferSize] = "";
-    const std::tm* date = std::localtime(&moment);
-    if (date != nullptr) {
+    tzset();
+    std::tm date{};
+    if (localtime_r(&moment, &date) != nullptr) {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"  // "am" and "pm" in small letters are an extension of libc
-        std::strftime(buffer, sizeof buffer, "@%A %B %d,%I:%M:%S %P\n", date);
+        std::strftime(buffer, sizeof buffer, "@%A %B %d,%I:%M:%S %P\n", &date);
 #pragma GCC diagnostic pop
     }
     return buffer;
