@@ -121,6 +121,18 @@ TEST_F(TestCommands, x830_with_5_s_comes_back_to_the_test_state_after_5_s) {
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
 }
 
+// The count stays above 0, so that every end of the period starts the next.
+TEST_F(TestCommands, x830_with_a_count_comes_back_to_the_test_state_again_and_again) {
+    const RawConnection peer = Connect();
+    EXPECT_EQ(BehindStamp(Ask(peer, Frame(830).Count(2).Value(5))), Text("RUNNING_STATE"));
+    WaitFor("Sending Command - MOVE_TO_TEST", 3);
+    EXPECT_EQ(Ask(peer, Frame(800)).data, Bytes());
+    const long moves = SettledCountOf("Sending Command - MOVE_TO_TEST");
+    const double start = Board().Seconds();
+    EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > start + 10.0; }));
+    EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), moves);
+}
+
 TEST_F(TestCommands, x850_shuts_down_and_closes_the_link_whatever_its_value_asks_for) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(850).Value(5))), Text("SHUTDOWN_STATE"));
@@ -283,7 +295,27 @@ TEST_F(TestCommands, x62100_answers_once_measured) {
     EXPECT_EQ(ReceiveReply(peer).data, Records({{1.25, 1356955300}}));
 }
 
-TEST_F(TestCommands, x62100_three_times_gathers_three_measurements_in_one_answer) {
+// The measuring begins a cycle in its running state alone, and the link asks in the test state.
+TEST_F(TestCommands, x62100_is_not_answered_while_nothing_measures) {
+    const RawConnection peer = Connect();
+    SendUnanswered(peer, Frame(62100));
+    const double start = Board().Seconds();
+    EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > start + 200.0; }));
+    SendUnanswered(peer, Frame(999));
+    EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), 1);
+}
+
+TEST_F(TestCommands, x62100_three_times_without_a_period_asks_without_pause_until_it_is_stopped) {
+    const RawConnection peer = Connect();
+    peer.Send(Frame(62100).Count(3));
+    WaitFor("Sending Command - COLLECT_MEASUREMENT", 50);
+    EXPECT_EQ(Ask(peer, Frame(800)).data, Bytes());
+    const long asked = SettledCountOf("Sending Command - COLLECT_MEASUREMENT");
+    SendUnanswered(peer, Frame(999));
+    EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), asked);
+}
+
+TEST_F(TestCommands, x62100_three_times_gathers_gathers_three_measurements_in_one_answer) {
     const RawConnection peer = Connect();
     const double start = Board().Seconds();
     peer.Send(Frame(62100).Count(3).Value(60));
