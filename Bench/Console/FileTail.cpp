@@ -47,7 +47,7 @@ std::vector<std::string> FileTail::Read() {
 std::vector<DayFileTail::Line> DayFileTail::Read() {
     const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(m_folder.c_str()));
     while (directory) {
-        const dirent* entry = readdir(directory.get());
+        const dirent64* entry = readdir64(directory.get());
         if (entry == nullptr) {
             break;
         }

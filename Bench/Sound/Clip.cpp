@@ -80,9 +80,8 @@ std::optional<std::int64_t> ReadLength(std::FILE* file) {
             return format.rate == 0 ? std::nullopt
                                     : std::optional<std::int64_t>(bytes / format.frame * NanoSeconds / format.rate);
         }
-        const long next = std::ftell(file) + static_cast<long>(size) + static_cast<long>(size % 2);
-        if ((IsNamed(head.data(), "fmt ") && !ReadFormat(file, size, format)) ||
-            std::fseek(file, next, SEEK_SET) != 0) {
+        const off64_t next = ftello64(file) + size + size % 2;
+        if ((IsNamed(head.data(), "fmt ") && !ReadFormat(file, size, format)) || fseeko64(file, next, SEEK_SET) != 0) {
             return std::nullopt;
         }
     }

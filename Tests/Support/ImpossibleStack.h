@@ -11,7 +11,9 @@ public:
         pthread_attr_t attributes;
         pthread_getattr_default_np(&m_before);
         pthread_getattr_default_np(&attributes);
-        pthread_attr_setstacksize(&attributes, std::size_t{1} << (sizeof(void*) == 8 ? 46 : 31));
+        // 64 TiB; 3.5 GiB where an address has 32 bits, all four of which qemu leaves to a program.
+        constexpr bool isWide = sizeof(void*) == 8;
+        pthread_attr_setstacksize(&attributes, std::size_t{isWide ? 1 : 7} << (isWide ? 46 : 29));
         pthread_setattr_default_np(&attributes);
         pthread_attr_destroy(&attributes);
     }

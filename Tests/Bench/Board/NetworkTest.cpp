@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -52,8 +53,12 @@ std::string Error(int error) { return "!" + std::to_string(error); }
 
 std::string HostByName(const char* name) {
     const hostent* entry = gethostbyname(name);
-    return entry == nullptr ? Error(h_errno)
-                            : std::string(entry->h_name) + " " + inet_ntoa(*reinterpret_cast<in_addr*>(entry->h_addr));
+    if (entry == nullptr) {
+        return Error(h_errno);
+    }
+    in_addr address = {};
+    std::memcpy(&address, entry->h_addr, sizeof(address));
+    return std::string(entry->h_name) + " " + inet_ntoa(address);
 }
 
 std::string HostByAddress(const char* text) {

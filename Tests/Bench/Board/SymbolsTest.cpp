@@ -34,7 +34,7 @@ bool StartsWithAny(const std::string& name, std::initializer_list<const char*> b
 }
 
 // What nm lists with that option, without versions. C++ names are left out, but for the file system library where a
-// program needs it; so are the sanitizers' own.
+// program needs it; so are the sanitizers' and the processor's own.
 Names Symbols(const std::string& option, const std::string& file) {
     Names names;
     FILE* output =
@@ -47,7 +47,7 @@ Names Symbols(const std::string& option, const std::string& file) {
         }
         const bool fileSystem = option == "--undefined-only" && name.find("10filesystem") != std::string::npos;
         if (fileSystem || !StartsWithAny(name, {"_Z", "__asan", "__ubsan", "__tsan", "__sanitizer", "__cxa", "__gxx",
-                                                "_Unwind", "_ITM", "GLIBC_"})) {
+                                                "_Unwind", "_ITM", "GLIBC_", "__aeabi"})) {
             names.insert(name);
         }
         name.clear();

@@ -55,8 +55,9 @@ TEST_F(TimeTest, all_wall_clocks_agree) {
     timeval middle{};
     ASSERT_EQ(gettimeofday(&middle, nullptr), 0);
     const std::int64_t last = Nanoseconds(CLOCK_REALTIME_COARSE);
-    EXPECT_LE(first / 1000, middle.tv_sec * 1000000 + middle.tv_usec);
-    EXPECT_LE(middle.tv_sec * 1000000 + middle.tv_usec, last / 1000);
+    const std::int64_t microseconds = std::int64_t{middle.tv_sec} * 1000000 + middle.tv_usec;
+    EXPECT_LE(first / 1000, microseconds);
+    EXPECT_LE(microseconds, last / 1000);
     EXPECT_LE(last / Second, time(nullptr));
     EXPECT_LE(std::int64_t{time(nullptr)}, Board().WallNanoSeconds() / Second);
 }
