@@ -149,6 +149,11 @@ TEST(StdString, ToInteger_reads_decimal_and_hexadecimal) {
     EXPECT_EQ(Integer("nothing"), 0);
 }
 
+TEST(StdString, ToUnsigned_reads_the_whole_range_of_its_result) {
+    EXPECT_EQ(StdString("2147483648").ToUnsigned(), 0x80000000U);
+    EXPECT_EQ(StdString("4294967295").ToUnsigned(), 0xFFFFFFFFU);
+}
+
 TEST(StdString, ToInteger_and_ToUnsigned_are_the_same_routine_and_change_the_text) {
     StdString text(" 0XFFFFFFFF ");
     EXPECT_EQ(text.ToUnsigned(), 0xFFFFFFFFU);
