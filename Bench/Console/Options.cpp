@@ -76,6 +76,11 @@ bool TakeSeed(Options& options, const std::string& value) {
     return true;
 }
 
+bool TakeNoise(Options& options, const std::string& value) {
+    options.noise = value == "on";
+    return options.noise || value == "off";
+}
+
 bool TakeConfig(Options& options, const std::string& value) {
     options.config = value;
     return !value.empty();
@@ -134,6 +139,7 @@ constexpr ValueOption ValueOptions[] = {
     {"--speed", TakeSpeed, "a number from 0.1 to 1000"},
     {"--start", TakeStart, "a date as in \"2026-12-31 23:57:00\", from 1970 to 2037"},
     {"--seed", TakeSeed, "a whole number from 0 to 4294967295"},
+    {"--noise", TakeNoise, "on or off"},
     {"--config", TakeConfig, "a file"},
     {"--bench", TakeBench, "a folder"},
     {"--program", TakeProgram, "a file"},
@@ -247,6 +253,7 @@ std::string HelpText() {
   --speed X                simulated seconds for one real second, 0.1 to 1000 (20)
   --start "DATE TIME"      where the analyzer's clock begins, as in "2026-12-31 23:57:00", UTC (now)
   --seed N                 of the noise (1)
+  --noise off              every reading of the detector is exact (on)
   --config FILE            another configuration (configuration/analyzer.conf.xml)
   --bench DIR              where the run's files lie (build/bench); kept after the run, reset at the next;
                            the SD card's files lie in DIR/card

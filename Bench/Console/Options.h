@@ -16,6 +16,7 @@ struct Options {
     double speed = 20.0;                // simulated seconds for one real second
     std::optional<std::int64_t> start;  // Unix time; the machine's own when absent
     std::uint32_t seed = 1;
+    bool noise = true;
     std::string config;               // empty: the sample configuration
     std::string bench;                // empty: build/bench of the project
     std::string program;              // empty: the analyzer of the same build

@@ -116,6 +116,7 @@ bool Runner::MakeBoard(std::string& error) {
     setup.speed = m_options.speed;
     setup.startSeconds = m_options.start.value_or(std::time(nullptr));
     setup.seed = m_options.seed;
+    setup.noise = m_options.noise;
     m_board = Board::Create(m_folder.Path(), setup, error);
     if (!m_board) {
         return false;

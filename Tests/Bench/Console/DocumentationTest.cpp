@@ -80,7 +80,7 @@ TEST(Documentation, every_option_has_its_row) {
             ++options;
         }
     }
-    EXPECT_EQ(options, 20);
+    EXPECT_EQ(options, 21);
 }
 
 TEST(Documentation, every_knob_of_the_instrument_is_told_of) {

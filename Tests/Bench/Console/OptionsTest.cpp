@@ -160,6 +160,13 @@ TEST(Options, seed_out_of_range_is_refused) {
     EXPECT_EQ(Read({"--seed", "4294967295"}).seed, 4294967295U);
 }
 
+TEST(Options, noise_is_on_or_off) {
+    EXPECT_TRUE(Read({}).noise);
+    EXPECT_FALSE(Read({"--noise", "off"}).noise);
+    EXPECT_TRUE(Read({"--noise", "off", "--noise", "on"}).noise);
+    EXPECT_EQ(Refusal({"--noise", "none"}), "--noise does not take \"none\", but on or off");
+}
+
 TEST(Options, start_must_be_a_date_of_the_calendar) {
     for (const char* value : {"2026-12-31", "2026-02-29 00:00:00", "2026-13-01 00:00:00", "2026-12-31 24:00:00",
                               "2026-12-31T23:57:00", "2026-12-31 23:57:0", "2026-12-31 23:57:60", "1969-12-31 23:59:59",
@@ -188,6 +195,7 @@ TEST(Options, help_names_every_option) {
                                "--speed X",
                                "--start \"DATE TIME\"",
                                "--seed N",
+                               "--noise off",
                                "--config FILE",
                                "--bench DIR",
                                "--fault NAME[=VALUE][@SECONDS]",
