@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <cstddef>
+#include <cstdint>
 
 class ImpossibleStack {
 public:
@@ -11,9 +12,9 @@ public:
         pthread_attr_t attributes;
         pthread_getattr_default_np(&m_before);
         pthread_getattr_default_np(&attributes);
-        // 64 TiB; 3.5 GiB where an address has 32 bits, all four of which qemu leaves to a program.
+        // 64 TiB; where an address has 32 bits, all but the last megabyte of them, which no program leaves free.
         constexpr bool isWide = sizeof(void*) == 8;
-        pthread_attr_setstacksize(&attributes, std::size_t{isWide ? 1 : 7} << (isWide ? 46 : 29));
+        pthread_attr_setstacksize(&attributes, static_cast<std::size_t>(isWide ? std::uint64_t{1} << 46 : 0xFFF00000U));
         pthread_setattr_default_np(&attributes);
         pthread_attr_destroy(&attributes);
     }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "Frameworks/Utilities/Report.h"
+#include "Tests/Support/ImpossibleStack.h"
 
 namespace {
 
@@ -26,26 +27,6 @@ public:
 std::string lastReport;
 ControllerType lastOrigin = NO_CONTROLLER;
 LogLevel lastLevel = NO_LOG_LEVEL;
-
-// Threads of default attributes get a stack that no machine has.
-class ImpossibleStack {
-public:
-    ImpossibleStack() {
-        pthread_attr_t attributes;
-        pthread_getattr_default_np(&m_before);
-        pthread_getattr_default_np(&attributes);
-        pthread_attr_setstacksize(&attributes, std::size_t{1} << (sizeof(void*) == 8 ? 46 : 31));
-        pthread_setattr_default_np(&attributes);
-        pthread_attr_destroy(&attributes);
-    }
-    ~ImpossibleStack() {
-        pthread_setattr_default_np(&m_before);
-        pthread_attr_destroy(&m_before);
-    }
-
-private:
-    pthread_attr_t m_before{};
-};
 
 }  // namespace
 
