@@ -23,6 +23,7 @@ protected:
     HardwareTestOfSystem() : SystemOnBoard(Fast) {
         Start();
         WaitForIdle();
+        WaitFor("TCPSocket::ConnectToServer  Unable to connect to server", 10);  // nobody listens: the last attempt
     }
 
     // The witness looks at who sent a message, so it ends before the senders; its object outlasts the router.
@@ -79,9 +80,12 @@ protected:
         return answers;
     }
 
+    // The lines change one after the other.
     void ExpectAmberLight() const {
-        EXPECT_TRUE(Board().WaitUntil([this] { return Board().IndicatorLit(Bench::IndicatorLed::AmberAnalyzer); }));
-        EXPECT_FALSE(Board().IndicatorLit(Bench::IndicatorLed::BlueAnalyzer));
+        EXPECT_TRUE(Board().WaitUntil([this] {
+            return Board().IndicatorLit(Bench::IndicatorLed::AmberAnalyzer) &&
+                   !Board().IndicatorLit(Bench::IndicatorLed::BlueAnalyzer);
+        }));
     }
 
     // Errors of the log since the test was asked for.
