@@ -156,8 +156,8 @@ std::uint32_t StdString::ToUnsigned() {
     Trim();
     ToLower();
     if (m_text.find('x') == std::string::npos) {
-        // Wider than the result on every machine: a 32-bit long would hold an unsigned number at half its range.
-        return static_cast<std::uint32_t>(std::strtoll(m_text.c_str(), nullptr, 10));
+        // As far as a long goes, which on the instrument is half the range.
+        return static_cast<std::uint32_t>(std::strtol(m_text.c_str(), nullptr, 10));
     }
     unsigned int value = 0;
     // NOLINTNEXTLINE(cert-err34-c): a text that is no number reads as 0, which is what the readers of settings rely on
