@@ -11,6 +11,16 @@ function(add_area name folder)
   endif()
 endfunction()
 
+# What every test includes is read once: half of the time that a test takes to compile is that of these headers.
+function(add_test_headers)
+  file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/TestHeaders.cpp CONTENT "// The headers that all tests share.\n")
+  add_library(test_headers OBJECT ${CMAKE_CURRENT_BINARY_DIR}/TestHeaders.cpp)
+  target_link_libraries(test_headers PRIVATE project_options sanitizer_options test_options
+                        GTest::gtest GTest::gmock GTest::gtest_main)
+  target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <algorithm> <filesystem> <fstream>
+                            <functional> <map> <memory> <string> <vector>)
+endfunction()
+
 # add_area_tests(NAME FOLDER LIBRARIES...): one test program from every source in FOLDER. Name the board last among the
 # libraries, so that it stands between the program and libc.
 function(add_area_tests name folder)
@@ -24,6 +34,7 @@ function(add_area_tests name folder)
   target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}"
                              CLIPS_FOLDER="${CLIPS_FOLDER}"
                              SANITIZER_RUNTIME="${SANITIZER_RUNTIME}")
+  target_precompile_headers(${name} REUSE_FROM test_headers)
   add_dependencies(${name} clips)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
   if("board" IN_LIST ARGN)
