@@ -6,6 +6,7 @@
 #include <random>
 
 #include "Tests/Support/ProductProcess.h"
+#include "Tests/Support/RandomSeed.h"
 #include "Tests/Support/SystemFixture.h"
 
 namespace {
@@ -117,7 +118,7 @@ TEST_F(RunCounters, continue_over_a_reset) {
 }
 
 TEST_F(RunCountersOfProduct, killed_around_a_save_never_fall_behind_the_last_complete_one) {
-    const auto seed = std::random_device{}();
+    const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> microseconds(0, 15000);

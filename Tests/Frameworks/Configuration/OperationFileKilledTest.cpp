@@ -8,6 +8,7 @@
 #include <random>
 
 #include "Tests/Frameworks/Configuration/OperationFixture.h"
+#include "Tests/Support/RandomSeed.h"
 
 namespace {
 
@@ -102,7 +103,7 @@ TEST_F(KilledOperation, at_every_single_call_of_a_save_keeps_the_counters) {
 }
 
 TEST_F(KilledOperation, at_two_hundred_random_moments_keeps_the_counters) {
-    const auto seed = std::random_device{}();
+    const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> savesBefore(1, 5);

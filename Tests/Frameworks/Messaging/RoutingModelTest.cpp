@@ -9,6 +9,7 @@
 
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
 #include "Tests/Frameworks/Messaging/RecordingController.h"
+#include "Tests/Support/RandomSeed.h"
 
 namespace {
 
@@ -16,15 +17,9 @@ constexpr int Threads = 5;
 constexpr int Rounds = 60;
 constexpr int MessagesPerRound = 40;
 
-// ROUTING_SEED=N repeats a run.
-unsigned Seed() {
-    const char* given = std::getenv("ROUTING_SEED");
-    return given != nullptr ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
-}
-
 class RoutingModel : public RouterFixture {
 protected:
-    RoutingModel() : seed(Seed()), random(seed) {
+    RoutingModel() : seed(RandomSeed()), random(seed) {
         for (int index = 0; index < Threads; ++index) {
             threads.push_back(&Add(("Thread" + std::to_string(index)).c_str()));
             threads.back()->CreateThread();
@@ -88,7 +83,7 @@ protected:
 }  // namespace
 
 TEST_F(RoutingModel, everyone_gets_what_was_asked_for_in_order) {
-    SCOPED_TRACE("ROUTING_SEED=" + std::to_string(seed));
+    SCOPED_TRACE("seed " + std::to_string(seed));
     for (int round = 0; round < Rounds; ++round) {
         RegisterSomeone();
         for (int count = 0; count < MessagesPerRound; ++count) {

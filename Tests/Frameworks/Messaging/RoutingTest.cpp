@@ -6,6 +6,7 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/Report.h"
 #include "Tests/Frameworks/Messaging/RecordingController.h"
+#include "Tests/Support/RandomSeed.h"
 
 namespace {
 
@@ -235,7 +236,7 @@ TEST_F(Routing, a_burst_is_delivered_whole_and_in_order) {
     router.RegisterCommand(&one, PRIME_SYSTEM);
     router.RegisterCommand(&one, COLLECT_MEASUREMENT);
     RecordingController& sender = Add("Sender");
-    const unsigned seed = std::random_device{}();
+    const unsigned seed = RandomSeed();
     std::mt19937 random(seed);
     Notes expected{"init"};
     for (int count = 0; count < 2000; ++count) {

@@ -9,6 +9,7 @@
 #include "Tests/Frameworks/Xml/XmlInvariants.h"
 #include "Tests/Frameworks/Xml/XmlModel.h"
 #include "Tests/Frameworks/Xml/XmlTestFile.h"
+#include "Tests/Support/RandomSeed.h"
 
 namespace {
 
@@ -193,14 +194,8 @@ private:
     XmlDocument& m_document;
 };
 
-unsigned Seed() {
-    const int wanted = GTEST_FLAG_GET(random_seed);
-    return wanted != 0 ? static_cast<unsigned>(wanted) : 1 + std::random_device()() % 99'999;
-}
-
 TEST(XmlRandom, ten_thousand_edits_leave_the_text_that_the_model_has) {
-    const unsigned seed = Seed();
-    std::cout << "seed " << seed << '\n';
+    const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     XmlModel model;
     XmlDocument document;

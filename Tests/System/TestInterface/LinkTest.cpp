@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "Tests/Support/RandomSeed.h"
 #include "Tests/System/TestInterface/LinkFixture.h"
 
 namespace {
@@ -323,8 +324,7 @@ TEST_F(TestLink, outlives_a_server_that_closes_at_any_byte) {
 }
 
 TEST_F(TestLink, outlives_random_bytes) {
-    const std::uint32_t seed = std::random_device()();
-    RecordProperty("seed", std::to_string(seed));
+    const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     StartIdle();
