@@ -26,10 +26,11 @@ TEST_F(WithFrontEnd, buttons_move_every_controller_and_the_engine_answers) {
     EXPECT_TRUE(Wait("CMD", "-2").has_value());
     WaitFor("Changing to RUNNING_STATE State for - SystemControl");
     EXPECT_TRUE(Wait("InstrumentStatus", "Executing LED Adjustment Step").has_value());
+    Board().ClearLog();
     ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Idle));
     EXPECT_TRUE(Wait("InstrumentStatus", "Aborted Measurement Cycle").has_value());
     EXPECT_TRUE(Wait("CMD", "-1").has_value());
-    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine", 2);
+    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine");
     EXPECT_EQ(frontEnd->Screen().version, "0.2.1.19");
 }
 

@@ -205,8 +205,9 @@ TEST_F(WaterIndicator, is_missed_where_its_lines_are_taken_while_the_system_runs
     EXPECT_EQ(Lit(), "");
     Send(MOVE_TO_RUNNING);
     WaitFor("Changing to RUNNING_STATE State for - SystemMonitor");
+    Board().ClearLog();
     Send(MOVE_TO_IDLE);
-    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine", 2);
+    WaitFor("Changing to IDLE_STATE State for - MeasurementEngine");
 }
 
 TEST_F(WaterIndicator, comes_back_with_a_reset_where_its_lines_are_free_again) {

@@ -96,10 +96,11 @@ TEST_F(TestCommands, x820_moves_to_idle_and_closes_the_link) {
 
 TEST_F(TestCommands, x820_with_a_period_comes_back_to_the_test_state_on_the_same_link) {
     const RawConnection peer = Connect();
+    ForgetLog();
     const double start = Board().Seconds();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(820).Value(20, 5000))), Text("IDLE_STATE"));
-    WaitFor("Changing to IDLE_STATE State for - TestInterface", 2);
-    WaitFor("Changing to TEST_STATE State for - TestInterface", 2);
+    WaitFor("Changing to IDLE_STATE State for - TestInterface");
+    WaitFor("Changing to TEST_STATE State for - TestInterface");
     EXPECT_GE(Board().Seconds() - start, 20.5);
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
 }

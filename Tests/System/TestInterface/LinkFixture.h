@@ -28,6 +28,12 @@ protected:
         WaitFor(mark);
     }
 
+    // Lines from before are gone, the first of the start among them, one of which is always lost.
+    void ForgetLog() {
+        Settle();
+        Board().ClearLog();
+    }
+
     long SettledCountOf(const std::string& text) {
         Settle();
         return CountOf(text);
