@@ -7,11 +7,10 @@
 
 #include "System/MeasurementEngine/MeasurementMessage.h"
 #include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "Tests/Support/LitLeds.h"
 #include "Tests/Support/SystemFixture.h"
 
 namespace {
-
-using Bench::IndicatorLed;
 
 const std::string Alert = "aplay -q /usr/share/vorn/bin/alert.wav";
 const std::string Alarm = "aplay -q /usr/share/vorn/bin/alarm.wav";
@@ -37,19 +36,7 @@ protected:
         EXPECT_TRUE(MessageController::SendMessage(std::move(message), MEASUREMENT_ENGINE));
     }
 
-    // "B" and "b" for the blue LEDs of the analyzer and of the water, and so on.
-    std::string Lit() const {
-        std::string lit;
-        for (const auto& [led, letter] : {std::pair(IndicatorLed::BlueAnalyzer, 'B'),
-                                          {IndicatorLed::AmberAnalyzer, 'A'},
-                                          {IndicatorLed::RedAnalyzer, 'R'},
-                                          {IndicatorLed::BlueWater, 'b'},
-                                          {IndicatorLed::AmberWater, 'a'},
-                                          {IndicatorLed::RedWater, 'r'}}) {
-            lit += Board().IndicatorLit(led) ? std::string(1, letter) : "";
-        }
-        return lit;
-    }
+    std::string Lit() const { return LitLeds(Board()); }
 
     void WaitForColors(const std::string& lit, double realSeconds = 60.0) const {
         EXPECT_TRUE(Board().WaitUntil([&] { return Lit() == lit; }, realSeconds)) << Lit() << ", not " << lit;

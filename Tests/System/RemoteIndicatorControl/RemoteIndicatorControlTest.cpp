@@ -9,10 +9,9 @@
 #include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
 #include "Tests/Support/ControllerOnBoard.h"
 #include "Tests/Support/FailingAllocation.h"
+#include "Tests/Support/LitLeds.h"
 
 namespace {
-
-using Bench::IndicatorLed;
 
 const std::string InvalidColor = "RemoteIndicatorControl - Invalid color status!";
 const std::string InvalidMessage = "RemoteIndicatorControl - Invalid data message!";
@@ -73,19 +72,7 @@ protected:
         Barrier();
     }
 
-    // One letter a lit LED: of the analyzer in capitals, then of the water.
-    std::string Lit() const {
-        std::string lit;
-        for (const auto& [led, letter] : {std::pair(IndicatorLed::BlueAnalyzer, 'B'),
-                                          {IndicatorLed::AmberAnalyzer, 'A'},
-                                          {IndicatorLed::RedAnalyzer, 'R'},
-                                          {IndicatorLed::BlueWater, 'b'},
-                                          {IndicatorLed::AmberWater, 'a'},
-                                          {IndicatorLed::RedWater, 'r'}}) {
-            lit += Board().IndicatorLit(led) ? std::string(1, letter) : "";
-        }
-        return lit;
-    }
+    std::string Lit() const { return LitLeds(Board()); }
 
     void WaitForSound(const std::string& call) {
         EXPECT_TRUE(Board().WaitUntil([&] {
