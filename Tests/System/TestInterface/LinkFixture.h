@@ -1,6 +1,7 @@
 // The whole system on the board with a test server at the other end of its link.
 #pragma once
 
+#include "Frameworks/IPC/Networking/TCPClient.h"
 #include "Tests/Support/SystemFixture.h"
 #include "Tests/Support/TestLink.h"
 
@@ -8,10 +9,13 @@ class LinkOnBoard : public SystemOnBoard {
 protected:
     LinkOnBoard() : SystemOnBoard(50.0) { EXPECT_TRUE(Board().MapPort(1200, listener.Port())); }
 
-    // Everyone idle.
+    // Everyone idle, and the front end's link has set the name of the interface, which all links share: from then on the
+    // one of the test link stands.
     void StartIdle() {
+        TCPClient::SetInterfaceName("nobody's");
         Start();
         WaitForIdle();
+        EXPECT_TRUE(Board().WaitUntil([] { return TCPClient::GetInterfaceName() == "lo"; }));
     }
 
     // In the test state, with the link up.
