@@ -156,10 +156,11 @@ TEST_F(SoundTest, a_single_clip_is_no_loop) {
 }
 
 TEST_F(SoundTest, a_killed_player_is_heard_no_longer_than_its_clip) {
-    Lay("a.wav", Clip(1200000));
+    Lay("a.wav", Clip(2400000));
     const std::string pidFile = Folder() + "/pid";
     std::thread program([&pidFile] { Run("aplay -q /usr/share/vorn/bin/a.wav & echo $! > '" + pidFile + "'; wait"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().SoundPlaying(); }));
+    EXPECT_TRUE(Board().WaitUntil([&] { return ReadFile(pidFile).ends_with('\n'); }));  // it plays before it is told
     EXPECT_EQ(kill(std::stoi(ReadFile(pidFile)), SIGKILL), 0);
     program.join();
     EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
