@@ -1,14 +1,17 @@
-// The documents that are read, as files in memory.
+// Documents of the form of the analyzer's settings file, as files in memory.
 #pragma once
 
 #include <string>
 
-#include "Benchmarks/XmlBenchmarks.h"
+enum DocumentSize {
+    SMALL,  // the settings file as it is delivered, 40 KB
+    LARGE,  // the same sections again and again, 20 MB
+};
 
 // Made at the first call; removed when the program ends.
 const std::string& DocumentPath(DocumentSize size);
 
-// Loads in one timed batch, so that it lasts a millisecond or more.
+// Tasks in one timed batch, so that it lasts a millisecond or more.
 inline int BatchOf(DocumentSize size) { return size == SMALL ? 20 : 1; }
 
 // Ends the program: a comparison of what did not happen would say nothing.

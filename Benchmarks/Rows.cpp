@@ -2,17 +2,34 @@
 // A measure prepares what it needs, does the task for a millisecond or more (Stopwatch.h) and returns the cost of once.
 #include "Benchmarks/Rows.h"
 
-#include "Benchmarks/XmlBenchmarks.h"
+#include "Benchmarks/EditBenchmarks.h"
+#include "Benchmarks/LoadBenchmarks.h"
+#include "Benchmarks/SettingsBenchmarks.h"
 
 namespace {
 
 using enum Goal;
 
+// clang-format off
 constexpr Row Table[] = {
     // task, peer, pairs, ours, the peer's, goal, target
-    {"load and index, 40 KB", "pugixml", 41, LoadOurs<SMALL>, LoadPugixml<SMALL>, COST_AT_MOST, 0.9},
-    {"load and index, 20 MB", "pugixml", 9, LoadOurs<LARGE>, LoadPugixml<LARGE>, COST_AT_MOST, 0.7},
+    {"load and index, 40 KB", "pugixml", 41, LoadTime<OurReader, SMALL>, LoadTime<PugixmlReader, SMALL>, COST_AT_MOST, 0.9},
+    {"load and index, 40 KB", "rapidxml", 21, LoadTime<OurReader, SMALL>, LoadTime<RapidxmlReader, SMALL>, NO_GOAL, 0},
+    {"load and index, 40 KB", "tinyxml2", 21, LoadTime<OurReader, SMALL>, LoadTime<Tinyxml2Reader, SMALL>, NO_GOAL, 0},
+    {"load and index, 40 KB", "libxml2", 21, LoadTime<OurReader, SMALL>, LoadTime<Libxml2Reader, SMALL>, NO_GOAL, 0},
+    {"load and index, 40 KB", "expat, our index", 21, LoadTime<OurReader, SMALL>, LoadTime<ExpatReader, SMALL>, NO_GOAL, 0},
+    {"load and index, 20 MB", "pugixml", 15, LoadTime<OurReader, LARGE>, LoadTime<PugixmlReader, LARGE>, COST_AT_MOST, 0.7},
+    {"load and index, 20 MB", "rapidxml", 5, LoadTime<OurReader, LARGE>, LoadTime<RapidxmlReader, LARGE>, NO_GOAL, 0},
+    {"load and index, 20 MB", "tinyxml2", 5, LoadTime<OurReader, LARGE>, LoadTime<Tinyxml2Reader, LARGE>, NO_GOAL, 0},
+    {"load and index, 20 MB", "libxml2", 5, LoadTime<OurReader, LARGE>, LoadTime<Libxml2Reader, LARGE>, NO_GOAL, 0},
+    {"load and index, 20 MB", "expat, our index", 5, LoadTime<OurReader, LARGE>, LoadTime<ExpatReader, LARGE>, NO_GOAL, 0},
+    {"heap an element at the peak of that load", "expat, our index", 1, LoadMemory<OurReader, LARGE>, LoadMemory<ExpatReader, LARGE>, BYTES_AT_MOST, 190},
+    {"heap an element at the peak of that load", "pugixml", 1, LoadMemory<OurReader, LARGE>, LoadMemory<PugixmlReader, LARGE>, BYTES_AT_MOST, 190},
+    {"load settings, read every item", "rapidxml into maps", 41, SettingsOurs, SettingsRapidxml, COST_AT_MOST, 0.9},
+    {"load, change an attribute, save, 40 KB", "pugixml", 41, EditOurs<SMALL>, EditPugixml<SMALL>, COST_AT_MOST, 0.5},
+    {"load, change an attribute, save, 20 MB", "pugixml", 15, EditOurs<LARGE>, EditPugixml<LARGE>, COST_AT_MOST, 0.5},
 };
+// clang-format on
 
 }  // namespace
 
