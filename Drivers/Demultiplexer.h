@@ -23,6 +23,7 @@ public:
     Demultiplexer& operator=(const Demultiplexer&) = delete;
     virtual ~Demultiplexer();
 
+    // Claims the lines and drives them low. False where one of them can't be had.
     bool Init(const DemultiplexerLines& lines);
 
     // 0 to 15. A channel above is logged and selects the point of channel 8.

@@ -21,14 +21,17 @@ private:
 
 namespace DeviceFile {
 
+// What became of a write.
 enum class WriteResult {
     Written,
     Refused,  // the file is there, the kernel did not take the value
     NotOpened,
 };
 
+// Whether the kernel offers it: a line's or a channel's directory is there only while somebody has claimed it.
 bool DirectoryOpens(const std::string& path);
 
+// In one call; the file is never made.
 WriteResult WriteText(const std::string& path, const std::string& text);
 
 // False where the file does not open. What cannot be read is empty; 4096 bytes at most, the kernel's limit.

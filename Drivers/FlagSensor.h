@@ -10,6 +10,7 @@ class FlagSensor {
 public:
     FlagSensor();
 
+    // Neither is true while nobody has claimed the line.
     bool IsHigh() const;
     bool IsLow() const;
 

@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <string>
 
+// What a line is for.
 enum GpioMode : std::int32_t {
     INPUT_GPIO_MODE = 0,
     OUTPUT_GPIO_MODE = 1,
     EDGE_GPIO_MODE = 2,  // input with edge detection
 };
 
+// Which changes end a wait.
 enum GpioEdge : std::int32_t {
     NO_GPIO_EDGE = 0,
     RISING_GPIO_EDGE = 1,
@@ -19,6 +21,7 @@ enum GpioEdge : std::int32_t {
     BOTH_GPIO_EDGE = 3,
 };
 
+// What a read or a wait came to.
 enum GpioLevel : std::int32_t {
     LOW_GPIO_LEVEL = 0,
     HIGH_GPIO_LEVEL = 1,
@@ -40,9 +43,11 @@ public:
     GpioMode GetMode() const { return m_mode; }
     GpioEdge GetEdge() const { return m_edge; }
 
+    // Claims and gives back. False where the line is claimed already, or isn't.
     bool Export();
     bool Unexport();
 
+    // False where the line isn't claimed, or the kernel doesn't take the value; only what was taken is kept.
     bool SetDirection(GpioMode mode);
     bool SetEdge(GpioEdge edge);
     // The edge counts in EDGE_GPIO_MODE only; the other modes detect none.

@@ -11,6 +11,7 @@ public:
     PhysicalMemory& operator=(const PhysicalMemory&) = delete;
     ~PhysicalMemory() { Close(); }
 
+    // False where the device is missing or refused.
     bool Open();
     void Close();
 

@@ -25,9 +25,11 @@ public:
     float GetFrequency() const { return m_frequency; }
     float GetDutyCycle() const { return m_dutyCycle; }
 
+    // Claims and gives back. False where the channel is claimed already, or isn't.
     bool Export();
     bool Unexport();
 
+    // False where the channel isn't claimed, or its file is missing.
     bool Enable(bool on);
     // True also where the state cannot be read, so that whoever wants the channel off switches it off.
     bool IsEnabled() const;

@@ -35,6 +35,7 @@ public:
 
 protected:
     void SetInvalid() { m_valid = false; }
+    // 0 enables the chip, 1 disables it.
     bool WriteEnablePin(std::int32_t level);
 
 private:

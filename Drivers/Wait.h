@@ -9,6 +9,7 @@ void SleepFor(std::uint32_t milliseconds);
 // Awake, until the process has used that much processor time: other threads at work shorten it.
 void SpinFor(std::uint32_t milliseconds);
 
+// One or the other.
 inline void WaitFor(std::uint32_t milliseconds, bool busyWait) {
     busyWait ? SpinFor(milliseconds) : SleepFor(milliseconds);
 }

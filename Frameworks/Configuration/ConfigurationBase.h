@@ -35,6 +35,7 @@ public:
     void SetSource(const StdString& path) { m_source = path; }
 
 protected:
+    // By name or by value.
     using AddOperation = bool (ItemInfoContainer::*)(std::unique_ptr<ItemInfoElement>&&);
 
     // The steps of reading and writing that a section with more than a flat run of items shares. Each needs a document,

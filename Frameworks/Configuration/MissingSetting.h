@@ -7,4 +7,5 @@
 // The place is the file and the part of it, such as "analyzer.conf.xml: section LOGGING_INFO".
 [[noreturn]] void EndForMissingKey(const StdString& place, const StdString& key);
 
+// The path is that of the settings file.
 [[noreturn]] void EndForMissingSection(const StdString& path, const StdString& sectionName);

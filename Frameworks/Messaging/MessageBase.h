@@ -26,6 +26,7 @@ public:
     std::int32_t GetSendCount() const { return m_sendCount; }
     const TimeInfo& GetTimeStamp() const { return m_timeStamp; }
 
+    // The name goes with the thread; null leaves the name that was there.
     void SetDestination(ThreadControl* destination);
     void SetSource(ThreadControl* source);
     // By the router's name table; a controller that isn't registered there leaves null. The destination has to be one

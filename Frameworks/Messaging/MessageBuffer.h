@@ -11,6 +11,7 @@ public:
     explicit MessageBuffer(const StdString& threadName);
     ~MessageBuffer() override;
 
+    // Never waits: the queue has no limit.
     void PostMessage(std::unique_ptr<MessageBase> message);
 
     // The front message, or null. -1 waits without limit. Null with GetLastError 0: the semaphore was ahead of the

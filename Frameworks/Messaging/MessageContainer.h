@@ -14,8 +14,8 @@ public:
     MessageContainer& operator=(const MessageContainer&) = delete;
     virtual ~MessageContainer() = default;
 
-    void PushBack(std::unique_ptr<MessageBase> message);
-    std::unique_ptr<MessageBase> PopFront();  // null when empty
+    void PushBack(std::unique_ptr<MessageBase> message);  // which belongs to the queue from now on
+    std::unique_ptr<MessageBase> PopFront();              // null when empty
 
 private:
     Mutex m_mutex;

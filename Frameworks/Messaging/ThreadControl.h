@@ -22,20 +22,26 @@ public:
     bool Init() override;
     void SetState(ThreadState state) override;
 
+    // Subscribes to data messages. Called from Init, on the controller's own thread.
     virtual bool DoRegistration() = 0;
+    // Hands the current message to one of the next two; false without one.
     virtual bool ProcessMessage();
     // False only where the wait failed, which every cause counts as a time-out.
     virtual bool WaitForMessage();
+    // The router's alone; false in any other controller.
     virtual bool RegisterCommand(ThreadControl* thread, CommandType command);
     virtual bool RegisterDataMessage(ThreadControl* thread, DataMessageType type);
+    // False for null. The message is freed when they return.
     virtual bool ProcessCommandMessage(CommandMessage* message) = 0;
     virtual bool ProcessDataMessage(DataMessage* message) = 0;
+    // After a silence of the time-out.
     virtual bool ProcessTimeOut() = 0;
 
     // Milliseconds of silence in the queue after which ProcessTimeOut runs; -1: never.
     void SetTimeOut(std::int32_t milliSeconds) { m_timeOut = milliSeconds; }
     std::int32_t GetTimeOut() const { return m_timeOut; }
 
+    // At the end of this controller's queue, which needs no start for that.
     void ReceiveMessage(std::unique_ptr<MessageBase> message);
     void SendCommand(CommandType command);  // to every controller, through the router
     // -1 counts as the least severe level. Nothing is allocated above the process-wide level.

@@ -14,6 +14,7 @@ public:
     float GetMeasurement() const { return m_measurement; }
     std::uint32_t GetCRC() const { return m_crc; }
 
+    // Each gives the object back.
     MeasurementDataPoint& SetSeconds(std::uint32_t seconds) {
         m_seconds = seconds;
         return *this;

@@ -11,6 +11,7 @@
 
 class SDCard {
 public:
+    // As sigaction takes it.
     using SignalHandler = void (*)(int signal, siginfo_t* information, void* context);
 
     SDCard() = default;
@@ -18,6 +19,7 @@ public:
     SDCard& operator=(const SDCard&) = delete;
     ~SDCard();
 
+    // By the block device.
     bool IsPresent() const;
     bool IsMounted();  // an empty mount path becomes the default one
     bool Mount();      // true also where it is mounted already; false without a card

@@ -20,8 +20,8 @@ public:
     bool SetFile(const StdString& name);
 
     bool IsOpen() const { return !m_name.IsEmpty() && m_file != nullptr; }
-    bool Open();  // mounts the card where it has to
-    void Close();
+    bool Open();   // mounts the card where it has to
+    void Close();  // nothing where it isn't open
 
     // Appends the whole text. Without a card in the slot the text is dropped, the file closed and the card unmounted;
     // the result is that of unmounting, so that a removed card is no error of its own. A card that came back is

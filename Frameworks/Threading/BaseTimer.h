@@ -36,6 +36,7 @@ public:
     bool Init() override;
 
 protected:
+    // False where the owner couldn't be told; nobody looks.
     virtual bool TimerExpired() = 0;
 
     // Wakes the runs that sleep and waits for all to end. Nothing starts afterwards.

@@ -3,6 +3,7 @@
 
 #include <pthread.h>
 
+// Clang's words for who guards what; nothing for other compilers.
 #if defined(__clang__)
 #define THREAD_ANNOTATION(x) __attribute__((x))
 #else
@@ -30,6 +31,7 @@ private:
     pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
 };
 
+// Holds a mutex for the length of a block.
 class SCOPED_CAPABILITY MutexLock {
 public:
     explicit MutexLock(Mutex& mutex) ACQUIRE(mutex) : m_mutex(mutex) { m_mutex.Lock(); }

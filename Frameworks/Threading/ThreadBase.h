@@ -17,9 +17,12 @@ public:
     ThreadBase& operator=(const ThreadBase&) = delete;
     virtual ~ThreadBase() = default;
 
+    // The thread's body; its result is the thread's.
     virtual std::int32_t Run() = 0;
+    // Asks the thread to end, and doesn't wait.
     virtual void Kill() = 0;
     virtual std::int32_t Exit() { return 0; }
+    // The first step of the thread: false ends it. SetState may be called from any thread.
     virtual bool Init();
     virtual void SetState(ThreadState state) { m_state = state; }
 

@@ -34,6 +34,7 @@ enum LogLevel : std::int32_t {
     RUMOR_LOG_LEVEL = 8,
 };
 
+// A mode of the whole system rather than of one thread; any command moves a controller from any of them.
 enum ThreadState : std::int32_t {
     INITIALIZING_STATE = 0,
     IDLE_STATE = 1,
@@ -44,6 +45,7 @@ enum ThreadState : std::int32_t {
     POST_EXITING_STATE = 6,
 };
 
+// What goes to all controllers; KILLING_SYSTEM is a thread's message to itself.
 enum CommandType : std::int32_t {
     NO_COMMAND = -1,
     MOVE_TO_IDLE = 0,
@@ -83,6 +85,7 @@ enum DataMessageType : std::int32_t {
     GUI_RESPONSE_DATA_MESSAGE = 21,
 };
 
+// Of the tables below and above.
 inline constexpr int ControllerCount = 9;
 inline constexpr int LogLevelCount = 9;
 inline constexpr int ThreadStateCount = 7;

@@ -10,6 +10,7 @@ inline void PutLittleEndian(std::uint8_t* bytes, std::size_t size, std::uint64_t
     }
 }
 
+// Up to eight bytes.
 inline std::uint64_t GetLittleEndian(const std::uint8_t* bytes, std::size_t size) {
     std::uint64_t value = 0;
     for (std::size_t at = 0; at < size; ++at) {

@@ -6,6 +6,7 @@
 
 using ReportFunction = void (*)(const StdString& text, LogLevel level, ControllerType origin);
 
+// Once, before main.
 void SetReportFunction(ReportFunction function);
 
 // Without a function set the text is dropped.

@@ -38,6 +38,7 @@ public:
     bool IsEmpty() const { return m_text.empty(); }
     int Length() const { return static_cast<int>(m_text.size()); }
 
+    // The first occurrence that begins at or behind start.
     int Find(const StdString& text, int start = 0) const;
     int Find(const char* text, int start = 0) const { return Find(StdString(text), start); }
     int Find(char character, int start = 0) const;
@@ -48,6 +49,7 @@ public:
 
     StdString Left(int count) const;   // count is held between 0 and the length
     StdString Right(int count) const;  // likewise
+    // A negative start or count counts as 0, and the count is cut to what remains; empty behind the end.
     StdString Mid(int start, int count) const;
     StdString Mid(int start) const;
 
@@ -66,6 +68,7 @@ public:
     void Insert(int position, const char* text) { Insert(position, StdString(text)); }
     void Delete(int position, int count);
 
+    // Below 0, 0 or above 0, by the bytes in small letters.
     int CompareNoCase(const StdString& text) const;
 
     // printf's conversions; the result is cut to the format's length plus 1023 characters. Nothing written empties the
@@ -79,6 +82,7 @@ public:
     float ToFloat() const;
     bool ToBool();  // trims and lowers; true for "true", "yes", "on" and "1"
 
+    // Decimal.
     void FromInteger(int value);
     void FromDouble(double value, const StdString& format = StdString());  // an empty format means "%f"
 

@@ -32,11 +32,12 @@ public:
 
     bool IsInfinite() const { return m_seconds == -1 && m_nanoSeconds == -1; }
     void SetInfinite();  // a wait without limit
+    // Both numbers 0.
     void Clear();
 
     std::int32_t GetSeconds() const { return m_seconds; }
     std::int32_t GetNanoSeconds() const { return m_nanoSeconds; }
-    timespec GetTimespec() const;
+    timespec GetTimespec() const;  // both numbers as they are
 
     void SetFormat(const StdString& format) { m_format = format; }
     void SetDefaultFormat() { m_format = DefaultFormat(); }

@@ -32,6 +32,7 @@ public:
 
     friend bool operator<(const TimeSpec& left, const TimeSpec& right);
     friend bool operator>(const TimeSpec& left, const TimeSpec& right) { return right < left; }
+    // Against a length in nanoseconds, or in tenths of milliseconds.
     bool IsBelowNanoSeconds(std::int64_t nanoSeconds) const;
     bool IsAboveNanoSeconds(std::int64_t nanoSeconds) const;
     bool IsBelowTenthMilliSeconds(std::uint32_t tenths) const;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
+// Views into the tag.
 struct XmlAttribute {
     std::string_view name;
     std::string_view value;      // without its quotes
@@ -18,6 +19,7 @@ public:
     // `tag` from the "<" to the ">"; the walk starts at `offset`, behind the name.
     XmlAttributes(std::string_view tag, std::size_t offset);
 
+    // False behind the last, which leaves the attribute alone.
     bool Next(XmlAttribute& attribute);
 
 private:

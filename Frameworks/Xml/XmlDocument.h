@@ -36,6 +36,7 @@ public:
     // Rewrites the file in place, in the encoding and with the byte order mark of the load. The cursor stays.
     bool Save(const char* path);
 
+    // A text with one root and no fault in it. What is at fault is indexed all the same.
     bool IsWellFormed() const;
     // What the last load, save or parse had to say: one element a report; and the same as text for display.
     const std::string& GetResult() const { return m_result; }

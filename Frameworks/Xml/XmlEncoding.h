@@ -10,6 +10,7 @@
 // In both operations one of the two encodings is UTF-8; an empty name means that of the locale.
 bool CanConvertEncoding(const std::string& to, const std::string& from);
 
+// What became of a text.
 struct XmlConversion {
     std::string text;
     std::size_t lost = 0;  // characters that became "?"

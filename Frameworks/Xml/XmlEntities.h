@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+// Where a text is to stand.
 enum class XmlEscapeMode { TEXT_MODE, ATTRIBUTE_MODE };
 
 // Attribute mode escapes both quotes too.

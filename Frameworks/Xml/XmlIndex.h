@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+// One element.
 struct XmlRecord {
     std::uint32_t start;            // offset of the "<" of the start tag
     std::uint32_t length;           // of the whole element, end tag included
@@ -49,10 +50,12 @@ public:
 
     std::uint32_t End(std::uint32_t index) const { return At(index).start + At(index).length; }
     bool IsFirstChild(std::uint32_t index) const { return (At(index).flags & FirstChildFlag) != 0; }
+    // 0 without children.
     std::uint32_t LastChild(std::uint32_t parent) const;
     // The sibling before it, 0 for the first child.
     std::uint32_t Previous(std::uint32_t index) const { return IsFirstChild(index) ? 0 : At(index).previousSibling; }
 
+    // As the last child.
     void LinkLast(std::uint32_t parent, std::uint32_t index);
     // Behind the sibling `previous`; 0 makes it the first child.
     void LinkBehind(std::uint32_t parent, std::uint32_t previous, std::uint32_t index);

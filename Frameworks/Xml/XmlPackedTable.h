@@ -7,11 +7,13 @@
 #include <cstdint>
 #include <string_view>
 
+// What goes into a table.
 struct XmlTableRow {
     std::string_view name;
     std::uint32_t number;
 };
 
+// Bytes of the text; `digits` of both numbers together.
 constexpr std::size_t XmlTableTextSize(const XmlTableRow* rows, std::size_t count, std::size_t digits) {
     std::size_t size = 0;
     for (std::size_t row = 0; row < count; ++row) {

@@ -16,6 +16,7 @@ public:
     // to `result`.
     XmlParser(std::string_view text, XmlIndex& index, std::string& result);
 
+    // Once.
     void Run();
 
 private:

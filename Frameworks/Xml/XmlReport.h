@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+// The attributes of a report; what isn't set is left out.
 struct XmlReportDetails {
     const char* type = nullptr;
     const char* encoding = nullptr;

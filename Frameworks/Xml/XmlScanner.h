@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
+// What a token is.
 enum class XmlTokenKind {
     END_OF_TEXT_TOKEN,
     TEXT_TOKEN,
@@ -17,6 +18,7 @@ enum class XmlTokenKind {
     FAULTY_TOKEN,  // not a tag, or cut off by the end of the text
 };
 
+// A piece of the text; offsets and views into it.
 struct XmlToken {
     XmlTokenKind kind = XmlTokenKind::END_OF_TEXT_TOKEN;
     std::size_t start = 0;
@@ -28,6 +30,7 @@ struct XmlToken {
     const char* cutOff = nullptr;  // what kind of token the end of the text cut off
 };
 
+// By single bytes, whatever the encoding; any byte from 0x61 up may start a name.
 bool IsXmlWhiteSpace(char byte);
 bool IsXmlNameStart(char byte);
 bool EndsXmlName(char byte);  // white space, "/" and ">"

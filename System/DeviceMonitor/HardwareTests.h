@@ -12,6 +12,7 @@ public:
     // that fails. Any other counts as failed.
     bool Run(std::int32_t selector);
 
+    // The verdict; a test that can't be carried out has failed.
     bool CheckBoardVoltages();
     bool TestAudioAmplifier();
     bool TestReagentMotor();

@@ -12,6 +12,7 @@ StdString MeasurementColumns();
 StdString StepColumns();
 StdString StatusColumns();
 
+// With the record's own time.
 StdString MeasurementRecord(const MeasurementResults& results);
 StdString StepRecords(const StepResults& results);            // one line a sample; no samples, no text
 StdString StatusRecord(const MeasurementStatusInfo& status);  // a comma in the status makes one more field

@@ -7,6 +7,7 @@
 #include "Frameworks/Utilities/TimeSpec.h"
 #include "Frameworks/Xml/XMLData.h"
 
+// One reading of a signal.
 struct AdcReading {
     std::int32_t seconds = 0;  // CLOCK_REALTIME
     std::int32_t nanoSeconds = 0;
@@ -18,6 +19,7 @@ public:
     const TimeSpec& GetSampleInterval() const { return m_sampleInterval; }
     void SetSampleInterval(const TimeSpec& interval) { m_sampleInterval = interval; }
 
+    // 65535 at most.
     std::uint16_t GetSignalId() const;
     void SetSignalId(std::uint32_t id);  // 65536 and above are stored as 65535
 

@@ -22,4 +22,5 @@ private:
     TimeInfo m_time;
 };
 
+// Of one step, in time order.
 using DetectorSamples = std::vector<DetectorInformation>;

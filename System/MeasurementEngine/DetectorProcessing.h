@@ -20,6 +20,7 @@ public:
     const DetectorSamples& GetSamples() const { return m_samples; }
 
     double GetRawMean() const;  // 0.0 without a sample, as in all of these
+    // Over all samples, divided by their number.
     double GetRawDeviation() const;
     // Without the `high` largest and `low` smallest; 0.0 where that leaves nothing.
     double GetTrimmedMean(std::uint32_t high, std::uint32_t low);

@@ -12,6 +12,7 @@ class TestPWMMessage;
 // else. False for null, and for what is no request.
 bool LIFTAnalogInput(const AdcStatusMessage* request);
 
+// By the register, so the line may be in use: "0", "1", or "3" where it can't be read.
 void LIFTDigitalInput(const TestDigitalInputPinsMessage& request);
 
 // The pin is given back at once, so the level stays for as long as the kernel keeps it.

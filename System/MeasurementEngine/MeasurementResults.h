@@ -49,4 +49,5 @@ double Transmittance(double dark, double reference, double sample);
 // Decadic, by the flipped sign of the logarithm: a transmittance of 1.0 gives negative zero.
 double Absorbance(double transmittance);
 
+// In the unit of the cell constant.
 double Chlorine(double cellConstant, double absorbance);

@@ -28,6 +28,7 @@ enum StepType : std::int32_t {
     SANITY_CHECK_STEP = 18,
 };
 
+// All of them.
 inline constexpr int StepCount = 19;
 
 // The name in the settings file, and the one in status texts and logs. Empty for a number out of range.

@@ -33,6 +33,7 @@ protected:
 
     virtual bool HasWork() const = 0;  // only asked with a step
     virtual void Prepare() {}          // before each start
+    // The step's work.
     virtual void Work() = 0;
     virtual void Refuse() { ForgetStep(); }
 

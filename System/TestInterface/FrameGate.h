@@ -17,6 +17,7 @@ public:
     bool Sleep(std::chrono::seconds length);
 
     void Close();  // for good; wakes who waits
+    // Any thread.
     bool IsClosed() const;
 
 private:

@@ -8,6 +8,7 @@ class ChlorineMeasurement : public GuiMessage {
 public:
     void Init();  // before anything else; what was set is gone
 
+    // mg/l.
     void SetValue(float chlorine);
     // "-.--" for 0 and below, "+.++" from 1 on: the display has two digits behind the point and one in front. The
     // limits hold for the value and not for its text, so that 0.999 reads 1.00.

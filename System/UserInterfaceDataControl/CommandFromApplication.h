@@ -8,6 +8,7 @@ class CommandFromApplication : public GuiMessage {
 public:
     void Init();  // before anything else; what was set is gone
 
+    // Decimal on the wire, with its sign.
     void SetValue(std::int32_t command);
     GuiPair Format();
 

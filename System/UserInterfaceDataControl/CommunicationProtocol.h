@@ -19,6 +19,7 @@ public:
     // Before anything else. A setter without it does nothing but a line in the system log.
     void Init();
 
+    // mg/l.
     void SetChlorineValue(float chlorine);
     void SetDateValue(std::int32_t seconds);  // since the Unix epoch; shown in local time
     // Up to the first zero byte, which ends a text on its way to the frame.
@@ -36,6 +37,7 @@ public:
     static std::vector<GuiPair> ParseFrame(const StdString& frame);  // a closing "`" gives one last, empty pair
 
 protected:
+    // Makes the pair of one element, which is then no longer set.
     using Formatter = GuiPair (CommunicationProtocol::*)();
 
     // One formatter for each element, in the order of the frame.

@@ -19,6 +19,7 @@ public:
 
     TCPClient* GetClient() { return &m_client; }
 
+    // With a copy of the text.
     static std::unique_ptr<UserInterfaceDataMessage> MakeMessage(const StdString& text);
     static void PostMessage(std::unique_ptr<UserInterfaceDataMessage> message);  // null is ignored
 

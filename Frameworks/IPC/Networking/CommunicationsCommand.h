@@ -10,6 +10,7 @@
 
 class CommunicationsCommand {
 public:
+    // The wire form.
     static constexpr std::size_t Size = 32;
     using Image = std::array<std::uint8_t, Size>;
 
@@ -35,7 +36,7 @@ public:
     std::uint8_t GetSpare() const { return Get<std::uint8_t>(Spare); }
     void SetSpare(std::uint8_t spare) { Set(Spare, spare); }
     void CopyAddresses(const CommunicationsCommand& other);  // the spare byte goes with them
-    void SwapAddresses();
+    void SwapAddresses();                                    // source and destination
 
     std::uint16_t GetFlags() const { return Get<std::uint16_t>(Flags); }
     void SetFlags(std::uint16_t flags) { Set(Flags, flags); }
@@ -58,6 +59,7 @@ public:
 
     std::uint32_t GetSeconds() const { return Get<std::uint32_t>(Seconds); }
     std::uint32_t GetNanoSeconds() const { return Get<std::uint32_t>(NanoSeconds); }
+    // Of sending.
     void SetTime(const TimeInfo& time);
 
 private:

@@ -18,6 +18,7 @@ public:
     PayloadContainer& operator=(const PayloadContainer&) = default;
     virtual ~PayloadContainer() = default;
 
+    // No data, no CRC.
     void Reset();
 
     std::uint32_t GetLength() const { return m_length; }  // of the data
@@ -41,6 +42,7 @@ public:
     void AppendBytes(const std::vector<std::uint8_t>& bytes);  // the present time, the bytes
 
 protected:
+    // The low `size` bytes, low byte first.
     void AppendNumber(std::uint64_t value, std::size_t size);
 
 private:

@@ -21,6 +21,7 @@ private:
     const int m_number;
 };
 
+// Keeps the descriptor open; null where it is closed.
 using HeldDescriptor = std::shared_ptr<const OpenDescriptor>;
 
 // -1 for none, which every call on a socket refuses.

@@ -18,6 +18,7 @@ public:
     Socket& operator=(const Socket& other);
     virtual ~Socket() = default;
 
+    // The options of the kernel, by their names.
     bool SetReuseAddr(bool on);
     bool SetKeepAlive(bool on);
     bool SetLingerSeconds(std::int32_t seconds);  // 0 or less turns lingering off
@@ -28,6 +29,7 @@ public:
     // switch for NOT blocking: a socket that was marked 0 and is marked 1 again no longer blocks.
     bool SetSocketBlocking(std::int32_t blocking);
 
+    // As the kernel has them; it may answer with another buffer size than was set.
     std::int32_t GetReuseAddr() const;
     std::int32_t GetKeepAlive() const;
     std::int32_t GetLingerSeconds() const;
@@ -38,14 +40,16 @@ public:
     bool SetPortNumber(std::int32_t port);  // closes what was open, and makes a new socket for that port
     std::int32_t GetPortNumber() const;     // -1: none
     std::int32_t GetDescriptor() const;     // -1: closed
-    std::int32_t GetBlocking() const;
-    sockaddr_in GetAddress() const;
+    std::int32_t GetBlocking() const;       // the flag as it is stored
+    sockaddr_in GetAddress() const;         // any of this host, with the port
 
+    // Ends both directions and closes; true where nothing was open.
     bool CloseConnection();
     // For the end of a thread that another one ends: no later SetPortNumber opens anything.
     bool CloseForGood();
 
 protected:
+    // For the length of a call; null where the socket is closed.
     HeldDescriptor Hold() const;
 
 private:

@@ -11,6 +11,7 @@ public:
     TCPClient& operator=(const TCPClient& other);
     virtual ~TCPClient() = default;
 
+    // Before the look-ups, which replace what they find.
     void SetLocalIPAddress(const StdString& address);
     void SetLocalName(const StdString& name);
     void SetServerIPAddress(const StdString& address);
@@ -21,7 +22,7 @@ public:
     StdString GetLocalName() const { return GetNames().localName; }
     StdString GetServerIPAddress() const { return GetNames().serverIPAddress; }
     StdString GetServerName() const { return GetNames().serverName; }
-    static StdString GetInterfaceName();
+    static StdString GetInterfaceName();  // of all clients
 
     bool GetLocalHostInfo();  // asks the host database for this host; false where it knows no name or no address
     bool ResolveServer();     // likewise for the server by its address; what isn't known stays as it was set
