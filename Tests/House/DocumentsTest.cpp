@@ -1,0 +1,191 @@
+// Holds the paths, links and commands that the documents name against what there is.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Tests/Support/ReadFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Words = std::vector<std::string>;
+
+// All that belongs to the project, from its root; not what was built.
+const std::set<std::string>& Files() {
+    static const std::set<std::string> files = [] {
+        std::set<std::string> found;
+        for (const fs::directory_entry& top : fs::directory_iterator(SOURCE_FOLDER)) {
+            const std::string name = top.path().filename();
+            if (name == "build" || name[0] == '.') {
+                continue;
+            }
+            found.insert(name);
+            if (top.is_directory()) {
+                for (const fs::directory_entry& entry : fs::recursive_directory_iterator(top)) {
+                    found.insert(fs::relative(entry.path(), SOURCE_FOLDER).string());
+                }
+            }
+        }
+        return found;
+    }();
+    return files;
+}
+
+Words Documents() {
+    Words documents;
+    std::copy_if(Files().begin(), Files().end(), std::back_inserter(documents),
+                 [](const std::string& file) { return file.ends_with(".md"); });
+    return documents;
+}
+
+// What stands between two marks, not across lines.
+Words Between(const std::string& text, const std::string& open, const std::string& close) {
+    Words found;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        for (std::size_t start = line.find(open); start != std::string::npos; start = line.find(open, start)) {
+            start += open.size();
+            const std::size_t end = line.find(close, start);
+            if (end == std::string::npos) {
+                break;
+            }
+            found.push_back(line.substr(start, end - start));
+            start = end + close.size();
+        }
+    }
+    return found;
+}
+
+// Code in a document: between backticks, or a line that is set in by four blanks.
+Words CodeOf(const std::string& document) {
+    Words code = Between(document, "`", "`");
+    std::istringstream lines(document);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("    ")) {
+            code.push_back(line.substr(4, line.find(" #") - 4));
+        }
+    }
+    return code;
+}
+
+Words WordsOf(const std::string& text) {
+    std::istringstream stream(text);
+    Words words;
+    for (std::string word; stream >> word;) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+// A word that stands for many, as System/<Name>/ or ..._Status.csv.
+bool IsPattern(const std::string& word) {
+    return word.find_first_of("<>*$") != std::string::npos || word.find("..") == 0;
+}
+
+bool IsThere(std::string path) {
+    path.erase(0, path.starts_with("./") ? 2 : 0);
+    return Files().count(path.ends_with('/') ? path.substr(0, path.size() - 1) : path) > 0;
+}
+
+bool IsNameOfAFile(const std::string& name) {
+    return std::any_of(Files().begin(), Files().end(),
+                       [&name](const std::string& file) { return fs::path(file).filename() == name; });
+}
+
+// From the root of the project, and neither what is built there nor a package; bare names are those of files with an
+// ending that no file of the instrument has.
+bool NamesAFile(const std::string& word) {
+    const std::size_t slash = word.find('/');
+    if (slash != std::string::npos) {
+        return slash > 0 && slash + 1 < word.size() &&
+               fs::is_directory(fs::path(SOURCE_FOLDER) / word.substr(0, slash)) && !word.starts_with("build/") &&
+               !word.ends_with(".deb");
+    }
+    const std::string ending = fs::path(word).extension();
+    return ending == ".cpp" || ending == ".h" || ending == ".md" || ending == ".txt";
+}
+
+Words CommandsOf(const std::string& program) {
+    Words commands;
+    for (const std::string& document : Documents()) {
+        for (const std::string& code : CodeOf(ReadFile(fs::path(SOURCE_FOLDER) / document))) {
+            for (std::size_t at = code.find(program); at != std::string::npos; at = code.find(program, at + 1)) {
+                commands.push_back(code.substr(at + program.size()));
+            }
+        }
+    }
+    return commands;
+}
+
+}  // namespace
+
+TEST(Documents, name_files_that_there_are) {
+    std::size_t seen = 0;
+    for (const std::string& document : Documents()) {
+        for (const std::string& code : CodeOf(ReadFile(fs::path(SOURCE_FOLDER) / document))) {
+            for (const std::string& word : WordsOf(code)) {
+                if (IsPattern(word) || !NamesAFile(word)) {
+                    continue;
+                }
+                EXPECT_TRUE(word.find('/') == std::string::npos ? IsNameOfAFile(word) : IsThere(word))
+                    << document << ": " << word;
+                ++seen;
+            }
+        }
+    }
+    EXPECT_GT(seen, 80U);
+}
+
+TEST(Documents, link_to_what_there_is) {
+    std::size_t seen = 0;
+    for (const std::string& document : Documents()) {
+        for (const std::string& link : Between(ReadFile(fs::path(SOURCE_FOLDER) / document), "](", ")")) {
+            const fs::path target = fs::path(SOURCE_FOLDER) / fs::path(document).parent_path() / link;
+            EXPECT_TRUE(link.starts_with("http") || fs::exists(target)) << document << ": " << link;
+            ++seen;
+        }
+    }
+    EXPECT_GE(seen, 8U);
+}
+
+TEST(Documents, tell_of_runs_with_the_options_and_faults_that_there_are) {
+    const std::string options = ReadFile(SOURCE_FOLDER "/Bench/Console/Options.cpp");
+    const std::string faults = ReadFile(SOURCE_FOLDER "/Bench/Board/BoardFaults.cpp");
+    std::size_t seen = 0;
+    for (const std::string& command : CommandsOf("./run ")) {
+        const Words words = WordsOf(command);
+        for (std::size_t at = 0; at < words.size(); ++at) {
+            if (words[at].starts_with("--")) {
+                EXPECT_NE(options.find('"' + words[at] + '"'), std::string::npos) << command;
+                ++seen;
+            }
+            if (words[at] == "--fault" && at + 1 < words.size() && words[at + 1] != "list") {
+                const std::string name = words[at + 1].substr(0, words[at + 1].find_first_of("=@["));
+                EXPECT_NE(faults.find("\"" + name + "\""), std::string::npos) << command;
+            }
+        }
+    }
+    EXPECT_GT(seen, 20U);
+}
+
+TEST(Documents, tell_of_the_stages_that_there_are) {
+    const std::string script = ReadFile(SOURCE_FOLDER "/test");
+    const std::size_t start = script.find("\nall=(") + 6;
+    const Words stages = WordsOf(script.substr(start, script.find(')', start) - start));
+    ASSERT_GE(stages.size(), 6U);
+    std::size_t seen = 0;
+    for (const std::string& command : CommandsOf("./test ")) {
+        const Words words = WordsOf(command);
+        if (!words.empty()) {
+            EXPECT_NE(std::find(stages.begin(), stages.end(), words[0]), stages.end()) << command;
+            ++seen;
+        }
+    }
+    EXPECT_GT(seen, 3U);
+}
