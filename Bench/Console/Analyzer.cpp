@@ -66,9 +66,15 @@ std::vector<std::string> MakeEnvironment(const std::string& library, const std::
     _exit(StartFailure);
 }
 
+// Lists a process's children, the eldest first.
+std::string ChildrenOf(pid_t process) {
+    const std::string number = std::to_string(process);
+    return "/proc/" + number + "/task/" + number + "/children";
+}
+
 // Whatever is left of the program: its process group, and orphans of it that have come to the keeper.
 void EndAll(pid_t program) {
-    const std::string children = "/proc/self/task/" + std::to_string(getpid()) + "/children";
+    const std::string children = ChildrenOf(getpid());
     kill(-program, SIGKILL);
     pid_t ended = 0;
     while ((ended = waitpid(-1, nullptr, WNOHANG)) >= 0) {
@@ -132,6 +138,7 @@ bool Analyzer::Start(const std::string& program, const std::string& library, con
                      const std::string& output, std::string& error) {
     const Launch launch{program, output, MakeEnvironment(library, bench)};
     const pid_t self = getpid();
+    m_endCode = -1;
     m_keeper = fork();
     if (m_keeper < 0) {
         error = std::string("can't start a process: ") + std::strerror(errno);
@@ -150,6 +157,7 @@ bool Analyzer::HasEnded(std::string& reason) {
     }
     m_keeper = -1;
     const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    m_endCode = code;
     if (code == StartFailure) {
         reason = "the analyzer could not be started";
     } else if (code > 128 && code < 128 + NSIG) {
@@ -158,6 +166,11 @@ bool Analyzer::HasEnded(std::string& reason) {
         reason = "the analyzer ended with status " + std::to_string(code);
     }
     return true;
+}
+
+pid_t Analyzer::Program() const {
+    pid_t program = -1;
+    return m_keeper >= 0 && std::ifstream(ChildrenOf(m_keeper)) >> program ? program : -1;
 }
 
 void Analyzer::Stop() {

@@ -23,11 +23,18 @@ public:
     // True once it has ended by itself; then `reason` says how.
     bool HasEnded(std::string& reason);
 
+    // As a shell tells its end: the exit status, or 128 and the signal; -1 as long as it hasn't ended by itself.
+    int EndCode() const { return m_endCode; }
+
+    // The program's own process; -1 where there is none.
+    pid_t Program() const;
+
     // Ends it and returns when nothing of it is left.
     void Stop();
 
 private:
     pid_t m_keeper = -1;
+    int m_endCode = -1;
 };
 
 }  // namespace Bench

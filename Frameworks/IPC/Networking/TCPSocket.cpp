@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <memory>
 
 #include "Frameworks/IPC/Networking/HostInfo.h"
 #include "Frameworks/IPC/Networking/NetworkLog.h"
@@ -54,16 +55,16 @@ std::unique_ptr<CommunicationsCommand> TCPSocket::RecieveCommand() {
 }
 
 std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length) {
-    std::vector<std::uint8_t> bytes(std::size_t{length} + PayloadContainer::CRCSize);
-    const ssize_t received = recv(NumberOf(Hold()), bytes.data(), bytes.size(), 0);
+    // The length is the other side's word: what doesn't come is never touched, so that it takes no memory.
+    const std::size_t size = std::size_t{length} + PayloadContainer::CRCSize;
+    const auto bytes = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+    const ssize_t received = recv(NumberOf(Hold()), bytes.get(), size, 0);
     if (received == -1) {
         LogNetworkError("TCPSocket::RecievePayload  Error in receiving payload information");
         return nullptr;
     }
-    bytes.resize(static_cast<std::size_t>(received));
-    bytes.shrink_to_fit();
     auto payload = std::make_unique<PayloadContainer>(length);
-    payload->SetReceived(std::move(bytes));
+    payload->SetReceived({bytes.get(), bytes.get() + received});
     return payload;
 }
 

@@ -1,0 +1,69 @@
+#include "Bench/Endurance/Subject.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+namespace Bench {
+
+bool Subject::Prepare(const SubjectPlaces& places, const BoardSetup& setup, const SettingList& settings,
+                      std::string& error) {
+    m_places = places;
+    if (!ReadAnalyzerSettings(places.configuration, m_settings, error)) {
+        return false;
+    }
+    for (const auto& [name, value] : settings) {
+        if (!SetSetting(m_settings.text, name, value)) {
+            error = "the configuration gives no " + name;
+            return false;
+        }
+    }
+    if (!m_folder.Take(places.bench, error) || !m_folder.Furnish(m_settings.text, places.clips, error)) {
+        return false;
+    }
+    m_board = Board::Create(m_folder.Path(), setup, error);
+    if (m_board == nullptr || !MakePeers(error)) {
+        return false;
+    }
+    InstrumentSettings instrument = m_board->Settings();
+    instrument.cellConstant = m_settings.cellConstant;
+    m_board->SetSettings(instrument);
+    return true;
+}
+
+bool Subject::MakePeers(std::string& error) {
+    m_frontEnd = FrontEnd::Listen(0, error);
+    m_station = TestServer::Listen(0, error);
+    return m_frontEnd != nullptr && m_station != nullptr && m_board->MapPort(FrontEnd::UsualPort, m_frontEnd->Port()) &&
+           m_board->MapPort(m_settings.testServerPort, m_station->Port());
+}
+
+bool Subject::Start(std::string& error) {
+    // On the instrument's 32 bits a block of 512 KiB or more always comes from the kernel and goes back to it. With 64
+    // bits the limit would rise to 32 MiB with the first such block, and each arena would keep as much.
+    setenv("GLIBC_TUNABLES", "glibc.malloc.mmap_threshold=524288", 1);
+    return m_analyzer.Start(m_places.program, m_places.library, m_folder.Path(), Output(), error);
+}
+
+bool Subject::Restart(std::string& error) {
+    m_analyzer.Stop();
+    return Start(error);
+}
+
+Subject::End Subject::HasEnded(std::string& reason) {
+    if (!m_analyzer.HasEnded(reason)) {
+        return End::Runs;
+    }
+    return m_analyzer.EndCode() == 128 + SIGPIPE ? End::BrokenPipe : End::Other;
+}
+
+void Subject::CutTexts(std::uintmax_t limit) const {
+    for (const std::string& file : {Output(), Log()}) {
+        std::error_code problem;
+        if (std::filesystem::file_size(file, problem) > limit && !problem) {
+            std::filesystem::resize_file(file, 0, problem);
+        }
+    }
+}
+
+}  // namespace Bench
