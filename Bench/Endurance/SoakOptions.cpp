@@ -67,7 +67,8 @@ bool ReadSoakOptions(const std::vector<std::string>& arguments, SoakOptions& opt
         }
         const std::string value = i + 1 < arguments.size() ? arguments[++i] : "";
         if (!row->take(options, value)) {
-            error = name + " does not take \"" + value + "\", but " + row->wants;
+            error = name;
+            error.append(" does not take \"").append(value).append("\", but ").append(row->wants);
             return false;
         }
     }
