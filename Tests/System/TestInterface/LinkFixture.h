@@ -7,10 +7,19 @@
 
 class LinkOnBoard : public SystemOnBoard {
 protected:
-    LinkOnBoard() : SystemOnBoard(50.0) { EXPECT_TRUE(Board().MapPort(1200, listener.Port())); }
+    LinkOnBoard() : SystemOnBoard(50.0) {
+        EXPECT_TRUE(Board().MapPort(1200, listener.Port()));
+        EXPECT_TRUE(Board().MapPort(3111, frontEnd.Port()));
+    }
 
-    // Everyone idle, and the front end's link has set the name of the interface, which all links share: from then on the
-    // one of the test link stands.
+    ~LinkOnBoard() override {  // a frame to a front end that has gone would end this process
+        if (system != nullptr) {
+            Reset();
+        }
+    }
+
+    // Everyone idle, and the front end's link has set the name of the interface, which all links share: from then on
+    // the one of the test link stands.
     void StartIdle() {
         TCPClient::SetInterfaceName("nobody's");
         Start();
@@ -64,6 +73,7 @@ protected:
     }
 
     RawListener listener;
+    RawListener frontEnd;  // it lets the other link connect, so that this one alone complains
 
 private:
     int m_marks = 0;

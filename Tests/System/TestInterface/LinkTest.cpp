@@ -15,14 +15,6 @@ constexpr char InTest[] = "Changing to TEST_STATE State for - TestInterface";
 
 class TestLink : public LinkOnBoard {
 protected:
-    // The front end's link, which tells in the same words, has given up.
-    void StartWithoutFrontEnd() {
-        StartIdle();
-        WaitFor(NotConnected, 10);
-        Settle();
-        Board().ClearLog();
-    }
-
     static bool Answers(const RawConnection& peer) { return BehindStamp(Ask(peer, Frame(840))) == Text("TEST_STATE"); }
 };
 
@@ -34,7 +26,7 @@ TEST_F(TestLink, is_made_in_the_test_state) {
 }
 
 TEST_F(TestLink, is_not_made_before_it) {
-    StartWithoutFrontEnd();
+    StartIdle();
     Send(MOVE_TO_RUNNING);
     EXPECT_TRUE(WaitForState(TEST_INTERFACE, RUNNING_STATE));
     EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), 0);
@@ -111,7 +103,7 @@ TEST_F(TestLink, that_broke_is_made_again) {
 
 TEST_F(TestLink, is_tried_again_and_again_while_nobody_listens) {
     Board().UnmapPort(1200);
-    StartWithoutFrontEnd();
+    StartIdle();
     const double start = Board().Seconds();
     Send(MOVE_TO_TEST);
     WaitFor(NotConnected, 3);
@@ -122,7 +114,7 @@ TEST_F(TestLink, is_tried_again_and_again_while_nobody_listens) {
 TEST_F(TestLink, is_tried_as_often_as_the_settings_say_before_it_starts_anew) {
     Board().UnmapPort(1200);
     configuration.Set("ConnectionRetryCount", "3").Set("ConnectionRetryWaitPeriod", "5");
-    StartWithoutFrontEnd();
+    StartIdle();
     Send(MOVE_TO_TEST);
     WaitFor(Exiting);
     const std::vector<std::string> lines = Lines();
@@ -135,7 +127,7 @@ TEST_F(TestLink, is_tried_as_often_as_the_settings_say_before_it_starts_anew) {
 // No pause where neither attempts nor a wait are asked for: the receiver ends and is made anew at once.
 TEST_F(TestLink, without_attempts_starts_anew_without_pause) {
     configuration.Set("ConnectionRetryCount", "0");
-    StartWithoutFrontEnd();
+    StartIdle();
     Send(MOVE_TO_TEST);
     WaitFor(Exiting, 20);
     EXPECT_EQ(CountOf(NotConnected), 0);
