@@ -74,10 +74,12 @@ Words CodeOf(const std::string& document) {
     return code;
 }
 
+// Without the punctuation of the sentence around them.
 Words WordsOf(const std::string& text) {
     std::istringstream stream(text);
     Words words;
     for (std::string word; stream >> word;) {
+        word.erase(word.find_last_not_of(",;:") + 1);
         words.push_back(word);
     }
     return words;
