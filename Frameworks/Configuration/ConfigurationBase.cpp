@@ -16,7 +16,7 @@ constexpr const char* SectionFailedText = "\"";
 struct ItemAttribute {
     const char* name;
     StdString (ItemInfoElement::*get)() const;
-    void (ItemInfoElement::*set)(const StdString&);
+    void (ItemInfoElement::*set)(StdString);
 };
 
 constexpr ItemAttribute ReadOrder[] = {

@@ -10,8 +10,8 @@ bool ItemInfoContainer::AddItemByValue(std::unique_ptr<ItemInfoElement>&& elemen
     return element != nullptr && Add(element->GetValue(), std::move(element));
 }
 
-bool ItemInfoContainer::Add(const StdString& key, std::unique_ptr<ItemInfoElement>&& element) {
-    return m_items.try_emplace(key, std::move(element)).second;
+bool ItemInfoContainer::Add(StdString key, std::unique_ptr<ItemInfoElement>&& element) {
+    return m_items.try_emplace(std::move(key), std::move(element)).second;
 }
 
 ItemInfoElement* ItemInfoContainer::GetItem(const StdString& key) const {

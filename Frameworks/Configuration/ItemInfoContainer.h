@@ -31,7 +31,7 @@ public:
     void Clear() { m_items.clear(); }
 
 private:
-    bool Add(const StdString& key, std::unique_ptr<ItemInfoElement>&& element);
+    bool Add(StdString key, std::unique_ptr<ItemInfoElement>&& element);
 
     StdString m_place = "settings";
     std::map<StdString, std::unique_ptr<ItemInfoElement>> m_items;

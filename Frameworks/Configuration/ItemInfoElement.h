@@ -1,6 +1,8 @@
 // One INFO_ITEM of a settings file: five texts. One thread at a time; any number may read.
 #pragma once
 
+#include <utility>
+
 #include "Frameworks/Utilities/StdString.h"
 
 class ItemInfoElement {
@@ -13,11 +15,11 @@ public:
     StdString GetUnitOfMeasure() const { return m_unitOfMeasure; }
     StdString GetValue() const { return m_value; }
 
-    void SetDescription(const StdString& description) { m_description = description; }
-    void SetName(const StdString& name) { m_name = name; }
-    void SetType(const StdString& type) { m_type = type; }
-    void SetUnitOfMeasure(const StdString& unitOfMeasure) { m_unitOfMeasure = unitOfMeasure; }
-    void SetValue(const StdString& value) { m_value = value; }
+    void SetDescription(StdString description) { m_description = std::move(description); }
+    void SetName(StdString name) { m_name = std::move(name); }
+    void SetType(StdString type) { m_type = std::move(type); }
+    void SetUnitOfMeasure(StdString unitOfMeasure) { m_unitOfMeasure = std::move(unitOfMeasure); }
+    void SetValue(StdString value) { m_value = std::move(value); }
 
 private:
     StdString m_description;    // for people

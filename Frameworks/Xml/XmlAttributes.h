@@ -2,6 +2,7 @@
 // at any of its offsets leaves the rest of the tag to be read as before.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -16,6 +17,7 @@ struct XmlAttribute {
 
 class XmlAttributes {
 public:
+    XmlAttributes() = default;
     // `tag` from the "<" to the ">"; the walk starts at `offset`, behind the name.
     XmlAttributes(std::string_view tag, std::size_t offset);
 
@@ -23,13 +25,36 @@ public:
     bool Next(XmlAttribute& attribute);
 
 private:
-    void SkipWhiteSpace();
-    void SkipUnit();  // a byte, or a quoted run
+    void TakeValue(const char* start, XmlAttribute& attribute);
 
-    std::string_view m_tag;
-    std::size_t m_offset;
-    std::size_t m_end;  // of the attributes: at the ">" or "/>" or "?>"
+    const char* m_tag = nullptr;
+    const char* m_at = nullptr;
+    const char* m_end = nullptr;  // of the attributes: at the ">" or "/>" or "?>"
 };
 
 // True and the attribute, if the tag has one of that name. `nameEnd` is the offset behind the tag's own name.
 bool FindXmlAttribute(std::string_view tag, std::size_t nameEnd, std::string_view name, XmlAttribute& attribute);
+
+// The same for a reader that asks for one attribute of a tag after the other: the tag is walked once for all of them.
+class XmlAttributeFinder {
+public:
+    // What it keeps points into `tag`.
+    void Start(std::string_view tag, std::size_t nameEnd);
+
+    // Of the first attribute of that name; empty if there is none.
+    std::string_view ValueOf(std::string_view name);
+
+private:
+    static constexpr std::size_t Most = 8;  // what a tag has beyond these is walked each time
+
+    struct Known {
+        std::string_view name;
+        std::string_view value;
+    };
+
+    std::string_view WalkFor(std::string_view name);
+
+    XmlAttributes m_rest;  // behind the known
+    std::array<Known, Most> m_known{};
+    std::size_t m_count = 0;
+};

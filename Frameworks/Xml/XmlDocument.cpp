@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "Frameworks/Xml/XmlAttributes.h"
+#include "Frameworks/Xml/XmlBytes.h"
 #include "Frameworks/Xml/XmlEntities.h"
 #include "Frameworks/Xml/XmlParser.h"
 #include "Frameworks/Xml/XmlReport.h"
@@ -51,6 +52,7 @@ bool XmlDocument::Save(const char* path) {
 
 bool XmlDocument::Parse() {
     ResetPosition();
+    m_attributesOf = 0;
     m_index.Reset(m_text.size() / BytesPerRecord + SpareRecords);
     if (!m_text.empty()) {
         XmlParser(m_text, m_index, m_result).Run();
@@ -115,23 +117,25 @@ std::string_view XmlDocument::StartTag(std::uint32_t index) const {
 }
 
 std::string_view XmlDocument::NameAt(std::uint32_t index) const {
-    std::size_t end = m_index.At(index).start + std::size_t{1};
-    while (!EndsXmlName(m_text[end])) {
+    const char* const name = m_text.data() + m_index.At(index).start + 1;
+    const char* end = name;
+    while (!EndsXmlName(*end)) {
         ++end;
     }
-    const std::size_t start = m_index.At(index).start + std::size_t{1};
-    return std::string_view(m_text).substr(start, end - start);
+    return {name, static_cast<std::size_t>(end - name)};
 }
 
 std::string XmlDocument::GetTagName() const { return m_main == 0 ? std::string() : std::string(NameAt(m_main)); }
 
 std::string XmlDocument::GetAttribute(const char* name) const {
-    XmlAttribute attribute;
-    if (m_main == 0 || name == nullptr ||
-        !FindXmlAttribute(StartTag(m_main), 1 + NameAt(m_main).size(), name, attribute)) {
+    if (m_main == 0 || name == nullptr) {
         return {};
     }
-    return DecodeXml(attribute.value);
+    if (m_attributesOf != m_main) {
+        m_attributes.Start(StartTag(m_main), 1 + NameAt(m_main).size());
+        m_attributesOf = m_main;
+    }
+    return DecodeXml(m_attributes.ValueOf(name));
 }
 
 std::string XmlDocument::GetData() const {

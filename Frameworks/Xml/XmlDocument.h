@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "Frameworks/Xml/XmlAttributes.h"
 #include "Frameworks/Xml/XmlFile.h"
 #include "Frameworks/Xml/XmlIndex.h"
 
@@ -91,4 +92,7 @@ private:
     std::uint32_t m_child = 0;  // remembered child of the main element
     XmlFileForm m_form;         // of the file that was loaded
     XmlIndex m_index;
+    // The element whose attributes were last asked for, 0 if the text has changed since, and those attributes.
+    mutable std::uint32_t m_attributesOf = 0;
+    mutable XmlAttributeFinder m_attributes;
 };

@@ -2,9 +2,9 @@
 #include <algorithm>
 
 #include "Frameworks/Xml/XmlAttributes.h"
+#include "Frameworks/Xml/XmlBytes.h"
 #include "Frameworks/Xml/XmlDocument.h"
 #include "Frameworks/Xml/XmlEntities.h"
-#include "Frameworks/Xml/XmlScanner.h"
 
 namespace {
 
@@ -101,6 +101,7 @@ bool XmlDocument::Change(std::uint32_t enclosing, std::size_t offset, std::size_
     if (needed > m_text.capacity()) {
         m_text.reserve(needed + needed / 2 + SpliceReserve);
     }
+    m_attributesOf = 0;
     m_text.replace(offset, removed, text);
     if (text.size() != removed) {
         const std::int64_t change = static_cast<std::int64_t>(text.size()) - static_cast<std::int64_t>(removed);

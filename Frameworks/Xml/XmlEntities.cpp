@@ -83,9 +83,13 @@ std::string XmlCDataSection(std::string_view data) {
 }
 
 std::string DecodeXml(std::string_view text) {
+    std::size_t at = text.find('&');
+    if (at == std::string_view::npos) {
+        return std::string(text);
+    }
     std::string decoded;
     decoded.reserve(text.size());
-    for (std::size_t at = text.find('&'); at != std::string_view::npos; at = text.find('&')) {
+    for (; at != std::string_view::npos; at = text.find('&')) {
         decoded.append(text, 0, at);
         const std::string_view reach = text.substr(at + 1, EntityReach);
         const std::size_t length = reach.find(';');

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::size_t SampleSize = 1024;
-constexpr std::size_t PieceSize = 16384;
+constexpr std::size_t PieceSize = 32768;
 constexpr off64_t LargestReserve = 1 << 26;    // a larger file has to prove its size by its bytes
 constexpr std::size_t EditMargin = 1024;       // room for the first change of a text just read
 constexpr std::size_t ConversionMargin = 100;  // one byte more in so many, for the same purpose
@@ -102,8 +102,10 @@ bool FileReader::ReadBytes(std::FILE* file) {
         errno = EFBIG;
         return false;
     }
+    std::setvbuf(file, nullptr, _IONBF, 0);  // what is read in large pieces needs no buffer in between
     char piece[PieceSize];
-    std::size_t count = std::fread(piece, 1, SampleSize, file);
+    std::size_t wanted = SampleSize;
+    std::size_t count = std::fread(piece, 1, wanted, file);
     std::size_t skipped = RecogniseForm({piece, count});
     m_text.reserve(static_cast<std::size_t>(std::min(status.st_size, LargestReserve)) + EditMargin);
     while (count > 0) {
@@ -114,7 +116,9 @@ bool FileReader::ReadBytes(std::FILE* file) {
         }
         Append({piece + skipped, count - skipped});
         skipped = 0;
-        count = std::fread(piece, 1, PieceSize, file);
+        const bool isEnd = count < wanted;
+        wanted = PieceSize;
+        count = isEnd ? 0 : std::fread(piece, 1, wanted, file);
     }
     return std::ferror(file) == 0;
 }

@@ -12,8 +12,8 @@ constexpr std::uint32_t EndTagMask = (1U << (32 - StartTagBits)) - 1;
 
 void XmlIndex::Reset(std::size_t capacity) {
     Clear();
-    m_capacity = std::max<std::size_t>(capacity, 1);
-    MakeRoom(0);
+    m_capacity = std::max<std::size_t>(capacity, 2);
+    MakeRoom();
     At(0) = XmlRecord{};
 }
 
@@ -21,29 +21,28 @@ void XmlIndex::Clear() {
     m_segments.clear();
     m_longTags.clear();
     m_capacity = 0;
-    m_lastAllocated = 0;
+    m_allocated = 0;
     m_nextFree = 1;
     m_freed = 0;
 }
 
-void XmlIndex::MakeRoom(std::uint32_t index) {
-    const std::size_t segment = index >> SegmentShift;
-    const std::size_t within = index & SegmentMask;
-    if (segment < m_segments.size() && within < m_lastAllocated) {
-        return;
+// A segment takes its whole size only when its first part is full: most of the last one would never be used.
+void XmlIndex::MakeRoom() {
+    if (m_nextFree >= m_capacity) {
+        m_capacity = std::max<std::size_t>(std::size_t{m_nextFree} + 1, std::size_t{m_nextFree} * 3 / 2);
     }
-    if (index >= m_capacity) {
-        m_capacity = std::max<std::size_t>(std::size_t{index} + 1, std::size_t{m_nextFree} * 3 / 2);
-    }
-    const std::size_t allocated = std::min<std::size_t>(SegmentRecords, m_capacity - segment * SegmentRecords);
-    auto records = std::make_unique_for_overwrite<XmlRecord[]>(allocated);
-    if (segment < m_segments.size()) {
-        std::copy_n(m_segments[segment].get(), within, records.get());
-        m_segments[segment] = std::move(records);
-    } else {
+    const std::size_t used = m_allocated & SegmentMask;
+    const std::size_t before = m_allocated - used;
+    const std::size_t wanted = std::min<std::size_t>(SegmentRecords, m_capacity - before);
+    const std::size_t size = used == 0 ? std::min<std::size_t>(FirstPart, wanted) : wanted;
+    auto records = std::make_unique_for_overwrite<XmlRecord[]>(size);
+    if (used == 0) {
         m_segments.push_back(std::move(records));
+    } else {
+        std::copy_n(m_segments.back().get(), used, records.get());
+        m_segments.back() = std::move(records);
     }
-    m_lastAllocated = allocated;
+    m_allocated = before + size;
 }
 
 std::uint32_t XmlIndex::Take(std::uint32_t start, std::uint32_t length) {
@@ -51,10 +50,35 @@ std::uint32_t XmlIndex::Take(std::uint32_t start, std::uint32_t length) {
     if (index != 0) {
         m_freed = At(index).nextSibling;
     } else {
-        MakeRoom(m_nextFree);
+        if (m_nextFree == m_allocated) {
+            MakeRoom();
+        }
         index = m_nextFree++;
     }
     At(index) = XmlRecord{start, length, 0, 0, 0, 0, 0, 0};
+    return index;
+}
+
+std::uint32_t XmlIndex::AddLast(std::uint32_t parent, std::uint32_t previous, std::uint32_t start,
+                                std::uint32_t startTag) {
+    if (m_nextFree == m_allocated) {
+        MakeRoom();
+    }
+    const std::uint32_t index = m_nextFree++;
+    XmlRecord& above = At(parent);
+    XmlRecord& record = At(index);
+    record = XmlRecord{start, startTag, startTag, DepthBelow(parent), parent, 0, 0, previous};
+    if (startTag >= StartTagMask) {
+        SetTagLengths(index, startTag, 0);
+    }
+    if (previous == 0) {
+        record.flags |= FirstChildFlag;
+        record.previousSibling = index;
+        above.firstChild = index;
+    } else {
+        At(previous).nextSibling = index;
+        At(above.firstChild).previousSibling = index;
+    }
     return index;
 }
 
@@ -96,8 +120,6 @@ std::uint32_t XmlIndex::LastChild(std::uint32_t parent) const {
 std::uint32_t XmlIndex::DepthBelow(std::uint32_t parent) const {
     return std::min((At(parent).flags & DepthMask) + 1, DepthMask);
 }
-
-void XmlIndex::LinkLast(std::uint32_t parent, std::uint32_t index) { LinkBehind(parent, LastChild(parent), index); }
 
 void XmlIndex::LinkBehind(std::uint32_t parent, std::uint32_t previous, std::uint32_t index) {
     XmlRecord& above = At(parent);

@@ -55,8 +55,9 @@ public:
     // The sibling before it, 0 for the first child.
     std::uint32_t Previous(std::uint32_t index) const { return IsFirstChild(index) ? 0 : At(index).previousSibling; }
 
-    // As the last child.
-    void LinkLast(std::uint32_t parent, std::uint32_t index);
+    // For the parse: a record that was never used, behind `previous`, the last child of `parent` (0: there is none
+    // yet).
+    std::uint32_t AddLast(std::uint32_t parent, std::uint32_t previous, std::uint32_t start, std::uint32_t startTag);
     // Behind the sibling `previous`; 0 makes it the first child.
     void LinkBehind(std::uint32_t parent, std::uint32_t previous, std::uint32_t index);
     // Takes the record out of its parent's children and releases it with all that lies below it.
@@ -82,20 +83,21 @@ private:
     static constexpr unsigned SegmentShift = 16;
     static constexpr std::uint32_t SegmentRecords = 1U << SegmentShift;
     static constexpr std::uint32_t SegmentMask = SegmentRecords - 1;
+    static constexpr std::uint32_t FirstPart = SegmentRecords / 4;  // of a segment that has just been begun
 
     struct LongTags {
         std::uint32_t start;
         std::uint32_t end;
     };
 
-    void MakeRoom(std::uint32_t index);
+    void MakeRoom();
     void Release(std::uint32_t index);
     std::uint32_t NextInTree(std::uint32_t index) const;
     std::uint32_t DepthBelow(std::uint32_t parent) const;
 
     std::vector<std::unique_ptr<XmlRecord[]>> m_segments;
-    std::size_t m_capacity = 0;       // records that the parse expects
-    std::size_t m_lastAllocated = 0;  // records in the last segment
+    std::size_t m_capacity = 0;   // records that the parse expects
+    std::size_t m_allocated = 0;  // records that there is room for
     std::uint32_t m_nextFree = 1;
     std::uint32_t m_freed = 0;  // chain of released records through their next sibling
     std::map<std::uint32_t, LongTags> m_longTags;

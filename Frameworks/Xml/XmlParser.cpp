@@ -3,7 +3,7 @@
 #include "Frameworks/Xml/XmlReport.h"
 
 XmlParser::XmlParser(std::string_view text, XmlIndex& index, std::string& result)
-    : m_text(text), m_index(index), m_result(result) {}
+    : m_text(text), m_index(index), m_result(result), m_open(1) {}
 
 void XmlParser::Run() {
     XmlScanner scanner(m_text);
@@ -19,7 +19,7 @@ void XmlParser::Run() {
             break;
         }
     }
-    EndOpenElements(m_open.size(), static_cast<std::uint32_t>(m_text.size()));
+    EndOpenElements(OpenCount(), static_cast<std::uint32_t>(m_text.size()));
     if (m_hasLifted) {
         m_index.RenumberDepths();
     }
@@ -36,17 +36,16 @@ void XmlParser::Run() {
 }
 
 void XmlParser::AddElement(const XmlToken& token) {
-    const auto length = static_cast<std::uint32_t>(token.end - token.start);
-    const std::uint32_t index = m_index.Take(static_cast<std::uint32_t>(token.start), length);
-    m_index.SetTagLengths(index, length, 0);
-    m_index.LinkLast(Current(), index);
+    OpenElement& parent = m_open.back();
+    parent.lastChild = m_index.AddLast(parent.index, parent.lastChild, static_cast<std::uint32_t>(token.start),
+                                       static_cast<std::uint32_t>(token.end - token.start));
     if (!token.isEmptyElement) {
-        Push({index, static_cast<std::uint32_t>(token.name.size())});
+        Push({parent.lastChild, static_cast<std::uint32_t>(token.name.size()), 0});
     }
 }
 
 void XmlParser::CloseElement(const XmlToken& token) {
-    if (m_open.empty() || NameOf(m_open.back()) != token.name) {
+    if (OpenCount() == 0 || NameOf(m_open.back()) != token.name) {
         if (!IsOpen(token.name)) {
             NoteLoneEndTag(token);
             return;
@@ -80,6 +79,7 @@ void XmlParser::EndOpenElements(std::size_t count, std::uint32_t closedAt) {
         Pop();
     }
     m_index.Adopt(Current(), outermost);
+    m_open.back().lastChild = m_index.LastChild(Current());
     m_index.MarkIllFormed(Current());
     m_hasLifted = true;
 }
@@ -104,8 +104,8 @@ void XmlParser::NoteFault(const XmlToken& token) {
 bool XmlParser::IsOpen(std::string_view name) {
     if (!m_countsNames) {
         m_countsNames = true;
-        for (const OpenElement& element : m_open) {
-            ++m_openNames[NameOf(element)];
+        for (std::size_t at = 1; at < m_open.size(); ++at) {
+            ++m_openNames[NameOf(m_open[at])];
         }
     }
     return m_openNames.contains(name);

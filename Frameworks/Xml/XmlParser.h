@@ -23,6 +23,7 @@ private:
     struct OpenElement {
         std::uint32_t index;
         std::uint32_t nameLength;
+        std::uint32_t lastChild;  // so far, 0 for none
     };
 
     void AddElement(const XmlToken& token);
@@ -34,12 +35,13 @@ private:
     void Push(const OpenElement& element);
     void Pop();
     std::string_view NameOf(const OpenElement& element) const;
-    std::uint32_t Current() const { return m_open.empty() ? 0 : m_open.back().index; }
+    std::uint32_t Current() const { return m_open.back().index; }
+    std::size_t OpenCount() const { return m_open.size() - 1; }
 
     std::string_view m_text;
     XmlIndex& m_index;
     std::string& m_result;
-    std::vector<OpenElement> m_open;
+    std::vector<OpenElement> m_open;  // the first one is record 0, which no end tag closes
     // How often each name is open. It stays empty until an end tag first fails to match the innermost element: from
     // then on a look-up replaces the walk through all that is open.
     std::map<std::string_view, std::size_t> m_openNames;

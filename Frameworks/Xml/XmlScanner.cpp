@@ -1,47 +1,55 @@
 #include "Frameworks/Xml/XmlScanner.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
+
+#include "Frameworks/Xml/XmlBytes.h"
 
 namespace {
 
 constexpr std::size_t NotFound = std::string_view::npos;
 
-enum ByteClass : std::uint8_t { WHITE_SPACE_CLASS = 1, NAME_START_CLASS = 2, NAME_END_CLASS = 4, TAG_STOP_CLASS = 8 };
-
-constexpr std::array<std::uint8_t, 256> MakeByteClasses() {
-    std::array<std::uint8_t, 256> classes{};
-    for (const char byte : {'\t', '\n', '\r', ' '}) {
-        classes[static_cast<unsigned char>(byte)] = WHITE_SPACE_CLASS | NAME_END_CLASS;
+// The ">" that ends a tag, from `at` behind its name, by a step from quote to quote; `end` if there is none.
+const char* WalkToTagEnd(const char* at, const char* end) {
+    for (;;) {
+        at = std::find_if(at, end, StopsXmlTag);
+        if (at == end || *at == '>') {
+            return at;
+        }
+        at = FindXmlByte(at + 1, end, *at);
+        if (at == end) {
+            return end;
+        }
+        ++at;
     }
-    for (std::size_t byte = 'A'; byte <= 'Z'; ++byte) {
-        classes[byte] = NAME_START_CLASS;
-    }
-    // From the small letters up, which takes in every byte of a character beyond ASCII.
-    for (std::size_t byte = 'a'; byte < classes.size(); ++byte) {
-        classes[byte] = NAME_START_CLASS;
-    }
-    classes['_'] = NAME_START_CLASS;
-    classes[':'] = NAME_START_CLASS;
-    classes['/'] = NAME_END_CLASS;
-    classes['>'] = NAME_END_CLASS | TAG_STOP_CLASS;
-    classes['"'] = TAG_STOP_CLASS;
-    classes['\''] = TAG_STOP_CLASS;
-    return classes;
 }
 
-constexpr std::array<std::uint8_t, 256> ByteClasses = MakeByteClasses();
-
-bool Is(char byte, ByteClass byteClass) { return (ByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0; }
+// The same, sooner: the next ">" is it if the quotes in front of it come in pairs. Where apostrophes are among them, it
+// takes the walk to see which of the two stands within the other.
+const char* FindTagEnd(const char* at, const char* end) {
+    for (;;) {
+        const char* const close = FindXmlByte(at, end, '>');
+        std::uint8_t isQuoted = 0;
+        std::uint8_t hasApostrophe = 0;
+        for (const char* byte = at; byte != close; ++byte) {
+            isQuoted = static_cast<std::uint8_t>(isQuoted ^ (*byte == '"' ? 1 : 0));
+            hasApostrophe = static_cast<std::uint8_t>(hasApostrophe | (*byte == '\'' ? 1 : 0));
+        }
+        if (hasApostrophe != 0) {
+            return WalkToTagEnd(at, end);
+        }
+        if (isQuoted == 0 || close == end) {
+            return close;
+        }
+        at = FindXmlByte(close, end, '"');
+        if (at == end) {
+            return end;
+        }
+        ++at;
+    }
+}
 
 }  // namespace
-
-bool IsXmlWhiteSpace(char byte) { return Is(byte, WHITE_SPACE_CLASS); }
-
-bool IsXmlNameStart(char byte) { return Is(byte, NAME_START_CLASS); }
-
-bool EndsXmlName(char byte) { return Is(byte, NAME_END_CLASS); }
 
 const XmlToken& XmlScanner::Next() {
     m_token = XmlToken{};
@@ -102,31 +110,16 @@ void XmlScanner::ScanText() {
 
 void XmlScanner::ScanTag(XmlTokenKind kind, std::size_t nameStart) {
     const char* const end = m_text.data() + m_text.size();
-    const char* at = m_text.data() + nameStart;
-    while (at != end && !EndsXmlName(*at)) {
-        ++at;
+    const char* const name = m_text.data() + nameStart;
+    const char* const nameEnd = std::find_if(name, end, EndsXmlName);
+    const char* const close = FindTagEnd(nameEnd, end);
+    m_token.name = {name, static_cast<std::size_t>(nameEnd - name)};
+    if (close == end) {
+        CutOff(kind == XmlTokenKind::START_TAG_TOKEN ? "start_tag" : "end_tag");
+        return;
     }
-    m_token.name = m_text.substr(nameStart, static_cast<std::size_t>(at - m_text.data()) - nameStart);
-    for (;;) {
-        while (at != end && !Is(*at, TAG_STOP_CLASS)) {
-            ++at;
-        }
-        if (at == end) {
-            break;
-        }
-        if (*at == '>') {
-            m_token.isEmptyElement = kind == XmlTokenKind::START_TAG_TOKEN && at[-1] == '/';
-            Finish(kind, static_cast<std::size_t>(at - m_text.data()) + 1);
-            return;
-        }
-        const char quote = *at++;
-        at = std::find(at, end, quote);
-        if (at == end) {
-            break;
-        }
-        ++at;
-    }
-    CutOff(kind == XmlTokenKind::START_TAG_TOKEN ? "start_tag" : "end_tag");
+    m_token.isEmptyElement = kind == XmlTokenKind::START_TAG_TOKEN && close[-1] == '/';
+    Finish(kind, static_cast<std::size_t>(close - m_text.data()) + 1);
 }
 
 void XmlScanner::ScanUntil(XmlTokenKind kind, const char* type, std::size_t from, std::string_view terminator) {

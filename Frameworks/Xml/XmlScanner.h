@@ -30,11 +30,6 @@ struct XmlToken {
     const char* cutOff = nullptr;  // what kind of token the end of the text cut off
 };
 
-// By single bytes, whatever the encoding; any byte from 0x61 up may start a name.
-bool IsXmlWhiteSpace(char byte);
-bool IsXmlNameStart(char byte);
-bool EndsXmlName(char byte);  // white space, "/" and ">"
-
 class XmlScanner {
 public:
     explicit XmlScanner(std::string_view text, std::size_t offset = 0) : m_text(text), m_offset(offset) {}
