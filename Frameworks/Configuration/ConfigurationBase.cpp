@@ -16,23 +16,14 @@ constexpr const char* SectionFailedText = "\"";
 struct ItemAttribute {
     const char* name;
     StdString (ItemInfoElement::*get)() const;
-    void (ItemInfoElement::*set)(StdString);
-};
-
-constexpr ItemAttribute ReadOrder[] = {
-    {"name", &ItemInfoElement::GetName, &ItemInfoElement::SetName},
-    {"description", &ItemInfoElement::GetDescription, &ItemInfoElement::SetDescription},
-    {"type", &ItemInfoElement::GetType, &ItemInfoElement::SetType},
-    {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure, &ItemInfoElement::SetUnitOfMeasure},
-    {"value", &ItemInfoElement::GetValue, &ItemInfoElement::SetValue},
 };
 
 constexpr ItemAttribute WriteOrder[] = {
-    {"name", &ItemInfoElement::GetName, &ItemInfoElement::SetName},
-    {"type", &ItemInfoElement::GetType, &ItemInfoElement::SetType},
-    {"value", &ItemInfoElement::GetValue, &ItemInfoElement::SetValue},
-    {"description", &ItemInfoElement::GetDescription, &ItemInfoElement::SetDescription},
-    {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure, &ItemInfoElement::SetUnitOfMeasure},
+    {"name", &ItemInfoElement::GetName},
+    {"type", &ItemInfoElement::GetType},
+    {"value", &ItemInfoElement::GetValue},
+    {"description", &ItemInfoElement::GetDescription},
+    {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure},
 };
 
 void ReportError(const StdString& text) { Report(text, ERROR_LOG_LEVEL, SYSTEM_CONTROL); }
@@ -88,12 +79,15 @@ bool ConfigurationBase::ReadItems(const char* refusedText) {
 }
 
 int ConfigurationBase::AddItems(ItemInfoContainer& items, AddOperation add, const char* refusedText) {
+    XmlDocument& document = *GetDocument();
     int added = 0;
-    while (GetDocument()->FindElement(ItemName)) {
+    while (document.FindElement(ItemName)) {
         auto item = std::make_unique<ItemInfoElement>();
-        for (const ItemAttribute& attribute : ReadOrder) {
-            (item.get()->*attribute.set)(GetDocument()->GetAttribute(attribute.name));
-        }
+        item->SetName(document.GetAttribute("name"));
+        item->SetDescription(document.GetAttribute("description"));
+        item->SetType(document.GetAttribute("type"));
+        item->SetUnitOfMeasure(document.GetAttribute("unitOfMeasure"));
+        item->SetValue(document.GetAttribute("value"));
         if ((items.*add)(std::move(item))) {
             ++added;
         } else {

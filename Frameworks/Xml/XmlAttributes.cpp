@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Frameworks/Xml/XmlBytes.h"
+#include "Frameworks/Xml/XmlEntities.h"
 
 namespace {
 
@@ -24,6 +25,14 @@ const char* BehindUnit(const char* at, const char* end) {
     return close == end ? end : close + 1;
 }
 
+// Behind what separates attributes.
+const char* BehindGap(const char* at, const char* end) {
+    while (at != end && (IsXmlWhiteSpace(*at) || *at == '/')) {
+        ++at;
+    }
+    return at;
+}
+
 // A quoted run within it is a part of the name.
 const char* BehindName(const char* at, const char* end) {
     for (;;) {
@@ -39,6 +48,22 @@ const char* BehindName(const char* at, const char* end) {
 
 std::string_view Between(const char* start, const char* end) { return {start, static_cast<std::size_t>(end - start)}; }
 
+// `start` is in front of `end`.
+const char* BehindValue(const char* start, const char* end, std::string_view& value) {
+    if (IsQuote(*start)) {
+        // The quote may be missing in a processing instruction, whose end does not look at quotes.
+        const char* const close = FindXmlByte(start + 1, end, *start);
+        value = Between(start + 1, close);
+        return close == end ? end : close + 1;
+    }
+    const char* at = start;
+    while (at != end && !IsXmlWhiteSpace(*at)) {
+        at = BehindUnit(at, end);
+    }
+    value = Between(start, at);
+    return at;
+}
+
 }  // namespace
 
 XmlAttributes::XmlAttributes(std::string_view tag, std::size_t offset) : m_tag(tag.data()), m_at(m_tag + offset) {
@@ -47,46 +72,31 @@ XmlAttributes::XmlAttributes(std::string_view tag, std::size_t offset) : m_tag(t
     m_end = std::max(m_at, m_tag + (isClosed ? last - 1 : last));
 }
 
-void XmlAttributes::TakeValue(const char* start, XmlAttribute& attribute) {
-    if (IsQuote(*start)) {
-        // The quote may be missing in a processing instruction, whose end does not look at quotes.
-        const char* const close = FindXmlByte(start + 1, m_end, *start);
-        attribute.value = Between(start + 1, close);
-        m_at = close == m_end ? m_end : close + 1;
-        return;
-    }
-    m_at = start;
-    while (m_at != m_end && !IsXmlWhiteSpace(*m_at)) {
-        m_at = BehindUnit(m_at, m_end);
-    }
-    attribute.value = Between(start, m_at);
-}
-
 bool XmlAttributes::Next(XmlAttribute& attribute) {
-    while (m_at != m_end && (IsXmlWhiteSpace(*m_at) || *m_at == '/')) {
-        ++m_at;
-    }
-    if (m_at == m_end) {
+    const char* const end = m_end;
+    const char* at = BehindGap(m_at, end);
+    if (at == end) {
+        m_at = end;
         return false;
     }
-    const char* const nameEnd = BehindName(m_at, m_end);
-    attribute.name = Between(m_at, nameEnd);
+    const char* const nameEnd = BehindName(at, end);
+    attribute.name = Between(at, nameEnd);
     attribute.value = {};
-    m_at = BehindWhiteSpace(nameEnd, m_end);
-    attribute.hasEqualSign = m_at != m_end && *m_at == '=';
+    at = BehindWhiteSpace(nameEnd, end);
+    attribute.hasEqualSign = at != end && *at == '=';
     const char* valueStart = nameEnd;
     const char* valueEnd = nameEnd;
     if (attribute.hasEqualSign) {
-        valueStart = valueEnd = m_at + 1;
-        m_at = BehindWhiteSpace(m_at + 1, m_end);
-        if (m_at != m_end) {
-            valueStart = m_at;
-            TakeValue(valueStart, attribute);
-            valueEnd = m_at;
+        valueStart = valueEnd = at + 1;
+        at = BehindWhiteSpace(valueStart, end);
+        if (at != end) {
+            valueStart = at;
+            at = valueEnd = BehindValue(valueStart, end, attribute.value);
         }
     }
     attribute.valueStart = static_cast<std::size_t>(valueStart - m_tag);
     attribute.valueEnd = static_cast<std::size_t>(valueEnd - m_tag);
+    m_at = at;
     return true;
 }
 
@@ -101,27 +111,27 @@ bool FindXmlAttribute(std::string_view tag, std::size_t nameEnd, std::string_vie
 }
 
 void XmlAttributeFinder::Start(std::string_view tag, std::size_t nameEnd) {
+    m_hasEntities = tag.find('&', nameEnd) != std::string_view::npos;
     m_rest = XmlAttributes(tag, nameEnd);
     m_count = 0;
+    XmlAttribute attribute;
+    while (m_count < Most && m_rest.Next(attribute)) {
+        m_known[m_count++] = {attribute.name, attribute.value};
+    }
 }
 
-std::string_view XmlAttributeFinder::ValueOf(std::string_view name) {
+std::string XmlAttributeFinder::ValueOf(std::string_view name) const {
+    const std::string_view text = TextOf(name);
+    return m_hasEntities ? DecodeXml(text) : std::string(text);
+}
+
+std::string_view XmlAttributeFinder::TextOf(std::string_view name) const {
     for (std::size_t at = 0; at < m_count; ++at) {
         if (m_known[at].name == name) {
             return m_known[at].value;
         }
     }
-    return WalkFor(name);
-}
-
-std::string_view XmlAttributeFinder::WalkFor(std::string_view name) {
     XmlAttribute attribute;
-    while (m_count < Most && m_rest.Next(attribute)) {
-        m_known[m_count++] = {attribute.name, attribute.value};
-        if (attribute.name == name) {
-            return attribute.value;
-        }
-    }
     for (XmlAttributes unknown = m_rest; unknown.Next(attribute);) {
         if (attribute.name == name) {
             return attribute.value;

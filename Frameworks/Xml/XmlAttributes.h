@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 // Views into the tag.
@@ -25,8 +26,6 @@ public:
     bool Next(XmlAttribute& attribute);
 
 private:
-    void TakeValue(const char* start, XmlAttribute& attribute);
-
     const char* m_tag = nullptr;
     const char* m_at = nullptr;
     const char* m_end = nullptr;  // of the attributes: at the ">" or "/>" or "?>"
@@ -41,8 +40,8 @@ public:
     // What it keeps points into `tag`.
     void Start(std::string_view tag, std::size_t nameEnd);
 
-    // Of the first attribute of that name; empty if there is none.
-    std::string_view ValueOf(std::string_view name);
+    // Of the first attribute of that name, with its entities decoded; empty if there is none.
+    std::string ValueOf(std::string_view name) const;
 
 private:
     static constexpr std::size_t Most = 8;  // what a tag has beyond these is walked each time
@@ -52,9 +51,10 @@ private:
         std::string_view value;
     };
 
-    std::string_view WalkFor(std::string_view name);
+    std::string_view TextOf(std::string_view name) const;
 
-    XmlAttributes m_rest;  // behind the known
     std::array<Known, Most> m_known{};
     std::size_t m_count = 0;
+    XmlAttributes m_rest;  // behind the known
+    bool m_hasEntities = false;
 };

@@ -135,7 +135,7 @@ std::string XmlDocument::GetAttribute(const char* name) const {
         m_attributes.Start(StartTag(m_main), 1 + NameAt(m_main).size());
         m_attributesOf = m_main;
     }
-    return DecodeXml(m_attributes.ValueOf(name));
+    return m_attributes.ValueOf(name);
 }
 
 std::string XmlDocument::GetData() const {

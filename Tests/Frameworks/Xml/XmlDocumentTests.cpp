@@ -163,6 +163,38 @@ TEST(XmlDocument, attributes_are_read_in_every_form_they_are_written_in) {
     EXPECT_EQ(document.GetAttribute(nullptr), "");
 }
 
+TEST(XmlDocument, every_one_of_many_attributes_is_read_in_any_order) {
+    XmlDocument document;
+    document.SetDocumentText(
+        "<a n1='1' n2='2' n3='3' n4='4' n5='5' n6='6' n7='7' n8='8' n9='9' n10='&lt;' n2='later'/>");
+    document.FindElement();
+    EXPECT_EQ(document.GetAttribute("n10"), "<");
+    EXPECT_EQ(document.GetAttribute("n8"), "8");
+    EXPECT_EQ(document.GetAttribute("n9"), "9");
+    EXPECT_EQ(document.GetAttribute("n2"), "2");
+    EXPECT_EQ(document.GetAttribute("n11"), "");
+}
+
+TEST(XmlDocument, what_is_read_after_a_change_is_what_was_written) {
+    XmlDocument document;
+    document.SetDocumentText("<r><a x=\"1\" y=\"2\"/></r>");
+    document.FindElement("r");
+    document.IntoElement();
+    document.FindElement("a");
+    EXPECT_EQ(document.GetAttribute("y"), "2");
+    document.SetAttribute("x", "a longer text than before");
+    EXPECT_EQ(document.GetAttribute("y"), "2");
+    EXPECT_EQ(document.GetAttribute("x"), "a longer text than before");
+    document.RemoveElement();
+    document.AddElement("b");
+    EXPECT_EQ(document.GetAttribute("x"), "");
+    document.SetDocumentText("<r><c x=\"3\"/></r>");
+    document.FindElement("r");
+    document.IntoElement();
+    document.FindElement("c");
+    EXPECT_EQ(document.GetAttribute("x"), "3");
+}
+
 TEST(XmlDocument, a_quote_in_an_attribute_value_comes_back) {
     XmlDocument document;
     document.SetDocumentText("<a/>");

@@ -198,6 +198,10 @@ TEST(XmlParse, the_tag_name_ends_at_white_space_slash_or_bracket) {
 
 TEST(XmlParse, a_quoted_slash_does_not_empty_an_element) { EXPECT_EQ(TreeOf("<r><a b=\"/\"><c/></a></r>"), "r(a(c))"); }
 
+TEST(XmlParse, a_bracket_or_the_other_quote_within_quotes_does_not_end_a_tag) {
+    EXPECT_EQ(TreeOf("<r><a b=\"x>y>\" c=\">\"/><b d='>\"' e=\"it's >\"/><c f='\">'/></r>"), "r(a b c)");
+}
+
 TEST(XmlParse, reports_end_when_there_are_over_999_characters_of_them) {
     std::string text = "<r>";
     for (int count = 0; count < 1000; ++count) {
