@@ -14,6 +14,7 @@ enum XmlByteClass : std::uint8_t {
     XML_ATTRIBUTE_NAME_STOP = 16  // white space, "=" and quotes
 };
 
+// For each byte the classes that it is in.
 constexpr std::array<std::uint8_t, 256> MakeXmlByteClasses() {
     std::array<std::uint8_t, 256> classes{};
     for (const char byte : {'\t', '\n', '\r', ' '}) {
@@ -36,8 +37,10 @@ constexpr std::array<std::uint8_t, 256> MakeXmlByteClasses() {
     return classes;
 }
 
+// The same, made when the program is built.
 inline constexpr std::array<std::uint8_t, 256> XmlByteClasses = MakeXmlByteClasses();
 
+// Whether the byte is in that class.
 inline bool IsXmlByte(char byte, XmlByteClass byteClass) {
     return (XmlByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0;
 }
