@@ -18,7 +18,7 @@ const StdString& TimeInfo::DefaultFormat() {
     return format;
 }
 
-TimeInfo::TimeInfo() : m_format(DefaultFormat()) { ResetTime(); }
+TimeInfo::TimeInfo() { ResetTime(); }
 
 TimeInfo::TimeInfo(std::uint32_t milliseconds) : TimeInfo() { AddMilliSeconds(milliseconds); }
 
@@ -77,12 +77,12 @@ StdString TimeInfo::GetTimeString(unsigned digits) const {
     char buffer[sizeof TimeSample] = "";
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    if (std::strftime(buffer, sizeof buffer, m_format.CString(), &local) == 0) {
+    if (std::strftime(buffer, sizeof buffer, Format().CString(), &local) == 0) {
         Report("TimeInfo::GetTimeString  Unable to get formatted time string", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
     }
 #pragma GCC diagnostic pop
     StdString text(buffer);
-    if (digits == 0 || !(m_format == DefaultFormat() || m_format.Right(2) == "%S")) {
+    if (digits == 0 || !(Format() == DefaultFormat() || Format().Right(2) == "%S")) {
         return text;
     }
     StdString fraction;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <memory>
 
 #include "Frameworks/Utilities/StdString.h"
 
@@ -39,8 +40,8 @@ public:
     std::int32_t GetNanoSeconds() const { return m_nanoSeconds; }
     timespec GetTimespec() const;  // both numbers as they are
 
-    void SetFormat(const StdString& format) { m_format = format; }
-    void SetDefaultFormat() { m_format = DefaultFormat(); }
+    void SetFormat(const StdString& format) { m_format = std::make_shared<const StdString>(format); }
+    void SetDefaultFormat() { m_format.reset(); }
 
     // Local time by the format; empty where it can't be told. The default format, and any that ends in "%S", is
     // followed by
@@ -53,7 +54,10 @@ public:
     double GetXcelTime() const;
 
 private:
-    StdString m_format;
+    const StdString& Format() const { return m_format == nullptr ? DefaultFormat() : *m_format; }
+
+    // Null: the default one. Copies share it; there are many of them, and few have a format of their own.
+    std::shared_ptr<const StdString> m_format;
     std::int32_t m_seconds = 0;
     std::int32_t m_nanoSeconds = 0;
 };

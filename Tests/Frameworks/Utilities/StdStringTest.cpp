@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 namespace {
 
@@ -193,6 +195,24 @@ TEST(StdString, numbers_become_text) {
     EXPECT_EQ(text, "  1.5");
     text.FromDouble(1e300);
     EXPECT_EQ(text.Length(), 63);
+}
+
+TEST(StdString, a_number_has_the_digits_that_printf_gives_it) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+    for (const double number : {0.0, -0.0, 0.5e-6, 1.5e-6, 2.5e-6, -99999.9, 0.1, 1.0 / 3.0, 16777216.5, 6543210.123,
+                                5e-324, 123456789012345678.0, 1e57, infinity, -infinity, nothing, -nothing}) {
+        char digits[64];
+        std::snprintf(digits, sizeof digits, "%f", number);
+        StdString text;
+        text.FromDouble(number);
+        EXPECT_EQ(text.Text(), digits);
+    }
+    for (const int number : {0, 7, -1, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        StdString text;
+        text.FromInteger(number);
+        EXPECT_EQ(text.Text(), std::to_string(number));
+    }
 }
 
 TEST(StdString, a_file_is_read_and_written_whole) {
