@@ -7,6 +7,10 @@
 
 class LogInfo : public XMLData {
 public:
+    LogInfo() = default;
+    LogInfo(StdString text, LogLevel level, const TimeInfo& time)
+        : m_text(std::move(text)), m_level(level), m_time(time) {}
+
     const StdString& GetText() const { return m_text; }
     void SetText(const StdString& text) { m_text = text; }
     LogLevel GetLogLevel() const { return m_level; }

@@ -6,6 +6,9 @@
 
 class LogInfoMessage : public DataMessageOf<LogInfoMessage, LOGGING_DATA_MESSAGE> {
 public:
+    LogInfoMessage() = default;
+    LogInfoMessage(StdString text, LogLevel level);  // at the moment of the message itself
+
     const LogInfo& GetLogInfo() const { return m_logInfo; }
     void SetLogInfo(const LogInfo& logInfo) { m_logInfo = logInfo; }
     void SetLogInfo(const StdString& text, LogLevel level);  // with a fresh time

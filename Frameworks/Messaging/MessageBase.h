@@ -21,8 +21,9 @@ public:
     bool IsCommand() const { return m_isCommand; }
     ThreadControl* GetSource() const { return m_source; }
     ThreadControl* GetDestination() const { return m_destination; }
-    const StdString& GetSourceName() const { return m_sourceName; }
-    const StdString& GetDestinationName() const { return m_destinationName; }
+    // Empty in a new message and in a copy. The name of a thread is that thread's own text: ask while it stands.
+    const StdString& GetSourceName() const { return *m_sourceName; }
+    const StdString& GetDestinationName() const { return *m_destinationName; }
     std::int32_t GetSendCount() const { return m_sendCount; }
     const TimeInfo& GetTimeStamp() const { return m_timeStamp; }
 
@@ -48,11 +49,16 @@ protected:
     MessageBase& operator=(const MessageBase& other);
 
 private:
+    friend class MessageList;
+
+    static const StdString NoName;
+
+    std::unique_ptr<MessageBase> m_next;  // behind this one in a queue
     bool m_isCommand;
-    ThreadControl* m_destination = nullptr;
-    StdString m_destinationName;
-    ThreadControl* m_source = nullptr;
-    StdString m_sourceName;
     std::int32_t m_sendCount = 0;
+    ThreadControl* m_destination = nullptr;
+    const StdString* m_destinationName = &NoName;
+    ThreadControl* m_source = nullptr;
+    const StdString* m_sourceName = &NoName;
     TimeInfo m_timeStamp;
 };

@@ -24,7 +24,10 @@ public:
     const StdString& GetName() const { return m_name; }
 
 private:
-    sem_t m_semaphore{};
+    int Wait(const timespec* deadline);  // null: no limit; the result is an errno, or 0
+
+    sem_t m_semaphore{};  // counts what was posted
+    sem_t m_bell{};       // rung once for an owner that sleeps
     StdString m_name;
     int m_lastError = 0;
 };

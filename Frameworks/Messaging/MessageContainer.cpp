@@ -1,16 +1,12 @@
 #include "Frameworks/Messaging/MessageContainer.h"
 
-void MessageContainer::PushBack(std::unique_ptr<MessageBase> message) {
+bool MessageContainer::BeginWaiting() {
     const MutexLock lock(m_mutex);
-    m_messages.push_back(std::move(message));
+    m_isAwaited = m_taken.IsEmpty() && m_messages.IsEmpty();
+    return m_isAwaited;
 }
 
-std::unique_ptr<MessageBase> MessageContainer::PopFront() {
+void MessageContainer::EndWaiting() {
     const MutexLock lock(m_mutex);
-    if (m_messages.empty()) {
-        return nullptr;
-    }
-    std::unique_ptr<MessageBase> message = std::move(m_messages.front());
-    m_messages.pop_front();
-    return message;
+    m_isAwaited = false;
 }

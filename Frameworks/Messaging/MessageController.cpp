@@ -1,6 +1,6 @@
 #include "Frameworks/Messaging/MessageController.h"
 
-#include <atomic>
+#include <utility>
 
 #include "Frameworks/Messaging/LogInfoMessage.h"
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
@@ -9,23 +9,17 @@
 
 namespace {
 
-std::atomic<std::int32_t> logLevel{RUMOR_LOG_LEVEL};
-
 // The layers below report through the router from before main on.
 [[maybe_unused]] const bool reportsReachTheRouter = (SetReportFunction(MessageController::LogMessage), true);
 
 }  // namespace
 
-void MessageController::LogMessage(const StdString& text, LogLevel level, ControllerType origin) {
-    if (level > GetLogLevel()) {
-        return;
-    }
+void MessageController::SendLogLine(StdString text, LogLevel level, ControllerType origin) {
     if (origin == NO_CONTROLLER) {
         LogMessage("Invalid Controller Type", ERROR_LOG_LEVEL, MESSAGING_CONTROL);
         return;
     }
-    auto message = std::make_unique<LogInfoMessage>();
-    message->SetLogInfo(text, level);
+    auto message = std::make_unique<LogInfoMessage>(std::move(text), level);
     message->SetDestination(MessageBase::GetMessagingControl());
     message->SetSource(origin);
     MessageBase::Send(std::move(message));
@@ -53,7 +47,3 @@ bool MessageController::SendStatusMessage(const StdString& text) {
     message->SetStatusInfo(status);
     return SendMessage(std::move(message), MEASUREMENT_ENGINE);
 }
-
-std::int32_t MessageController::GetLogLevel() { return logLevel; }
-
-void MessageController::SetLogLevel(std::int32_t level) { logLevel = level; }

@@ -1,7 +1,6 @@
 #include "Frameworks/Messaging/ThreadControl.h"
 
 #include "Frameworks/Messaging/LogInfoMessage.h"
-#include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
 
 namespace {
@@ -111,7 +110,7 @@ bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageTy
 
 void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
     // A log message that made log messages would never end.
-    if (!IsLogMessage(*message)) {
+    if (IsLogged(DEBUG_LOG_LEVEL) && !IsLogMessage(*message)) {
         Log(KindAndName(*message) + ") : From - " + message->GetSourceName() + " : To - " +
                 message->GetDestinationName(),
             DEBUG_LOG_LEVEL);
@@ -124,21 +123,21 @@ void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
 }
 
 void ThreadControl::SendCommand(CommandType command) {
-    Log("Sending Command - " + CommandNames[command], DEBUG_LOG_LEVEL);
+    if (IsLogged(DEBUG_LOG_LEVEL)) {
+        Log("Sending Command - " + CommandNames[command], DEBUG_LOG_LEVEL);
+    }
     auto message = std::make_unique<CommandMessage>(command);
     message->SetDestination(MessageBase::GetMessagingControl());
     message->SetSource(this);
     MessageBase::Send(std::move(message));
 }
 
-void ThreadControl::Log(const StdString& text, LogLevel level) {
-    const LogLevel effective = level == NO_LOG_LEVEL ? RUMOR_LOG_LEVEL : level;
+void ThreadControl::SendLogLine(StdString text, LogLevel level) {
     MessagingControl* router = MessageBase::GetMessagingControl();
-    if (effective > MessageController::GetLogLevel() || router == nullptr) {
+    if (router == nullptr) {
         return;
     }
-    auto message = std::make_unique<LogInfoMessage>();
-    message->SetLogInfo(text, effective);
+    auto message = std::make_unique<LogInfoMessage>(std::move(text), Effective(level));
     message->SetDestination(router);
     message->SetSource(this);
     MessageBase::Send(std::move(message));
@@ -157,10 +156,7 @@ bool ThreadControl::RegisterForDataMessage(DataMessageType type) {
 }
 
 // Made by whoever comes first, the thread or a sender, so that the first message isn't lost.
-MessageBuffer& ThreadControl::Buffer() {
-    if (MessageBuffer* buffer = m_buffer) {
-        return *buffer;
-    }
+MessageBuffer& ThreadControl::MakeBuffer() {
     const MutexLock lock(m_bufferMutex);
     if (m_buffer == nullptr) {
         m_buffer = new MessageBuffer(GetThreadName());

@@ -9,6 +9,7 @@
 #include "Frameworks/Messaging/CommandMessage.h"
 #include "Frameworks/Messaging/DataMessage.h"
 #include "Frameworks/Messaging/MessageBuffer.h"
+#include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Threading/ThreadBase.h"
 
 class ThreadControl : public ThreadBase {
@@ -45,7 +46,16 @@ public:
     void ReceiveMessage(std::unique_ptr<MessageBase> message);
     void SendCommand(CommandType command);  // to every controller, through the router
     // -1 counts as the least severe level. Nothing is allocated above the process-wide level.
-    void Log(const StdString& text, LogLevel level);
+    void Log(const StdString& text, LogLevel level) {
+        if (IsLogged(level)) {
+            SendLogLine(text, level);
+        }
+    }
+    void Log(const char* text, LogLevel level) {
+        if (IsLogged(level)) {
+            SendLogLine(text, level);
+        }
+    }
     bool RegisterForCommand(CommandType command);  // always false
     bool RegisterForDataMessage(DataMessageType type);
 
@@ -54,7 +64,15 @@ protected:
     bool FollowStateCommand(CommandType command);
 
 private:
-    MessageBuffer& Buffer();
+    static LogLevel Effective(LogLevel level) { return level == NO_LOG_LEVEL ? RUMOR_LOG_LEVEL : level; }
+    static bool IsLogged(LogLevel level) { return MessageController::IsLogged(Effective(level)); }
+
+    void SendLogLine(StdString text, LogLevel level);
+    MessageBuffer& Buffer() {
+        MessageBuffer* buffer = m_buffer;
+        return buffer == nullptr ? MakeBuffer() : *buffer;
+    }
+    MessageBuffer& MakeBuffer();
     bool DrainQueue();
 
     Mutex m_bufferMutex;  // creation of the buffer only

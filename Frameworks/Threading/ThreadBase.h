@@ -31,6 +31,7 @@ public:
     void ReleaseThread();  // detaches the thread, if there is one
 
     StdString GetThreadName() const { return m_threadName; }
+    const StdString& ThreadName() const { return m_threadName; }        // for as long as the thread's object stands
     void SetThreadName(const StdString& name) { m_threadName = name; }  // before CreateThread only
     ThreadState GetState() const { return m_state; }
     pthread_t GetThreadId() const { return m_threadId; }  // 0 until CreateThread has succeeded

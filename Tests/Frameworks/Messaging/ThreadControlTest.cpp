@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
+#include <thread>
 
 #include "Tests/Frameworks/Messaging/RecordingController.h"
 
@@ -37,6 +39,18 @@ public:
 
 private:
     bool& m_freed;
+};
+
+// Counts those that were freed.
+class CountingMessage : public CommandMessage {
+public:
+    explicit CountingMessage(int& freed) : CommandMessage(PRIME_SYSTEM), m_freed(freed) {}
+    CountingMessage(const CountingMessage&) = delete;
+    CountingMessage& operator=(const CountingMessage&) = delete;
+    ~CountingMessage() override { ++m_freed; }
+
+private:
+    int& m_freed;
 };
 
 }  // namespace
@@ -175,4 +189,50 @@ TEST(MessageBuffer, tells_a_time_out_by_its_error_and_forgets_it_at_the_next_wai
     buffer.PostMessage(std::make_unique<CommandMessage>(PRIME_SYSTEM));
     EXPECT_NE(buffer.WaitForMessage(0), nullptr);
     EXPECT_EQ(buffer.GetLastError(), 0);
+}
+
+TEST(MessageBuffer, frees_any_number_of_messages_with_itself) {
+    constexpr int many = 500000;  // more than a stack has frames
+    int freed = 0;
+    {
+        MessageBuffer buffer("One");
+        for (int posted = 0; posted < many; ++posted) {
+            buffer.PostMessage(std::make_unique<CountingMessage>(freed));
+        }
+        EXPECT_NE(buffer.PopFront(), nullptr);
+    }
+    EXPECT_EQ(freed, many);
+}
+
+TEST(MessageBuffer, wakes_its_owner_for_each_message_however_posts_and_time_outs_meet) {
+    constexpr int senders = 3;
+    constexpr int messages = 4000;
+    MessageBuffer buffer("One");
+    std::vector<std::thread> threads;
+    for (int sender = 0; sender < senders; ++sender) {
+        threads.emplace_back([&buffer, sender] {
+            for (int number = 0; number < messages; ++number) {
+                auto message = std::make_unique<LogInfoMessage>();
+                message->SetSubType(sender * messages + number);
+                buffer.PostMessage(std::move(message));
+            }
+        });
+    }
+    std::vector<int> next = {0, messages, 2 * messages};
+    int waits = 0;
+    for (int taken = 0; taken < senders * messages;) {
+        ++waits;
+        const std::unique_ptr<MessageBase> message = buffer.WaitForMessage(waits % 3 == 0 ? -1 : 0);
+        if (message != nullptr) {
+            const int number = static_cast<const LogInfoMessage&>(*message).GetSubType();
+            EXPECT_EQ(number, next.at(static_cast<std::size_t>(number / messages))++);
+            ++taken;
+        }
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(next, (std::vector<int>{messages, 2 * messages, 3 * messages}));
+    EXPECT_EQ(buffer.WaitForMessage(0), nullptr);
+    EXPECT_EQ(buffer.GetLastError(), ETIMEDOUT);
 }
