@@ -19,6 +19,8 @@ public:
 
     // Bytes; 0 for an empty path, and the size last seen where the look failed.
     std::int64_t GetSize(const StdString& path);
+    // A regular file without a byte, by one look.
+    bool IsEmptyFile(const StdString& path) { return IsRegularFile(path) && m_status.st_size == 0; }
 
     // By descriptor; the result is kept in status.
     static bool GetStatus(int descriptor, struct stat64& status);

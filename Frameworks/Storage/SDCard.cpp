@@ -29,10 +29,30 @@ constexpr unsigned SwitchBank = 3;
 constexpr unsigned SwitchPin = 9;
 constexpr std::uint8_t MaximumPercent = 99;
 constexpr std::size_t MountLineSize = 4096;
+constexpr std::size_t MountTablePiece = 1024;
 
 std::int64_t Bytes(const struct statfs64& space, fsblkcnt64_t blocks) {
     const std::int64_t blockSize = space.f_bsize;
     return blockSize * static_cast<std::int64_t>(blocks);
+}
+
+// Reads no further than it has to: the system makes the table anew at each read.
+bool IsInMountTable(const StdString& path) {
+    std::FILE* file = std::fopen(MountTable, "r");
+    if (file == nullptr) {
+        return false;
+    }
+    std::setvbuf(file, nullptr, _IONBF, 0);
+    std::string table;
+    char buffer[MountTablePiece];
+    bool isFound = false;
+    for (std::size_t read = sizeof buffer; !isFound && read == sizeof buffer;) {
+        read = std::fread(buffer, 1, sizeof buffer, file);
+        table.append(buffer, read);
+        isFound = table.find(path.Text()) != std::string::npos;
+    }
+    std::fclose(file);
+    return isFound;
 }
 
 void PrintSpace(const char* path) {
@@ -58,9 +78,7 @@ bool SDCard::IsMounted() {
     if (m_mountPath.IsEmpty()) {
         m_mountPath = DefaultMountPath;
     }
-    StdString table;
-    table.ReadFile(MountTable);
-    return table.Find(m_mountPath) != -1;
+    return IsInMountTable(m_mountPath);
 }
 
 bool SDCard::Mount() {

@@ -86,7 +86,4 @@ bool SDCardFile::Flush() {
     return true;
 }
 
-bool SDCardFile::IsEmpty() const {
-    FileStatus status;
-    return IsOpen() && status.IsRegularFile(m_path) && status.GetSize(m_path) == 0;
-}
+bool SDCardFile::IsEmpty() const { return IsOpen() && FileStatus().IsEmptyFile(m_path); }

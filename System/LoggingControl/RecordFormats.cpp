@@ -1,8 +1,11 @@
 #include "System/LoggingControl/RecordFormats.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
+#include <string>
+#include <string_view>
 
 #include "Frameworks/Utilities/Version.h"
 #include "Frameworks/Xml/XmlDocument.h"
@@ -12,38 +15,66 @@ namespace {
 // The end of a column line; records have one field fewer.
 StdString Version() { return "Version (" + GetVersionText() + ")\r\n"; }
 
-StdString Decimal(std::int32_t number) {
-    StdString text;
-    text.FromInteger(number);
-    return text;
-}
+constexpr std::size_t UsualLength = 192;
+constexpr std::size_t NumberSize = 32;
+constexpr std::size_t XcelWidth = 20;
+constexpr int XcelDecimals = 10;
 
-StdString UnsignedDecimal(std::uint32_t number) {
-    StdString text;
-    text.Format("%u", number);
-    return text;
-}
+// One field or more behind the other, with a comma between them.
+class Record {
+public:
+    Record() { m_text.reserve(UsualLength); }
 
-StdString Real(double number, const char* format = "%f") {
-    StdString text;
-    text.FromDouble(number, format);
-    return text;
-}
+    Record& Text(std::string_view text) {
+        m_text += text;
+        m_text += ',';
+        return *this;
+    }
+
+    Record& Decimal(std::int64_t number) {
+        char digits[NumberSize];
+        const char* end = std::to_chars(digits, std::end(digits), number).ptr;
+        return Text({digits, end});
+    }
+
+    Record& Real(double number, const char* format = "") {
+        StdString text;
+        text.FromDouble(number, format);
+        return Text(text.Text());
+    }
+
+    // Text and serial day, which is filled up with blanks.
+    Record& Dates(const TimeInfo& time) {
+        Text(time.GetTimeString(0).Text());
+        char day[NumberSize];
+        const char* end =
+            std::to_chars(day, std::end(day), time.GetXcelTime(), std::chars_format::fixed, XcelDecimals).ptr;
+        const std::string_view digits(day, end);
+        m_text.append(XcelWidth - digits.size(), ' ');
+        return Text(digits);
+    }
+
+    Record& Seconds(const TimeInfo& time) { return Decimal(time.GetSeconds()).Decimal(time.GetNanoSeconds()); }
+
+    Record& UnsignedSeconds(const TimeInfo& time) {
+        return Decimal(static_cast<std::uint32_t>(time.GetSeconds()))
+            .Decimal(static_cast<std::uint32_t>(time.GetNanoSeconds()));
+    }
+
+    StdString Line() {
+        m_text.back() = '\r';  // in the place of the comma behind the last field
+        return std::move(m_text += '\n');
+    }
+
+private:
+    std::string m_text;
+};
 
 // Toward zero; what a 32-bit number can't hold becomes its nearest, and no number 0.
-StdString Truncated(double number) {
+std::int32_t Truncated(double number) {
     constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
-    return Decimal(std::isnan(number) ? 0 : static_cast<std::int32_t>(std::clamp<double>(number, lowest, highest)));
-}
-
-StdString Dates(const TimeInfo& time) { return time.GetTimeString(0) + "," + Real(time.GetXcelTime(), "%20.10f"); }
-
-StdString Seconds(const TimeInfo& time) { return Decimal(time.GetSeconds()) + "," + Decimal(time.GetNanoSeconds()); }
-
-StdString UnsignedSeconds(const TimeInfo& time) {
-    return UnsignedDecimal(static_cast<std::uint32_t>(time.GetSeconds())) + "," +
-           UnsignedDecimal(static_cast<std::uint32_t>(time.GetNanoSeconds()));
+    return std::isnan(number) ? 0 : static_cast<std::int32_t>(std::clamp<double>(number, lowest, highest));
 }
 
 }  // namespace
@@ -67,32 +98,41 @@ StdString StatusColumns() {
 }
 
 StdString MeasurementRecord(const MeasurementResults& results) {
-    return Dates(results.GetTime()) + "," +                        //
-           Real(results.GetAbsorbance()) + "," +                   //
-           Real(results.GetChlorine()) + "," +                     //
-           Real(results.GetDarkCount()) + "," +                    //
-           Real(results.GetReferenceCount()) + "," +               //
-           Real(results.GetSampleCount()) + "," +                  //
-           UnsignedDecimal(results.GetMeasurementIndex()) + "," +  //
-           UnsignedSeconds(results.GetTime()) + "\r\n";
+    return Record()
+        .Dates(results.GetTime())
+        .Real(results.GetAbsorbance())
+        .Real(results.GetChlorine())
+        .Real(results.GetDarkCount())
+        .Real(results.GetReferenceCount())
+        .Real(results.GetSampleCount())
+        .Decimal(results.GetMeasurementIndex())
+        .UnsignedSeconds(results.GetTime())
+        .Line();
 }
 
 StdString StepRecords(const StepResults& results) {
     const StepParameters& step = results.GetStep();
     const StdString description = GetStepDisplayName(step.stepType);
-    const StdString motor = Real(step.motorAngle, "%5.1f") + "," + Real(step.motorSpeed, "%3.0f");
     StdString text;
     std::int32_t index = 0;
     for (const DetectorInformation& sample : results.GetSamples()) {
-        text += Dates(sample.GetTime()) + "," + Truncated(sample.GetCount()) + "," + description + "," +
-                Decimal(step.stepType) + "," + Decimal(index) + "," + motor + "," + Seconds(sample.GetTime()) + "\r\n";
+        text += Record()
+                    .Dates(sample.GetTime())
+                    .Decimal(Truncated(sample.GetCount()))
+                    .Text(description.Text())
+                    .Decimal(step.stepType)
+                    .Decimal(index)
+                    .Real(step.motorAngle, "%5.1f")
+                    .Real(step.motorSpeed, "%3.0f")
+                    .Seconds(sample.GetTime())
+                    .Line();
         ++index;
     }
     return text;
 }
 
 StdString StatusRecord(const MeasurementStatusInfo& status) {
-    return Dates(status.GetTime()) + "," + status.GetText() + "," + Seconds(status.GetTime()) + "\r\n";
+    return Record().Dates(status.GetTime()).Text(status.GetText().Text()).Seconds(status.GetTime()).Line();
 }
 
 bool WriteLogInfoXML(const LogInfo& logInfo) {

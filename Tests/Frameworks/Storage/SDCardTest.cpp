@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,15 @@ TEST_F(SDCardTest, is_mounted_synchronous_at_its_default_path) {
     EXPECT_TRUE(card.Mount());
     EXPECT_TRUE(card.IsMounted());
     EXPECT_EQ(Acts(), std::vector<std::string>{MountAct});
+}
+
+TEST_F(SDCardTest, is_found_wherever_its_path_stands_in_the_table_of_mounts) {
+    for (const std::size_t position : {0U, 1013U, 1014U, 1020U, 1024U, 2040U, 3000U}) {
+        std::ofstream(Folder() + "/etc/mtab") << std::string(position, '-') << "/mnt/sd-card";
+        EXPECT_TRUE(card.IsMounted()) << position;
+        std::ofstream(Folder() + "/etc/mtab") << std::string(position, '-') << "/mnt/sd-car";
+        EXPECT_FALSE(card.IsMounted()) << position;
+    }
 }
 
 TEST_F(SDCardTest, makes_its_directory_for_its_owner_alone) {
