@@ -4,6 +4,10 @@
 
 #include "Benchmarks/EditBenchmarks.h"
 #include "Benchmarks/LoadBenchmarks.h"
+#include "Benchmarks/LogBenchmarks.h"
+#include "Benchmarks/QueueBenchmarks.h"
+#include "Benchmarks/RecordBenchmarks.h"
+#include "Benchmarks/RouterBenchmarks.h"
 #include "Benchmarks/SettingsBenchmarks.h"
 
 namespace {
@@ -28,6 +32,17 @@ constexpr Row Table[] = {
     {"load settings, read every item", "rapidxml into maps", 41, SettingsOurs, SettingsRapidxml, COST_AT_MOST, 0.9},
     {"load, change an attribute, save, 40 KB", "pugixml", 41, EditOurs<SMALL>, EditPugixml<SMALL>, COST_AT_MOST, 0.5},
     {"load, change an attribute, save, 20 MB", "pugixml", 15, EditOurs<LARGE>, EditPugixml<LARGE>, COST_AT_MOST, 0.5},
+    {"message through a queue, one way", "condition variable", 41, SendOneWayOurs, SendOneWayCondition, RATE_AT_LEAST, 1.0},
+    {"round trip of two threads", "condition variable", 41, RoundTripOurs, RoundTripCondition, COST_AT_MOST, 1.0},
+    {"round trip of two threads", "ZeroMQ inproc", 21, RoundTripOurs, RoundTripZeroMq, COST_AT_MOST, 1.0},
+    {"broadcast to nine controllers", "CAF detached", 21, BroadcastOurs, BroadcastCaf, RATE_AT_LEAST, 1.2},
+    {"the same, thousands at once", "CAF detached", 21, BroadcastManyOurs, BroadcastManyCaf, NO_GOAL, 0},
+    {"log line that passes", "spdlog", 41, LogPassingOurs, LogPassingSpdlog, COST_AT_MOST, 1.0},
+    {"the same, its readers asleep", "spdlog", 21, LogSingleOurs, LogSingleSpdlog, NO_GOAL, 0},
+    {"the same, its readers asleep", "spdlog, flushed", 21, LogSingleOurs, LogSingleFlushedSpdlog, NO_GOAL, 0},
+    {"log line that does not pass", "integer comparison", 41, LogDroppedOurs, CompareIntegers, COST_AT_MOST, 2.0},
+    {"measurement record written, flushed", "fprintf, fflush", 41, WriteRecordOurs, WriteRecordPrintf, COST_AT_MOST, 1.1},
+    {"the same, the card looked for", "fprintf, fflush", 41, LogRecordOurs, LogRecordPrintf, COST_AT_MOST, 1.1},
 };
 // clang-format on
 

@@ -1,14 +1,18 @@
-// Times a task. On a shared machine the processor time of the thread says more than the clock on the wall, as long as
-// the task itself waits for nobody; a task of several threads takes the wall clock.
+// Times a task. On a shared machine processor time says more than the clock on the wall: that of the thread, or that of
+// all threads where they work for the task one after the other. The wall clock is for what is over in microseconds.
 #pragma once
 
 #include <ctime>
 
-enum class TimeOf { THIS_THREAD, THE_WALL };
+enum class TimeOf : clockid_t {
+    THIS_THREAD = CLOCK_THREAD_CPUTIME_ID,
+    ALL_THREADS = CLOCK_PROCESS_CPUTIME_ID,
+    THE_WALL = CLOCK_MONOTONIC,
+};
 
 inline double Now(TimeOf kind) {
     timespec time{};
-    clock_gettime(kind == TimeOf::THIS_THREAD ? CLOCK_THREAD_CPUTIME_ID : CLOCK_MONOTONIC, &time);
+    clock_gettime(static_cast<clockid_t>(kind), &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 

@@ -1,0 +1,10 @@
+// One command to nine controllers, all on one core.
+#pragma once
+
+// Seconds from sending a command to the router until all nine, the router among them, have got it.
+double BroadcastOurs();
+double BroadcastCaf();
+
+// Seconds a command, of many that are sent without waiting for any.
+double BroadcastManyOurs();
+double BroadcastManyCaf();
