@@ -15,7 +15,7 @@ public:
 
     bool IsEmpty() const { return m_first == nullptr; }
 
-    void PushBack(std::unique_ptr<MessageBase> message) {
+    void PushBack(std::unique_ptr<MessageBase> message) {  // which belongs to the list from now on
         MessageBase* last = message.get();
         (IsEmpty() ? m_first : m_last->m_next) = std::move(message);
         m_last = last;

@@ -192,7 +192,7 @@ TEST(MessageBuffer, tells_a_time_out_by_its_error_and_forgets_it_at_the_next_wai
 }
 
 TEST(MessageBuffer, frees_any_number_of_messages_with_itself) {
-    constexpr int many = 500000;  // more than a stack has frames
+    constexpr int many = 200000;  // more than a stack has frames
     int freed = 0;
     {
         MessageBuffer buffer("One");
@@ -206,7 +206,7 @@ TEST(MessageBuffer, frees_any_number_of_messages_with_itself) {
 
 TEST(MessageBuffer, wakes_its_owner_for_each_message_however_posts_and_time_outs_meet) {
     constexpr int senders = 3;
-    constexpr int messages = 4000;
+    constexpr int messages = 2000;
     MessageBuffer buffer("One");
     std::vector<std::thread> threads;
     for (int sender = 0; sender < senders; ++sender) {
