@@ -21,6 +21,11 @@ function(add_test_headers)
                             <functional> <map> <memory> <string> <vector>)
 endfunction()
 
+# The programs whose tests are labelled "units": of the product's own layers, without the controllers that start programs
+# and the links, on which the whole analyzer works with all its threads.
+add_custom_target(unit-tests)
+set(UNITS "^(Frameworks|Drivers|System/(Messages|MeasurementEngine|SystemMonitor|LoggingControl|DeviceMonitor)$)")
+
 # add_area_tests(NAME FOLDER LIBRARIES...): one test program from every source in FOLDER. Name the board last among the
 # libraries, so that it stands between the program and libc.
 function(add_area_tests name folder)
@@ -36,7 +41,12 @@ function(add_area_tests name folder)
                              SANITIZER_RUNTIME="${SANITIZER_RUNTIME}")
   target_precompile_headers(${name} REUSE_FROM test_headers)
   add_dependencies(${name} clips)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  set(label whole)
+  if(folder MATCHES ${UNITS})
+    set(label units)
+    add_dependencies(unit-tests ${name})
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300 PROPERTIES TIMEOUT 300 LABELS ${label})
   if("board" IN_LIST ARGN)
     add_dependencies(${name} bench-tools)
   endif()

@@ -18,6 +18,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # At -O3 this compiler takes a string's insert and concatenation for overlapping copies of half the memory.
     target_compile_options(project_options INTERFACE -Wno-restrict)
   endif()
+  if(CMAKE_SYSTEM_PROCESSOR STREQUAL "arm")
+    target_compile_options(project_options INTERFACE -Wno-psabi)  # it tells what older compilers did
+  endif()
 else()
   target_compile_options(project_options INTERFACE -Wthread-safety)
 endif()
