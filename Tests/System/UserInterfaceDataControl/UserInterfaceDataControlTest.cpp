@@ -149,7 +149,7 @@ TEST_F(FrontEndLink, connects_ten_seconds_after_its_start) {
     ASSERT_EQ(trace.size(), 1U);
     EXPECT_EQ(trace[0].text, "connect 127.0.0.1:3111");
     EXPECT_GE(trace[0].seconds - start, 10.0);
-    EXPECT_LT(trace[0].seconds - start, 20.0);
+    EXPECT_LT(trace[0].seconds - start, 60.0);
 }
 
 TEST_F(FrontEndLink, sends_a_measurement_as_value_and_local_date_while_running) {
