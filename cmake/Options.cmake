@@ -33,6 +33,12 @@ if(VERNICOR_SANITIZE)
   target_link_options(sanitizer_options INTERFACE -fsanitize=${VERNICOR_SANITIZE})
 endif()
 
+# Counters of lines and branches, kept by several threads at once and written when a program ends. The board has none.
+if(VERNICOR_COVERAGE)
+  target_compile_options(sanitizer_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(sanitizer_options INTERFACE --coverage)
+endif()
+
 # It is what is tested that is optimised and watched for undefined behaviour; the tests' own code need not be, and builds
 # in a third of the time.
 add_library(test_options INTERFACE)

@@ -179,6 +179,8 @@ void Board::SetSpeed(double speed) {
     Changed(*m_state);
 }
 
+void Board::HoldSpeed(bool hold) { m_state->clock.held.store(hold); }
+
 double Board::Seconds() const { return static_cast<double>(MonotonicNow(m_state->clock) - MonotonicAtStart) / 1e9; }
 
 std::int64_t Board::WallNanoSeconds() const { return WallNow(m_state->clock); }
@@ -226,7 +228,8 @@ std::vector<TraceEntry> Board::TraceWithTimes() const {
     const std::uint64_t first = m_state->traced > TraceLength ? m_state->traced - TraceLength : 0;
     for (std::uint64_t i = std::max(first, m_state->traceStart); i < m_state->traced; ++i) {
         const TraceRecord& record = m_state->trace[i % TraceLength];
-        list.push_back({static_cast<double>(record.time) / 1e9, record.text});
+        list.push_back(
+            {static_cast<double>(record.time) / 1e9, record.text, static_cast<double>(record.deviceTime) / 1e9});
     }
     return list;
 }

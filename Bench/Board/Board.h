@@ -77,6 +77,7 @@ struct CardView {
 struct TraceEntry {
     double seconds = 0.0;  // since the start of the run
     std::string text;
+    double deviceSeconds = 0.0;  // real, that the program's calls on device files had taken until then
 };
 
 // One line that the program gave to the system log, with all as given.
@@ -125,8 +126,9 @@ public:
 
     // Clock.
     double Speed() const;
-    void SetSpeed(double speed);           // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
-    double Seconds() const;                // since the start of the run; no jump shows here
+    void SetSpeed(double speed);  // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
+    void HoldSpeed(bool hold);    // held, a wait with a time-out is one wait of the kernel, as on an instrument
+    double Seconds() const;       // since the start of the run; no jump shows here
     std::int64_t WallNanoSeconds() const;  // CLOCK_REALTIME as the program sees it
     void JumpClock(double seconds);        // below 0 sets the wall clock back
 
@@ -197,8 +199,8 @@ public:
 
     // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;
     // "mem 0xfffff430=0x00000001"; "ioctl PATH 0x40016b01=0"; "spi write a080"; "spi read 1234 5678";
-    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "run aplay -q FILE";
-    // "connect ADDRESS:PORT". The ring keeps the last 8192.
+    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "card FILE BYTES" once they are
+    // written; "run aplay -q FILE"; "connect ADDRESS:PORT". The ring keeps the last 8192.
     std::vector<std::string> Trace() const;
     std::vector<TraceEntry> TraceWithTimes() const;
     std::uint64_t TraceCount() const;  // all of the run, the forgotten ones too

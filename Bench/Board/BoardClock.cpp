@@ -93,6 +93,7 @@ void StartClock(ClockState& clock, double speed, std::int64_t startSeconds) {
     clock.realAnchor.store(RealNanoSeconds());
     clock.boardAnchor.store(MonotonicAtStart);
     clock.speed.store(SpeedMillionths(speed));
+    clock.held.store(false);
     clock.wallOffset.store(startSeconds * NanoSecondsPerSecond - MonotonicAtStart);
     clock.jumpAt.store(0);
     clock.jumpBy.store(0);

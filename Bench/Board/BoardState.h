@@ -27,6 +27,7 @@ struct ClockState {
     std::atomic<std::int64_t> jumpAt{0};       // from this moment on ...
     std::atomic<std::int64_t> jumpBy{0};       // ... the wall clock is that much further
     std::atomic<std::uint32_t> changes{0};     // futex word: speed or wall clock set
+    std::atomic<bool> held{false};             // the speed stays, so a wait need not be cut into pieces
 };
 
 constexpr std::int64_t NanoSecondsPerSecond = 1000000000;
@@ -211,6 +212,7 @@ constexpr std::size_t TraceTextLength = 248;
 // Without initial values: two megabytes that a fresh file holds as zeros anyway.
 struct TraceRecord {
     std::int64_t time;
+    std::int64_t deviceTime;
     char text[TraceTextLength];
 };
 
@@ -238,8 +240,9 @@ struct BoardState {
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
-    std::uint64_t traced = 0;      // of the whole run
-    std::uint64_t traceStart = 0;  // the first that was not cleared
+    std::atomic<std::int64_t> deviceTime{0};  // real nanoseconds in ended calls on device files
+    std::uint64_t traced = 0;                 // of the whole run
+    std::uint64_t traceStart = 0;             // the first that was not cleared
     TraceRecord trace[TraceLength];
 };
 
@@ -259,6 +262,22 @@ void InitialiseState(BoardState& state, const char* folder, const BoardSetup& se
 void Changed(BoardState& state);  // wakes whoever waits for the board
 // Applies due faults, lets the instrument run on and counts the edges of its flag, up to now.
 void BringUpToDate(BoardState& state);
+
+// Counts the real time of one call on a device file from here to its end, if it turns out to be one.
+class DeviceCall {
+public:
+    explicit DeviceCall(BoardState& state, bool isDevice = true);
+    ~DeviceCall();
+    DeviceCall(const DeviceCall&) = delete;
+    DeviceCall& operator=(const DeviceCall&) = delete;
+
+    void Is(bool device) { m_device = device; }
+    static std::int64_t Running();  // nanoseconds of this thread's call so far
+
+private:
+    BoardState& m_state;
+    bool m_device;
+};
 
 [[gnu::format(printf, 2, 3)]] void TraceAct(BoardState& state, const char* format, ...);
 const char* ErrorName(int error);  // "EBUSY"

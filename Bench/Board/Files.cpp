@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "Bench/Board/Attachment.h"
@@ -13,7 +14,8 @@ namespace Bench {
 
 namespace {
 
-constexpr std::size_t PageSize = 4096;  // what a file of the kernel's can hold
+constexpr const char* DeviceTree = "/sys/";  // folders of devices are ordinary folders
+constexpr std::size_t PageSize = 4096;       // what a file of the kernel's can hold
 
 template <typename Result>
 Result Refuse(int error, Result result) {
@@ -76,6 +78,19 @@ int OpenOrdinary(BoardState& state, const Target& target, int flags, mode_t mode
     return file;
 }
 
+ssize_t WriteToCard(BoardState& state, int file, const void* data, std::size_t size) {
+    const ssize_t written = Real::write(file, data, size);
+    char link[32];
+    std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file);
+    char path[PathLength] = {};
+    const char* name = readlink(link, path, sizeof(path) - 1) > 0 ? std::strrchr(path, '/') : nullptr;
+    if (written >= 0 && name != nullptr) {
+        const BoardLock lock(state);
+        TraceAct(state, "card %s %zd", name + 1, written);
+    }
+    return written;
+}
+
 }  // namespace
 
 int CountOrFail(BoardState& state, Call call) {
@@ -87,14 +102,16 @@ int CountOrFail(BoardState& state, Call call) {
     return error == 0 ? 0 : Refuse(error, -1);
 }
 
-int OpenFile(BoardState& state, Call call, const char* path, int flags, mode_t mode, bool& passedOn) {
+int OpenFile(BoardState& state, Call kind, const char* path, int flags, mode_t mode, bool& passedOn) {
+    DeviceCall call(state, false);
     Target target;
     Resolve(state, path, target);
     passedOn = !target.inside;
+    call.Is(target.inside && (IsDevice(target.node) || std::strncmp(path, DeviceTree, std::strlen(DeviceTree)) == 0));
     if (passedOn) {
         return -1;
     }
-    if (CountOrFail(state, call) != 0) {
+    if (CountOrFail(state, kind) != 0) {
         return -1;
     }
     if (target.error != 0) {
@@ -107,6 +124,7 @@ ssize_t ReadFile(BoardState& state, int file, Node node, void* data, std::size_t
     if (node.family == Family::Socket) {
         return ReceiveBytes(state, file, node, Call::Read, data, size, 0);
     }
+    const DeviceCall call(state, IsDevice(node));
     if (CountOrFail(state, Call::Read) != 0) {
         return -1;
     }
@@ -133,6 +151,7 @@ ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std:
     if (node.family == Family::Socket) {
         return SendBytes(state, file, Call::Write, data, size, 0);
     }
+    const DeviceCall call(state, IsDevice(node));
     if (CountOrFail(state, Call::Write) != 0) {
         return -1;
     }
@@ -149,7 +168,7 @@ ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std:
             const BoardLock lock(state);
             error = CardAccessError(state, true);
         }
-        return error == 0 ? Real::write(file, data, size) : Refuse<ssize_t>(error, -1);
+        return error == 0 ? WriteToCard(state, file, data, size) : Refuse<ssize_t>(error, -1);
     }
     const BoardLock lock(state);
     int error = 0;

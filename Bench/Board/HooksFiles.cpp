@@ -171,6 +171,7 @@ int close(int file) {
     if (NodeOf(state, file).family == Family::None) {
         return Real::close(file);
     }
+    const DeviceCall call(*state, IsDevice(FileNode(file)));
     const int failed = CountOrFail(*state, Call::Close);
     const int savedErrno = errno;
     const int result = CloseFile(file);  // the descriptor is gone also where close fails
@@ -324,6 +325,7 @@ int ioctl(int file, unsigned long request, ...) noexcept {
     if (node.family == Family::None) {
         return Real::ioctl(file, request, argument);
     }
+    const DeviceCall call(*state);
     if (CountOrFail(*state, Call::Ioctl) != 0) {
         return -1;
     }

@@ -15,6 +15,7 @@ namespace {
 
 // Real length of one wait inside a long one: so late at most a change of the clock's speed is followed.
 constexpr std::int64_t Slice = 100000000;
+constexpr std::int64_t LongestSlice = 1000 * NanoSecondsPerSecond;  // where the speed is held
 constexpr std::int64_t ConditionSlice = 1000000000;
 constexpr std::int64_t NanoSecondsPerMicroSecond = 1000;
 
@@ -46,7 +47,7 @@ template <typename Wait>
 int WaitInPieces(const BoardState& state, clockid_t clock, const timespec& until, clockid_t realClock, Wait wait) {
     for (;;) {
         const std::int64_t left = std::max<std::int64_t>(NanoSecondsOf(until) - Now(state, clock), 0);
-        const std::int64_t real = std::min(ToReal(state.clock, left), Slice);
+        const std::int64_t real = std::min(ToReal(state.clock, left), state.clock.held.load() ? LongestSlice : Slice);
         timespec realNow{};
         Real::clock_gettime(realClock, &realNow);
         const timespec realUntil = TimespecOf(NanoSecondsOf(realNow) + real);

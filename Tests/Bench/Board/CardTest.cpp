@@ -63,6 +63,18 @@ TEST_F(CardTest, mount_and_umount_show_in_the_mount_table_and_the_trace) {
               (std::vector<std::string>{"mount /dev/mmcblk0p1 /mnt/sd-card vfat 16", "umount /mnt/sd-card"}));
 }
 
+TEST_F(CardTest, each_write_shows_in_the_trace_once_it_is_done) {
+    ASSERT_EQ(Mount(), 0);
+    FILE* file = fopen("/mnt/sd-card/data.csv", "a");
+    ASSERT_NE(file, nullptr);
+    Board().ClearTrace();
+    EXPECT_EQ(Append(file, "one\n"), 0);
+    Board().SetCardFull(true);
+    EXPECT_EQ(Append(file, "two\n"), ENOSPC);
+    EXPECT_EQ(Board().Trace(), (std::vector<std::string>{"card data.csv 4"}));
+    fclose(file);
+}
+
 TEST_F(CardTest, the_mount_table_is_walked_entry_by_entry) {
     ASSERT_EQ(Mount(), 0);
     FILE* table = setmntent("/etc/mtab", "r");

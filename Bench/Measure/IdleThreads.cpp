@@ -1,0 +1,30 @@
+// The least that a program with so many threads needs: each of them waits for ever, the first one too. How many stands
+// in IDLE_THREADS.
+#include <pthread.h>
+#include <semaphore.h>
+
+#include <cstdlib>
+
+namespace {
+
+sem_t g_never;
+
+void* Wait(void*) {
+    while (true) {
+        sem_wait(&g_never);
+    }
+}
+
+}  // namespace
+
+int main() {
+    const char* count = std::getenv("IDLE_THREADS");
+    sem_init(&g_never, 0, 0);
+    for (int thread = 1; count != nullptr && thread < std::atoi(count); ++thread) {
+        pthread_t id{};
+        if (pthread_create(&id, nullptr, Wait, nullptr) != 0) {
+            return 1;
+        }
+    }
+    Wait(nullptr);
+}

@@ -1,0 +1,97 @@
+#include "Bench/Measure/LampToDisk.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+
+namespace Bench {
+
+namespace {
+
+constexpr double PatienceSeconds = 60.0;
+constexpr int LookMilliseconds = 100;
+constexpr const char* ReadingAct = "spi read ";
+constexpr const char* ReleaseFile = "/unexport=";
+constexpr const char* CardAct = "card ";
+constexpr const char* RecordFile = "_Measurement.csv ";
+constexpr const char* LastStep = "SanityCheck";
+
+bool IsRecord(const std::string& text) {
+    return text.rfind(CardAct, 0) == 0 && text.find(RecordFile) != std::string::npos;
+}
+
+// From the newest reading that a record follows to that record. The cycle's end has let go of its last device before it
+// says a word, so what comes behind that is other threads' business.
+std::optional<RecordTime> LastReadingToRecord(const Board& board) {
+    const std::vector<TraceEntry> trace = board.TraceWithTimes();
+    const auto record = std::find_if(trace.rbegin(), trace.rend(), [](const auto& act) { return IsRecord(act.text); });
+    const auto reading =
+        std::find_if(record, trace.rend(), [](const auto& act) { return act.text.rfind(ReadingAct, 0) == 0; });
+    const auto release =
+        std::find_if(record, reading, [](const auto& act) { return act.text.find(ReleaseFile) != std::string::npos; });
+    if (reading == trace.rend() || release == reading) {
+        return std::nullopt;
+    }
+    return RecordTime{record->seconds - reading->seconds, release->deviceSeconds - reading->deviceSeconds};
+}
+
+// What stands in the measurement files so far. The board itself is left alone: whoever looks at it while the record is
+// on its way holds it up.
+std::uintmax_t RecordBytes(const Board& board) {
+    std::uintmax_t bytes = 0;
+    std::error_code gone;
+    for (const auto& file : std::filesystem::directory_iterator(board.Folder() + "/card", gone)) {
+        const std::string name = file.path().filename().string() + " ";
+        bytes += name.find(RecordFile) != std::string::npos ? file.file_size(gone) : 0;
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::string WithShortSteps(const std::string& configuration) {
+    const std::size_t last =
+        configuration.find(std::string("value=\"") + LastStep + "\"", configuration.find("<MEASUREMENT_STEP>"));
+    const std::size_t cut = configuration.rfind("<MEASUREMENT_STEP>", last);
+    std::string text = configuration.substr(0, cut);
+    const struct {
+        const char* name;
+        const char* value;
+    } rows[] = {
+        {"Duration", "250"},          {"Motor Speed", "0"},        {"Stirring On", "false"},
+        {"Sample Valve On", "false"}, {"LEDSettleTime", "10"},     {"DarkHighRejectNum", "0"},
+        {"DarkLowRejectNum", "0"},    {"RefHighRejectNum", "0"},   {"RefLowRejectNum", "0"},
+        {"SampleHighRejectNum", "0"}, {"SampleLowRejectNum", "0"},
+    };
+    for (const auto& row : rows) {
+        text = WithItem(text, row.name, row.value);
+    }
+    return text + configuration.substr(cut);
+}
+
+std::vector<RecordTime> LampToDisk(Rig& rig, int cycles, std::string& error) {
+    Board& board = rig.Board();
+    std::vector<RecordTime> times;
+    if (!rig.Send(FrontEnd::Running)) {
+        error = "the front end's link is cut";
+        return times;
+    }
+    for (std::uintmax_t records = RecordBytes(board); times.size() < static_cast<std::size_t>(cycles);) {
+        const double start = board.Seconds();
+        while (RecordBytes(board) == records && board.Seconds() - start < PatienceSeconds) {
+            poll(nullptr, 0, LookMilliseconds);
+        }
+        const std::optional<RecordTime> passed = LastReadingToRecord(board);
+        if (RecordBytes(board) == records || !passed) {
+            error = "no record of a cycle comes to the card";
+            return {};
+        }
+        times.push_back(*passed);
+        records = RecordBytes(board);
+    }
+    return times;
+}
+
+}  // namespace Bench
