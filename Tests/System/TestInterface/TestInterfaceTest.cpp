@@ -2,11 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+
 #include "System/TestInterface/AdcStatusMessage.h"
 #include "System/TestInterface/TestDigitalInputPinsMessage.h"
 #include "System/TestInterface/TestDigitalOutputPinsMessage.h"
 #include "System/TestInterface/TestPWMMessage.h"
 #include "Tests/Support/FailingAllocation.h"
+#include "Tests/Support/ImpossibleStack.h"
 #include "Tests/System/TestInterface/ControllerFixture.h"
 
 namespace {
@@ -81,6 +84,24 @@ TEST_F(TestInterfaceAlone, makes_no_link_once_it_is_killed) {
     CommandMessage command(MOVE_TO_TEST);
     EXPECT_TRUE(controller->ProcessCommandMessage(&command));
     EXPECT_THAT(log.Lines(), ElementsAre());
+    EXPECT_THAT(Board().Trace(), ElementsAre());
+}
+
+TEST_F(TestInterfaceAlone, says_so_where_the_link_can_not_have_a_thread_and_is_in_the_test_state_all_the_same) {
+    Start();
+    Command(MOVE_TO_IDLE);
+    EXPECT_TRUE(WaitForState(IDLE_STATE));
+    {
+        const ImpossibleStack stack;
+        Command(MOVE_TO_TEST);
+        EXPECT_TRUE(WaitForState(TEST_STATE));
+        Command(MOVE_TO_IDLE);  // comes behind all that the other one does
+        EXPECT_TRUE(WaitForState(IDLE_STATE));
+    }
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("ThreadBase::CreateThread  Unable to create Thread with error code = " +
+                                std::to_string(EAGAIN) + " of MeasurementEngine",
+                            "TestInterface::ProcessCommandMessage  Unable to transistion into \"TEST_STATE\""));
     EXPECT_THAT(Board().Trace(), ElementsAre());
 }
 
