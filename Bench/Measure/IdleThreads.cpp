@@ -18,9 +18,10 @@ void* Wait(void*) {
 }  // namespace
 
 int main() {
-    const char* count = std::getenv("IDLE_THREADS");
+    const char* text = std::getenv("IDLE_THREADS");
+    const long count = text == nullptr ? 1 : std::strtol(text, nullptr, 10);
     sem_init(&g_never, 0, 0);
-    for (int thread = 1; count != nullptr && thread < std::atoi(count); ++thread) {
+    for (long thread = 1; thread < count; ++thread) {
         pthread_t id{};
         if (pthread_create(&id, nullptr, Wait, nullptr) != 0) {
             return 1;

@@ -71,6 +71,7 @@ bool MeasureResets(const MeasureOptions& options, const std::string& configurati
 
 std::int64_t MedianMemory(const std::vector<ResidentMemory>& looks) {
     std::vector<double> all;
+    all.reserve(looks.size());
     for (const ResidentMemory& look : looks) {
         all.push_back(static_cast<double>(look.All()));
     }

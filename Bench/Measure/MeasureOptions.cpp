@@ -37,7 +37,8 @@ bool ReadCount(const std::string& text, int& count) {
 bool ReadOption(const std::string& name, const std::string& value, MeasureOptions& options, std::string& error) {
     for (const CountOption& row : Counts) {
         if (name == row.name) {
-            error = name + " takes a number from 1 to 10000, not \"" + value + "\"";
+            error = name;
+            error.append(" takes a number from 1 to 10000, not \"").append(value).append("\"");
             return ReadCount(value, options.*row.member);
         }
     }
