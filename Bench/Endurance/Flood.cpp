@@ -10,8 +10,7 @@ namespace Bench {
 namespace {
 
 constexpr int TickMilliseconds = 10;
-constexpr double ReadingDistance = 1.0;      // of footprints, in real seconds
-constexpr std::size_t ReadingsToJudge = 60;  // before that, the allocator's arenas are still filling
+constexpr double ReadingDistance = 1.0;  // of footprints, in real seconds
 constexpr std::uintmax_t LongestText = 64U << 20U;
 
 // A random byte stream meets a reset every hundred reads or so, as a code. Without one for so long, it is asked for.

@@ -33,6 +33,9 @@ struct Course {
     bool IsFlat() const { return last <= first + allowed && lowestLast <= lowestFirst + allowed; }
 };
 
+// Of a shorter run nothing can be said: the allocator's arenas are still filling.
+constexpr std::size_t ReadingsToJudge = 60;
+
 // Readings of one run, at even distances. One thread.
 class FootprintSeries {
 public:

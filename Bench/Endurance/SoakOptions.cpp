@@ -10,6 +10,12 @@ namespace Bench {
 namespace {
 
 // Each takes the value of its option; false where it is not one.
+bool TakeCycles(SoakOptions& options, const std::string& value) { return ReadCount(value, 1000000, options.cycles); }
+
+bool TakeResets(SoakOptions& options, const std::string& value) { return ReadCount(value, 1000000, options.resets); }
+
+bool TakeDays(SoakOptions& options, const std::string& value) { return ReadDecimal(value, 1000.0, options.days); }
+
 bool TakeFlood(SoakOptions& options, const std::string& value) { return ReadDecimal(value, 1e6, options.flood); }
 
 bool TakeRate(SoakOptions& options, const std::string& value) {
@@ -42,6 +48,9 @@ constexpr struct {
     bool (*take)(SoakOptions& options, const std::string& value);
     const char* wants;
 } Rows[] = {
+    {"--cycles", TakeCycles, "a whole number from 0 to 1000000"},
+    {"--resets", TakeResets, "a whole number from 0 to 1000000"},
+    {"--days", TakeDays, "simulated days, from 0 to 1000"},
     {"--flood", TakeFlood, "seconds, from 0 to 1000000"},
     {"--rate", TakeRate, "pieces a second, up to 100000"},
     {"--seed", TakeSeed, "a whole number from 0 to 4294967295"},
@@ -79,10 +88,13 @@ std::string SoakHelpText() {
     return
         R"(./soak lets the analyzer run for long on the virtual board, with a front end and a test station at its links.
 
-  --flood SECONDS   random bytes on both links for so many seconds of real time
+  --cycles N        until N results that the front end was told are in the day files
+  --resets N        until N resets
+  --days X          until so many simulated days have passed
+  --flood SECONDS   in place of commands and faults, random bytes on both links for so many seconds of real time
   --rate N          pieces a second on each link (50)
-  --seed N          of all that is random (1)
-  --speed X         simulated seconds for one real second, 0.1 to 1000 (20)
+  --seed N          of all that is random: which button, command, fault or byte comes at which second (1)
+  --speed X         simulated seconds for one real second, 0.1 to 1000 (20 for a flood, else 200)
   --bench DIR       where the run's files lie (build/soak)
   --program FILE    another program in the analyzer's place
   --help            this text
