@@ -18,7 +18,7 @@ constexpr const char* Kinds[] = {
     "poll",     "mmap",   "fopen",         "fclose",     "opendir",  "stat",          "statfs",
     "mount",    "umount", "setmntent",     "access",     "mkdir",    "remove",        "rename",
     "truncate", "chmod",  "clock_gettime", "fork",       "system",   "socket",        "connect",
-    "send",     "recv",   "setsockopt",    "getsockopt", "shutdown", "gethostbyname", "gethostbyaddr",
+    "send",     "recv",   "setsockopt",    "getsockopt", "shutdown", "gethostbyname", "gethostbyaddr", "pthread_create",
 };
 static_assert(std::size(Kinds) == static_cast<std::size_t>(Call::Count));
 

@@ -160,6 +160,7 @@ enum class Call : std::uint8_t {
     Shutdown,
     HostByName,
     HostByAddress,
+    ThreadCreate,
     Count
 };
 

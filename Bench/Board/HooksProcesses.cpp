@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 #include "Bench/Board/Attachment.h"
 #include "Bench/Board/Real.h"
@@ -78,6 +79,17 @@ pid_t fork() noexcept {
     }
     errno = savedErrno;
     return child;
+}
+
+// It gives its error instead of setting it.
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
+                   void* argument) noexcept {
+    BoardState* state = AttachedState();
+    const int savedErrno = errno;
+    if (state != nullptr && CountOrFail(*state, Call::ThreadCreate) != 0) {
+        return std::exchange(errno, savedErrno);
+    }
+    return Real::pthread_create(thread, attributes, routine, argument);
 }
 
 int system(const char* command) {

@@ -162,6 +162,7 @@ public:
     ROW(endhostent, void())                                                                         \
     ROW(fork, pid_t())                                                                              \
     ROW(system, int(const char*))                                                                   \
+    ROW(pthread_create, int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*))            \
     ROW(sem_timedwait, int(sem_t*, const timespec*))                                                \
     ROW(sem_clockwait, int(sem_t*, clockid_t, const timespec*))                                     \
     ROW(pthread_cond_timedwait, int(pthread_cond_t*, pthread_mutex_t*, const timespec*))            \

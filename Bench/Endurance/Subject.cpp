@@ -41,7 +41,12 @@ bool Subject::MakePeers(std::string& error) {
 bool Subject::Start(std::string& error) {
     // On the instrument's 32 bits a block of 512 KiB or more always comes from the kernel and goes back to it. With 64
     // bits the limit would rise to 32 MiB with the first such block, and each arena would keep as much.
-    setenv("GLIBC_TUNABLES", "glibc.malloc.mmap_threshold=524288", 1);
+    static const int once = setenv("GLIBC_TUNABLES", "glibc.malloc.mmap_threshold=524288", 1);
+    if (once != 0) {
+        error = "no memory";
+        return false;
+    }
+    m_end = End::Runs;
     return m_analyzer.Start(m_places.program, m_places.library, m_folder.Path(), Output(), error);
 }
 
@@ -51,10 +56,13 @@ bool Subject::Restart(std::string& error) {
 }
 
 Subject::End Subject::HasEnded(std::string& reason) {
-    if (!m_analyzer.HasEnded(reason)) {
-        return End::Runs;
+    if (m_end == End::Runs && m_analyzer.HasEnded(m_reason)) {
+        m_end = m_analyzer.EndCode() == 128 + SIGPIPE ? End::BrokenPipe : End::Other;
     }
-    return m_analyzer.EndCode() == 128 + SIGPIPE ? End::BrokenPipe : End::Other;
+    if (m_end != End::Runs) {
+        reason = m_reason;
+    }
+    return m_end;
 }
 
 void Subject::CutTexts(std::uintmax_t limit) const {

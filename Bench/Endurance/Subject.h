@@ -68,6 +68,8 @@ private:
     std::unique_ptr<FrontEnd> m_frontEnd;
     std::unique_ptr<TestServer> m_station;
     Analyzer m_analyzer;
+    End m_end = End::Runs;
+    std::string m_reason;
 };
 
 }  // namespace Bench

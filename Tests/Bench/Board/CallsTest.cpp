@@ -200,6 +200,14 @@ const std::vector<KindOfCall>& Calls() {
              const in_addr_t address = htonl(INADDR_LOOPBACK);
              return gethostbyaddr(&address, sizeof(address), AF_INET) != nullptr;
          }},
+        {"pthread_create",
+         [] {
+             pthread_t thread{};
+             const int error = pthread_create(
+                 &thread, nullptr, [](void* /*nothing*/) -> void* { return nullptr; }, nullptr);
+             errno = error;
+             return error == 0 && pthread_join(thread, nullptr) == 0;
+         }},
     };
     return calls;
 }

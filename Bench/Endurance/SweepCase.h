@@ -1,0 +1,75 @@
+// One start, cycle, reset and stop of the analyzer on a fresh board, with one call made to fail.
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Bench/Endurance/Subject.h"
+
+namespace Bench {
+
+// The best first. From `Restarted` on the analyzer needed its supervisor; from `Crashed` on it did what it may not.
+enum class SweepOutcome {
+    Unnoticed,   // all as without the failure
+    Told,        // the same, and a line of the log or the console tells of it
+    ResultLost,  // no result, or no record of it; after the reset all is well
+    LinkLost,    // a link was missing; after the next reset all is well
+    Restarted,   // it ended with a named error; started again, all is well
+    Stuck,       // a link was missing and no reset came through: a new start was needed; then all is well
+    Crashed,     // it ended otherwise
+    Hung,        // it went on and nothing brought it back
+    Grew,        // descriptors, threads or children are left over
+    RecordLost,  // an earlier record is missing on the card
+    Count
+};
+const char* NameOf(SweepOutcome outcome);
+bool IsAllowed(SweepOutcome outcome);
+
+struct SweepReport {
+    SweepOutcome outcome = SweepOutcome::Unnoticed;
+    std::string detail;  // what was told, or what is wrong
+};
+
+// What a run without a failure is like.
+struct SweepReference {
+    std::map<std::string, std::uint64_t> calls;  // by kind
+    std::set<std::string> lines;                 // of log and console, without digits
+    Footprint footprint;                         // in the test state behind the reset
+};
+
+// One thread; a run at a time.
+class SweepCase {
+public:
+    SweepCase(const SubjectPlaces& places, double speed) : m_places(places), m_speed(speed) {}
+
+    // False with a sentence in `trouble` where even that goes wrong.
+    bool Refer(SweepReference& reference, std::string& trouble);
+    SweepReport Try(const std::string& kind, int n, const SweepReference& reference);
+
+private:
+    struct Course {
+        bool isConnected = false;
+        bool isInTestState = false;
+        bool hasResult = false;
+        bool hasRecord = false;
+        bool hasEnded = false;
+        std::string end;
+    };
+
+    bool Prepare(Subject& subject, std::string& trouble) const;
+    Course Live(Subject& subject) const;
+    bool ReachTestState(Subject& subject, std::size_t generation, double seconds) const;
+    bool Reset(Subject& subject) const;
+    bool Settles(Subject& subject, const Footprint& wanted, Footprint& seen) const;
+    SweepReport Judge(Subject& subject, const Course& course, const SweepReference& reference) const;
+    SweepReport Recover(Subject& subject, const Course& course, const SweepReference& reference) const;
+    static std::set<std::string> Lines(const Subject& subject);
+    static std::set<std::string> NewLines(const Subject& subject, const SweepReference& reference);
+
+    const SubjectPlaces m_places;
+    const double m_speed;
+};
+
+}  // namespace Bench
