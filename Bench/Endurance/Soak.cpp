@@ -235,8 +235,13 @@ bool Soak::JudgeResults(std::string& trouble) {
     return trouble.empty();
 }
 
+// Waits for the records of what has been reported so far, unless the card is in trouble.
 bool Soak::SettleResults(std::string& trouble) {
-    while (!m_ledger.Pending().empty()) {
+    const double begin = m_subject.OnBoard().Seconds();
+    const auto isAwaited = [&](const ResultLedger::Missing& result) {
+        return result.seconds <= begin && !IsExcused(result);
+    };
+    while (std::any_of(m_ledger.Pending().begin(), m_ledger.Pending().end(), isAwaited)) {
         if (!JudgeResults(trouble)) {
             return false;
         }
