@@ -129,7 +129,8 @@ bool Soak::Do(const SoakEvent& event, std::string& trouble) {
         case SoakAction::FaultOn:
             ++m_faults;
             m_cardFaults += IsCardFault(event.fault) ? 1 : 0;
-            m_setBack += event.fault.compare(0, 11, "clock-back=") == 0 ? std::atof(event.fault.c_str() + 11) : 0.0;
+            m_setBack +=
+                event.fault.compare(0, 11, "clock-back=") == 0 ? std::strtod(event.fault.c_str() + 11, nullptr) : 0.0;
             return board.SetFault(event.fault, trouble);
         case SoakAction::FaultOff:
             if (IsCardFault(event.fault)) {
@@ -261,7 +262,7 @@ bool Soak::SavedHours(std::string& trouble) {
     const std::string text = content.str();
     const std::size_t item = text.find("\"ElectronicsRunHours\"");
     const std::size_t value = item == std::string::npos ? item : text.find(" value=\"", item);
-    m_hours = value == std::string::npos ? -1.0 : std::atof(text.c_str() + value + 8);
+    m_hours = value == std::string::npos ? -1.0 : std::strtod(text.c_str() + value + 8, nullptr);
     const double passed = m_subject.OnBoard().Seconds() / 3600.0;
     if (m_hours > passed || m_hours < passed - 4.0 - m_setBack / 3600.0) {
         trouble = "the saved hours don't fit the " + std::to_string(passed) + " that have passed";

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -70,7 +71,8 @@ void ShortenSteps(std::string& configuration) {
     for (std::size_t at = configuration.find(item); at != std::string::npos; at = configuration.find(item, at)) {
         at = configuration.find(value, at) + value.size();
         const std::size_t end = configuration.find('"', at);
-        const std::string shortest = std::to_string(std::min(1000, std::atoi(configuration.c_str() + at)));
+        const std::string shortest =
+            std::to_string(std::min(1000L, std::strtol(configuration.c_str() + at, nullptr, 10)));
         configuration.replace(at, end - at, shortest);
     }
 }

@@ -187,7 +187,9 @@ int main(int count, char** arguments) {
         }
         const std::string value = i + 1 < count ? arguments[i + 1] : "";
         if (!Take(options, name, value)) {
-            return Refuse(name + " \"" + value + "\" is not understood; --help lists what there is");
+            std::string error = name;
+            error.append(" \"").append(value).append("\" is not understood; --help lists what there is");
+            return Refuse(error);
         }
     }
     const SubjectPlaces places{options.program, BENCH_LIBRARY, BENCH_CLIPS, BENCH_CONFIGURATION, options.bench};
