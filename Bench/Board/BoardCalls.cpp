@@ -14,11 +14,12 @@ namespace {
 constexpr std::int32_t KillsProcess = -1;  // in place of an error
 
 constexpr const char* Kinds[] = {
-    "open",     "close",  "read",          "write",      "seek",     "sync",          "ioctl",
-    "poll",     "mmap",   "fopen",         "fclose",     "opendir",  "stat",          "statfs",
-    "mount",    "umount", "setmntent",     "access",     "mkdir",    "remove",        "rename",
-    "truncate", "chmod",  "clock_gettime", "fork",       "system",   "socket",        "connect",
-    "send",     "recv",   "setsockopt",    "getsockopt", "shutdown", "gethostbyname", "gethostbyaddr", "pthread_create",
+    "open",       "close",      "read",     "write",         "seek",          "sync",
+    "ioctl",      "poll",       "mmap",     "fopen",         "fclose",        "opendir",
+    "stat",       "statfs",     "mount",    "umount",        "setmntent",     "access",
+    "mkdir",      "remove",     "rename",   "truncate",      "chmod",         "clock_gettime",
+    "fork",       "system",     "socket",   "connect",       "send",          "recv",
+    "setsockopt", "getsockopt", "shutdown", "gethostbyname", "gethostbyaddr", "pthread_create",
 };
 static_assert(std::size(Kinds) == static_cast<std::size_t>(Call::Count));
 

@@ -228,6 +228,8 @@ bool SweepCase::Reset(Subject& subject) const {
 
 bool SweepCase::Settles(Subject& subject, const Footprint& wanted, Footprint& seen) const {
     return WaitFor(subject, StartDeadline, [&] {
+        // The last answer holds the link that its question came by, up to the next one.
+        subject.AtStation().Ask(RequestOf(840), AnswerPatience);
         seen = subject.Measure().value_or(Footprint{});
         return seen.descriptors <= wanted.descriptors && seen.threads <= wanted.threads &&
                seen.zombies <= wanted.zombies && seen.threads > 0;
