@@ -43,7 +43,7 @@ bool Flood::Run(const volatile int& stop, std::string& trouble) {
         poll(nullptr, 0, TickMilliseconds);
         m_elapsed = Elapsed();
     }
-    if (m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
+    if (m_plan.seconds >= 60.0 && m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
         trouble = "the program grew";
         return false;
     }

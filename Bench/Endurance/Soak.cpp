@@ -60,7 +60,8 @@ bool Soak::Run(const volatile int& stop, std::string& trouble) {
     if (!SettleResults(trouble) || !SavedHours(trouble)) {
         return false;
     }
-    if (m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
+    const bool isLong = m_goals.cycles >= 50 || m_goals.resets >= 50 || m_goals.days >= 1.0;
+    if (isLong && m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
         trouble = "the program grew";
         return false;
     }

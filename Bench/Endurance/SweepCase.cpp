@@ -26,7 +26,7 @@ constexpr int PollMilliseconds = 5;
 constexpr double StartDeadline = 200.0;
 constexpr double ResultDeadline = 900.0;
 constexpr double ResetDeadline = 200.0;
-constexpr double RealDeadline = 6.0;
+constexpr double RealDeadline = 30.0;
 constexpr int ResetRequests = 3;
 
 // A station that lost a part of an answer can't tell where the next one begins: it connects anew.
