@@ -29,7 +29,6 @@ public:
 class DeviceMonitorFixture : public BoardTest {
 protected:
     explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness("Witness", HeardTypes, &Board()) {
-        MessageController::SetLogLevel(ERROR_LOG_LEVEL);
         MessageBase::SetMessagingControl(&router);
         router.RegisterCommand(&m_systemControl, KILLING_SYSTEM);
         router.RegisterCommand(&m_remoteIndicator, KILLING_SYSTEM);
@@ -42,7 +41,6 @@ protected:
         End(witness);
         MessageBase::SetMessagingControl(nullptr);
         End(router);
-        MessageController::SetLogLevel(RUMOR_LOG_LEVEL);
     }
 
     void Start() {
@@ -114,6 +112,17 @@ protected:
         LOGGING_DATA_MESSAGE, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE, REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
         PERIODIC_HARDWARE_TEST_DATA_MESSAGE};
 
+private:
+    // From before the router writes its first line.
+    class ErrorsOnly {
+    public:
+        ErrorsOnly() { MessageController::SetLogLevel(ERROR_LOG_LEVEL); }
+        ~ErrorsOnly() { MessageController::SetLogLevel(RUMOR_LOG_LEVEL); }
+        ErrorsOnly(const ErrorsOnly&) = delete;
+        ErrorsOnly& operator=(const ErrorsOnly&) = delete;
+    } m_errorsOnly;
+
+protected:
     MessagingControl router;
     Witness witness;
     std::unique_ptr<DeviceMonitor> monitor;
