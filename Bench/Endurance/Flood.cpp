@@ -65,7 +65,7 @@ bool Flood::Tick(std::string& trouble) {
         }
         m_subject.CutTexts(LongestText);
     }
-    return StillRuns(trouble) && StillResets(trouble);
+    return m_subject.StaysUp(trouble) && StillResets(trouble);
 }
 
 void Flood::SendToFrontEndLink() {
@@ -92,18 +92,6 @@ std::string Flood::TestPiece() {
         request.data = m_dice.Bytes(m_dice.Below(200));
     }
     return EncodeTestRequest(request);
-}
-
-bool Flood::StillRuns(std::string& trouble) {
-    switch (m_subject.HasEnded(trouble)) {
-        case Subject::End::Runs:
-            return true;
-        case Subject::End::BrokenPipe:
-            ++m_brokenPipes;
-            return m_subject.Restart(trouble);
-        default:
-            return false;
-    }
 }
 
 bool Flood::StillResets(std::string& trouble) {
@@ -140,7 +128,7 @@ std::string Flood::Describe() const {
                   "one and %zu of the other, %zu answers, %llu ends by a broken pipe; ",
                   m_elapsed, static_cast<double>(m_frontEndBytes) / 1e6, static_cast<double>(m_testBytes) / 1e6,
                   m_subject.AtFrontEnd().Connections(), m_subject.AtStation().Connections(),
-                  m_subject.AtStation().AnswerCount(), static_cast<unsigned long long>(m_brokenPipes));
+                  m_subject.AtStation().AnswerCount(), static_cast<unsigned long long>(m_subject.BrokenPipes()));
     return text + m_series.Describe();
 }
 

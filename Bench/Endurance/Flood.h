@@ -35,7 +35,6 @@ private:
     void SendToFrontEndLink();
     void SendToTestLink();
     std::string TestPiece();
-    bool StillRuns(std::string& trouble);
     bool StillResets(std::string& trouble);
     bool ResetOnRequest();
     double Elapsed() const { return std::chrono::duration<double>(Clock::now() - m_start).count(); }
@@ -52,7 +51,6 @@ private:
     std::uint64_t m_pieces = 0;  // sent on each link, or tried
     std::uint64_t m_frontEndBytes = 0;
     std::uint64_t m_testBytes = 0;
-    std::uint64_t m_brokenPipes = 0;
 };
 
 }  // namespace Bench

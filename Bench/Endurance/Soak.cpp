@@ -71,7 +71,7 @@ bool Soak::Run(const volatile int& stop, std::string& trouble) {
 bool Soak::Tick(std::string& trouble) {
     Measure();
     Look();
-    if (!StillRuns(trouble) || !JudgeResults(trouble) || !KeepGoing(trouble)) {
+    if (!m_subject.StaysUp(trouble) || !JudgeResults(trouble) || !KeepGoing(trouble)) {
         return false;
     }
     // A machine that falls behind the plan makes it longer and not denser.
@@ -159,7 +159,7 @@ bool Soak::Reset(bool byStation, std::string& trouble) {
             m_resetEnd = m_subject.OnBoard().Seconds();
             return true;
         }
-        if (!StillRuns(trouble)) {
+        if (!m_subject.StaysUp(trouble)) {
             return false;
         }
     }
@@ -176,18 +176,6 @@ bool Soak::TryReset(bool byStation) {
         frontEnd.SendCode(FrontEnd::Reset);
     }
     return frontEnd.WaitForConnection(generation + 1, ResetPatience);
-}
-
-bool Soak::StillRuns(std::string& trouble) {
-    switch (m_subject.HasEnded(trouble)) {
-        case Subject::End::Runs:
-            return true;
-        case Subject::End::BrokenPipe:
-            ++m_brokenPipes;
-            return m_subject.Restart(trouble);
-        default:
-            return false;
-    }
 }
 
 bool Soak::KeepGoing(std::string& trouble) {
@@ -283,7 +271,7 @@ std::string Soak::Describe() const {
         static_cast<unsigned long long>(m_ledger.Reported()), static_cast<unsigned long long>(m_ledger.Recorded()),
         static_cast<unsigned long long>(m_excused), static_cast<unsigned long long>(m_cut),
         static_cast<unsigned long long>(m_resets), static_cast<unsigned long long>(m_commands), m_answers,
-        static_cast<unsigned long long>(m_faults), static_cast<unsigned long long>(m_brokenPipes), m_hours);
+        static_cast<unsigned long long>(m_faults), static_cast<unsigned long long>(m_subject.BrokenPipes()), m_hours);
     return text + m_series.Describe();
 }
 

@@ -41,7 +41,6 @@ private:
     bool Reset(bool byStation, std::string& trouble);
     bool TryReset(bool byStation);
     bool KeepGoing(std::string& trouble);
-    bool StillRuns(std::string& trouble);
     bool JudgeResults(std::string& trouble);
     bool IsExcused(const ResultLedger::Missing& result) const;
     bool SettleResults(std::string& trouble);
@@ -63,7 +62,6 @@ private:
     std::uint64_t m_resets = 0;
     std::uint64_t m_faults = 0;
     std::uint64_t m_commands = 0;
-    std::uint64_t m_brokenPipes = 0;
     std::uint64_t m_excused = 0;  // results without a record while the card was in trouble
     std::uint64_t m_cut = 0;      // in the very moment of a reset
     double m_lastResult = 0.0;

@@ -65,6 +65,18 @@ Subject::End Subject::HasEnded(std::string& reason) {
     return m_end;
 }
 
+bool Subject::StaysUp(std::string& reason) {
+    switch (HasEnded(reason)) {
+        case End::Runs:
+            return true;
+        case End::BrokenPipe:
+            ++m_brokenPipes;
+            return Restart(reason);
+        default:
+            return false;
+    }
+}
+
 void Subject::CutTexts(std::uintmax_t limit) const {
     for (const std::string& file : {Output(), Log()}) {
         std::error_code problem;

@@ -43,6 +43,9 @@ public:
     // A front end that goes away while a frame is written ends the program by a broken pipe, as it has to be; any other
     // end is told in `reason`.
     End HasEnded(std::string& reason);
+    // Runs, or runs again after a broken pipe; else false with the reason.
+    bool StaysUp(std::string& reason);
+    std::uint64_t BrokenPipes() const { return m_brokenPipes; }  // that it was started again for
     // Of the program as it runs now.
     std::optional<Footprint> Measure() const { return ReadFootprint(m_analyzer.Program()); }
     pid_t Program() const { return m_analyzer.Program(); }
@@ -70,6 +73,7 @@ private:
     Analyzer m_analyzer;
     End m_end = End::Runs;
     std::string m_reason;
+    std::uint64_t m_brokenPipes = 0;
 };
 
 }  // namespace Bench
