@@ -19,11 +19,6 @@ constexpr std::size_t NameSize = 100;
 constexpr std::uint32_t Inputs = 12;
 constexpr float MillivoltsPerVolt = 1024.0F;
 
-bool Fail(const char* text) {
-    PrintError(text);
-    return false;
-}
-
 // Reads in the "C" locale, as the kernel writes.
 template <typename Number>
 bool ReadNumber(const std::string& path, Number& number) {
@@ -45,7 +40,7 @@ bool ReadNumber(const std::string& path, Number& number) {
 
 bool ADC::Open(std::uint32_t input) {
     if (input >= Inputs || !DeviceFile::DirectoryOpens(Directory)) {
-        return Fail("ADC: device does not exist");
+        return FailWithError("ADC: device does not exist");
     }
     m_input = static_cast<std::int32_t>(input);
     return true;
@@ -57,11 +52,11 @@ bool ADC::ReadRaw(std::int32_t& counts) const {
     }
     std::array<char, NameSize> name{};
     std::snprintf(name.data(), name.size(), RawFile, m_input);
-    return ReadNumber(std::string(Directory) + name.data(), counts) || Fail("ADC: can't read raw counts");
+    return ReadNumber(std::string(Directory) + name.data(), counts) || FailWithError("ADC: can't read raw counts");
 }
 
 bool ADC::ReadScale(float& scale) const {
-    return ReadNumber(std::string(Directory) + ScaleFile, scale) || Fail("ADC: can't read the reference");
+    return ReadNumber(std::string(Directory) + ScaleFile, scale) || FailWithError("ADC: can't read the reference");
 }
 
 bool ADC::ReadVoltage(float& voltage) const {

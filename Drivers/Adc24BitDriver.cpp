@@ -42,11 +42,6 @@ SpiDevice& SharedDevice() {
     return *device;
 }
 
-bool Fail(const char* text) {
-    PrintOutput(text);
-    return false;
-}
-
 // Cut to 16 bits: channels from 128 on fold onto the lower ones.
 std::uint16_t CommandWord(std::uint32_t channel) {
     const std::uint32_t command =
@@ -72,7 +67,7 @@ bool Adc24BitDriver::Read(bool convert) {
     bool locked = false;
     if (m_valid) {
         locked = pthread_mutex_lock(&conversionMutex) == 0;
-        result = locked ? ReadLocked(device, convert) : Fail("24 Bit ADC Driver: ADC mutex lock failed");
+        result = locked ? ReadLocked(device, convert) : FailWithOutput("24 Bit ADC Driver: ADC mutex lock failed");
     }
     if (!locked || pthread_mutex_unlock(&conversionMutex) != 0) {
         PrintOutput("24 Bit ADC Driver: ADC mutex unlock failed");
@@ -86,11 +81,11 @@ bool Adc24BitDriver::ReadLocked(SpiDevice& device, bool convert) {
     }
     const bool ended = WaitForEndOfConversion();
     if (!MemoryMappedIO::WritePin(ChipSelect.bank, ChipSelect.pin, HIGH_GPIO_LEVEL)) {
-        return Fail("24 Bit ADC Driver: Setting chip select high failed");
+        return FailWithOutput("24 Bit ADC Driver: Setting chip select high failed");
     }
     if (!ended) {
         m_raw = NoReading;
-        return Fail("24 Bit ADC Driver: Conversion did not finish in allotted time");
+        return FailWithOutput("24 Bit ADC Driver: Conversion did not finish in allotted time");
     }
     ReadResult(device);
     return !convert || Convert();
@@ -99,10 +94,10 @@ bool Adc24BitDriver::ReadLocked(SpiDevice& device, bool convert) {
 bool Adc24BitDriver::StartConversion(SpiDevice& device) const {
     const std::uint16_t command = CommandWord(m_channel);
     if (!device.Write(&command, sizeof command)) {
-        return Fail("24 Bit ADC Driver: SPI write failed");
+        return FailWithOutput("24 Bit ADC Driver: SPI write failed");
     }
     return MemoryMappedIO::WritePin(ChipSelect.bank, ChipSelect.pin, LOW_GPIO_LEVEL) ||
-           Fail("24 Bit ADC Driver: Setting chip select low failed");
+           FailWithOutput("24 Bit ADC Driver: Setting chip select low failed");
 }
 
 // A failed read is told and passes as what stands in the buffer, which is a converter at its lower limit: the
@@ -118,7 +113,7 @@ void Adc24BitDriver::ReadResult(SpiDevice& device) {
 
 bool Adc24BitDriver::Convert() {
     if (!m_valid || m_raw == NoReading) {
-        return Fail("24 Bit ADC Driver: ADC reading error or object not valid");
+        return FailWithOutput("24 Bit ADC Driver: ADC reading error or object not valid");
     }
     const bool isPositive = (m_raw & PositiveBit) != 0;
     const auto magnitude = static_cast<std::int32_t>(m_raw & (PositiveBit - 1));

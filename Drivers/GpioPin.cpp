@@ -13,8 +13,6 @@ using DeviceFile::WriteResult;
 
 namespace {
 
-constexpr std::uint32_t PinsPerBank = 32;
-
 constexpr const char* GpioDirectory = "/sys/class/gpio/";
 constexpr const char* ExportFile = "/sys/class/gpio/export";
 constexpr const char* UnexportFile = "/sys/class/gpio/unexport";
@@ -79,24 +77,21 @@ void GpioPin::Claim(GpioMode mode, GpioEdge edge) { m_valid = Export() && SetMod
 
 bool GpioPin::Export() {
     if (IsLocked()) {
-        PrintError(AlreadyUsed);
-        return false;
+        return FailWithError(AlreadyUsed);
     }
     return WriteOrPrint(ExportFile, ExportNumber(), "unable to lock a gpio");
 }
 
 bool GpioPin::Unexport() {
     if (!IsLocked()) {
-        PrintError(NotUsedYet);
-        return false;
+        return FailWithError(NotUsedYet);
     }
     return WriteOrPrint(UnexportFile, ExportNumber(), "unable to release a gpio");
 }
 
 bool GpioPin::SetDirection(GpioMode mode) {
     if (!IsLocked()) {
-        PrintError(NotLockedYet);
-        return false;
+        return FailWithError(NotLockedYet);
     }
     if (!WriteOrPrint(Directory() + "/direction", mode == OUTPUT_GPIO_MODE ? "out" : "in",
                       "unable to set the gpio mode")) {
@@ -108,8 +103,7 @@ bool GpioPin::SetDirection(GpioMode mode) {
 
 bool GpioPin::SetEdge(GpioEdge edge) {
     if (!IsLocked()) {
-        PrintError(NotLockedYet);
-        return false;
+        return FailWithError(NotLockedYet);
     }
     if (!WriteOrPrint(Directory() + "/edge", EdgeText(edge), "unable to set the gpio trigger")) {
         return false;
@@ -137,8 +131,7 @@ bool GpioPin::Write(std::int32_t level) {
         return false;
     }
     if (!IsLocked()) {
-        PrintError(NotLockedYet);
-        return false;
+        return FailWithError(NotLockedYet);
     }
     return WriteOrPrint(Directory() + "/value", level == HIGH_GPIO_LEVEL ? "1" : "0", "unable to set the gpio value");
 }

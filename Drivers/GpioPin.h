@@ -29,6 +29,9 @@ enum GpioLevel : std::int32_t {
     ERROR_GPIO_LEVEL = 3,
 };
 
+// Of each of the processor's banks.
+inline constexpr std::uint32_t PinsPerBank = 32;
+
 class GpioPin {
 public:
     // An input without edge detection. Bank 0 to 3, pin 0 to 31.

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr std::uint32_t PinsPerBank = 32;
-
 struct PioRegisters {
     std::uint32_t outputSet;
     std::uint32_t outputClear;

@@ -6,3 +6,7 @@
 
 void PrintError(std::string_view text);   // standard error stream
 void PrintOutput(std::string_view text);  // standard output
+
+// The same as the answer of an operation that failed: false.
+bool FailWithError(std::string_view text);
+bool FailWithOutput(std::string_view text);

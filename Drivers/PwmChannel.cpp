@@ -22,10 +22,6 @@ constexpr const char* NotLockedYet = "not locked yet\n";
 // Makes a digit that no channel has, so that a refused object meets no directory in its later operations.
 constexpr std::uint8_t NoChannel = 0xFF;
 
-constexpr float LowestFrequency = 1.0F;
-constexpr float HighestFrequency = 1e8F;
-constexpr float LowestDutyCycle = 0.0F;
-constexpr float HighestDutyCycle = 100.0F;
 constexpr float NanoSecondsPerSecond = 1e9F;
 
 // Only a missing file counts: a value that the kernel refuses goes unnoticed, since the callers count on a channel that
@@ -77,8 +73,7 @@ PwmChannel::~PwmChannel() {
 
 bool PwmChannel::Claim(std::uint8_t channel) {
     if (channel >= ChannelCount()) {
-        PrintError("wrong pwm channel");
-        return false;
+        return FailWithError("wrong pwm channel");
     }
     m_channel = channel;
     return Export();
@@ -93,32 +88,28 @@ std::uint32_t PwmChannel::ChannelCount() {
 
 bool PwmChannel::Export() {
     if (DeviceFile::DirectoryOpens(Directory())) {
-        PrintError(AlreadyUsed);
-        return false;
+        return FailWithError(AlreadyUsed);
     }
     return WriteOrPrint(ExportFile, Digit(), "unable to lock a pwm");
 }
 
 bool PwmChannel::Unexport() {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        PrintError(NotUsedYet);
-        return false;
+        return FailWithError(NotUsedYet);
     }
     return WriteOrPrint(UnexportFile, Digit(), "unable to release a pwm");
 }
 
 bool PwmChannel::Enable(bool on) {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        PrintOutput(NotLockedYet);
-        return false;
+        return FailWithOutput(NotLockedYet);
     }
     return WriteOrPrint(Directory() + "/enable", on ? "1" : "0", "unable to enable a pwm");
 }
 
 bool PwmChannel::IsEnabled() const {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        PrintError(NotLockedYet);
-        return false;
+        return FailWithError(NotLockedYet);
     }
     std::string text;
     return !DeviceFile::ReadText(Directory() + "/enable", text) || DeviceFile::FirstWord(text) == "1";
@@ -130,8 +121,7 @@ bool PwmChannel::Set(float frequency, float dutyCycle) {
         PrintError(NotLockedYet);
     }
     if (!locked || (IsEnabled() && !Enable(false))) {
-        PrintError("unable to set pwm frequency");
-        return false;
+        return FailWithError("unable to set pwm frequency");
     }
     Store(frequency, dutyCycle);
     return WritePeriodAndDuty(frequency, dutyCycle);

@@ -7,6 +7,11 @@
 
 class PwmChannel {
 public:
+    static constexpr float LowestFrequency = 1.0F;
+    static constexpr float HighestFrequency = 1e8F;
+    static constexpr float LowestDutyCycle = 0.0F;
+    static constexpr float HighestDutyCycle = 100.0F;
+
     // Channel 0 to 9. Frequency and duty cycle are not set, the channel is not enabled.
     explicit PwmChannel(std::uint8_t channel);
     // The channel starts enabled.
@@ -21,7 +26,7 @@ public:
 
     // Whether the last construction or release step succeeded.
     bool IsValid() const { return m_valid; }
-    // The last values given, held within 1.0 to 1e8 hertz and 0.0 to 100.0 percent.
+    // The last values given, held within the limits above.
     float GetFrequency() const { return m_frequency; }
     float GetDutyCycle() const { return m_dutyCycle; }
 

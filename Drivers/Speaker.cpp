@@ -83,8 +83,7 @@ bool Speaker::SetVolume(std::int32_t left, std::int32_t right) {
 
 bool Speaker::Play(const std::string& path, std::int32_t gap) {
     if (m_player != -1) {
-        PrintError("Speaker: already in play");
-        return false;
+        return FailWithError("Speaker: already in play");
     }
     const std::string line = std::string(PlayerCommand) + "-q " + path;
     m_player = fork();

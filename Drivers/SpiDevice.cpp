@@ -76,8 +76,7 @@ bool SpiDevice::Configure() {
     };
     for (const auto& setting : settings) {
         if (ioctl(m_descriptor, setting.request, setting.value) < 0) {
-            PrintError(setting.failure);
-            return false;
+            return FailWithError(setting.failure);
         }
     }
     return true;
@@ -105,8 +104,7 @@ bool SpiDevice::TransferWords(void* buffer, std::uint32_t length) const {
     const std::uint32_t wordSize = m_bitsPerWord < 9 ? 1 : 2;
     const std::size_t count = length / wordSize;
     if (length % wordSize != 0 || count > MostTransfers) {
-        PrintError(TransferFailure);
-        return false;
+        return FailWithError(TransferFailure);
     }
     std::array<spi_ioc_transfer, MostTransfers> transfers{};
     auto* word = static_cast<std::byte*>(buffer);

@@ -8,21 +8,12 @@ namespace {
 
 constexpr std::uint8_t Channels = 4;
 
-constexpr float LowestFrequency = 1.0F;
-constexpr float HighestFrequency = 1e8F;
-constexpr float HighestDutyCycle = 100.0F;
-
 // By PWM channel, for all motors of the process.
 constinit HeldLock channelLocks[Channels];
 
-bool Fail(const char* text) {
-    PrintOutput(text);
-    return false;
-}
-
 bool IsInRange(float dutyCycle, float frequency) {
-    return frequency >= LowestFrequency && frequency <= HighestFrequency && dutyCycle > 0.0F &&
-           dutyCycle <= HighestDutyCycle;
+    return frequency >= PwmChannel::LowestFrequency && frequency <= PwmChannel::HighestFrequency && dutyCycle > 0.0F &&
+           dutyCycle <= PwmChannel::HighestDutyCycle;
 }
 
 bool MakeOutput(std::unique_ptr<GpioPin>& line, PinAddress address, std::int32_t level) {
@@ -50,14 +41,14 @@ StepperDriverBase::~StepperDriverBase() {
 
 bool StepperDriverBase::SetUpPins(PinAddress enable, PinAddress direction) {
     if (m_valid && !MakeOutput(m_directionPin, direction, LOW_GPIO_LEVEL)) {
-        m_valid = Fail("StepperDriverBase: Setting up direction GPIO pin failed");
+        m_valid = FailWithOutput("StepperDriverBase: Setting up direction GPIO pin failed");
     }
     return SetUpEnablePin(enable);
 }
 
 bool StepperDriverBase::SetUpEnablePin(PinAddress enable) {
     if (m_valid && !MakeOutput(m_enablePin, enable, HIGH_GPIO_LEVEL)) {
-        m_valid = Fail("StepperDriverBase: Setting up enable GPIO pin failed");
+        m_valid = FailWithOutput("StepperDriverBase: Setting up enable GPIO pin failed");
     }
     if (m_valid) {
         m_pwm.reset();
@@ -72,11 +63,11 @@ bool StepperDriverBase::Start(float dutyCycle, float frequency) {
         return false;
     }
     if (!IsInRange(dutyCycle, frequency)) {
-        return Fail("Invalid PWM frequency or duty cycle in StepperDriver::Start");
+        return FailWithOutput("Invalid PWM frequency or duty cycle in StepperDriver::Start");
     }
     HeldLock& lock = channelLocks[m_channel];
     if (lock.IsHeldHere(this)) {
-        return Fail("Stepper Driver: PWM mutex lock failed");
+        return FailWithOutput("Stepper Driver: PWM mutex lock failed");
     }
     lock.Lock(this);
     if (WriteEnablePin(LOW_GPIO_LEVEL) && m_pwm != nullptr && m_pwm->Set(frequency, dutyCycle)) {
@@ -93,8 +84,10 @@ bool StepperDriverBase::Stop() {
     }
     const bool pwmDisabled = m_pwm != nullptr && m_pwm->Enable(false);
     const bool chipDisabled = WriteEnablePin(HIGH_GPIO_LEVEL);
-    const bool disabled = (pwmDisabled && chipDisabled) || Fail("Stepper Driver: PWM disable or chip disable failed");
-    const bool unlocked = channelLocks[m_channel].Unlock(this) || Fail("Stepper Driver: PWM mutex unlock failed");
+    const bool disabled =
+        (pwmDisabled && chipDisabled) || FailWithOutput("Stepper Driver: PWM disable or chip disable failed");
+    const bool unlocked =
+        channelLocks[m_channel].Unlock(this) || FailWithOutput("Stepper Driver: PWM mutex unlock failed");
     return disabled && unlocked;
 }
 

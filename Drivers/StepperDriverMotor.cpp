@@ -11,12 +11,6 @@ constexpr std::uint32_t HighestLimit = 7;
 constexpr float DegreesPerRevolution = 360.0F;
 constexpr float StepsPerRevolution = 1600.0F;
 constexpr float MillisecondsPerSecond = 1000.0F;
-constexpr float HighestDutyCycle = 100.0F;
-
-bool Fail(const char* text) {
-    PrintOutput(text);
-    return false;
-}
 
 }  // namespace
 
@@ -56,7 +50,7 @@ bool StepperDriverMotor::SetCurrentLimit(std::uint32_t limit) {
         const auto level = static_cast<std::int32_t>(bits >> bit & 1U);
         written = m_limitPins[bit] != nullptr && m_limitPins[bit]->Write(level) && written;
     }
-    return written || Fail("Reagent Stepper Motor: Setting current limit pin values failed");
+    return written || FailWithOutput("Reagent Stepper Motor: Setting current limit pin values failed");
 }
 
 bool StepperDriverMotor::StartMotor(float dutyCycle, float frequency, std::uint32_t limit) {
@@ -66,18 +60,18 @@ bool StepperDriverMotor::StartMotor(float dutyCycle, float frequency, std::uint3
             return true;
         }
     }
-    return Fail("StepperDriverMotor: Start operation failed");
+    return FailWithOutput("StepperDriverMotor: Start operation failed");
 }
 
 bool StepperDriverMotor::MoveAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait) {
-    const bool inRange = IsValid() && angle > 0.0F && dutyCycle > 0.0F && dutyCycle <= HighestDutyCycle;
+    const bool inRange = IsValid() && angle > 0.0F && dutyCycle > 0.0F && dutyCycle <= PwmChannel::HighestDutyCycle;
     if (inRange && milliseconds != 0) {
         m_lock.Lock(this);
         if (SetCurrentLimit(MovingLimit) && RunAngle(angle, dutyCycle, milliseconds, busyWait) && Brake()) {
             return true;
         }
     }
-    return Fail("StepperDriverMotor::MoveAngle failed!");
+    return FailWithOutput("StepperDriverMotor::MoveAngle failed!");
 }
 
 bool StepperDriverMotor::RunAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait) {
@@ -95,5 +89,5 @@ bool StepperDriverMotor::Brake() {
         braked = WriteEnablePin(LOW_GPIO_LEVEL) && limited;
     }
     m_lock.Unlock(this);
-    return braked || Fail("StepperDriverMotor: Brake operation failed");
+    return braked || FailWithOutput("StepperDriverMotor: Brake operation failed");
 }

@@ -20,8 +20,7 @@ bool ValvePWM::ValveOn(float dutyCycle) {
         return false;
     }
     if (!m_pwm->Set(m_frequency, dutyCycle)) {
-        PrintOutput("ValvePWM::ValveOn: valve did not successfully turn on");
-        return false;
+        return FailWithOutput("ValvePWM::ValveOn: valve did not successfully turn on");
     }
     if (m_switchDelay <= 0) {
         return true;

@@ -9,6 +9,8 @@
 
 class ValvePWM {
 public:
+    static constexpr float OpeningDutyCycle = 100.0F;
+
     // Frequency in hertz.
     ValvePWM(std::uint8_t channel, std::uint16_t frequency) : m_channel(channel), m_frequency(frequency) {}
     ValvePWM(const ValvePWM&) = delete;

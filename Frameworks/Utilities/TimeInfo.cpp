@@ -3,11 +3,11 @@
 #include <tuple>
 
 #include "Frameworks/Utilities/Report.h"
+#include "Frameworks/Utilities/TimeSpec.h"
 
 namespace {
 
 constexpr char TimeSample[] = "MDT 2012-12-31 12:59:59.xxxxxxxxx";
-constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
 constexpr double SecondsPerDay = 86400.0;
 constexpr double XcelDayOfEpoch = 25569.0;
 

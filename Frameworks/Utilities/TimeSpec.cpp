@@ -7,7 +7,6 @@
 namespace {
 
 constexpr std::int32_t LargestNanoSeconds = 999999999;
-constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
 constexpr std::uint32_t NanoSecondsPerTenth = 100000;
 
 std::int64_t TotalNanoSeconds(const TimeSpec& time) {

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+inline constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
+
 class TimeSpec {
 public:
     TimeSpec();  // now, with retry

@@ -11,6 +11,7 @@
 #include "Drivers/PwmChannel.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
+#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/Truncate.h"
 #include "System/TestInterface/AdcStatusMessage.h"
 #include "System/TestInterface/TestDigitalInputPinsMessage.h"
@@ -24,7 +25,6 @@ constexpr std::uint32_t ConverterIds = 14;  // two ids a channel
 constexpr std::uint32_t FirstMultiplexerId = 10086;
 constexpr std::uint32_t MultiplexerIds = 16;
 constexpr std::uint32_t BankCount = 4;
-constexpr std::uint32_t PinsPerBank = 32;
 constexpr std::uint32_t FunctionsPerChannel = 3;
 constexpr float FirstFrequency = 1000.0F;
 constexpr float FirstDutyCycle = 50.0F;
@@ -32,8 +32,6 @@ constexpr float FirstDutyCycle = 50.0F;
 // One for each PWM channel, made on first use and kept to the end of the process: the test link leaves a channel
 // running.
 std::array<PwmChannel*, 4> LiftPwmTable{};
-
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 // False where the answer is null, memory having run out.
 template <typename Message>

@@ -3,14 +3,9 @@
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
+#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/MeasurementMessage.h"
 #include "System/MeasurementEngine/Truncate.h"
-
-namespace {
-
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
-
-}  // namespace
 
 MeasurementControl::MeasurementControl() {
     if (pthread_mutex_init(&m_runMutex, nullptr) != 0) {

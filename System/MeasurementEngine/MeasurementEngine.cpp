@@ -4,6 +4,7 @@
 
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
+#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/GUIResponseMessage.h"
 #include "System/MeasurementEngine/LiftRequests.h"
 #include "System/TestInterface/AdcStatusMessage.h"
@@ -17,8 +18,6 @@ constexpr std::int32_t EnteredIdle = -1;
 constexpr std::int32_t EnteredRunning = -2;
 constexpr unsigned SettleSeconds = 10;  // of an instrument that leaves running between two cycles
 constexpr unsigned RetrySeconds = 1;
-
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 void TellFrontEnd(std::int32_t status, const char* text) {
     auto response = TryMake<GUIResponseMessage>();

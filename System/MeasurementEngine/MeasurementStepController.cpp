@@ -21,7 +21,6 @@
 namespace {
 
 constexpr float PrimeDutyCycle = 50.0F;
-constexpr float OpeningDutyCycle = 100.0F;
 
 }  // namespace
 
@@ -156,7 +155,7 @@ bool MeasurementStepController::PrimeFluidics() {
 bool MeasurementStepController::TurnPrimed() {
     const float angle = static_cast<float>(m_primeCount) * 360.0F;
     const auto time = TruncateTo<std::uint32_t>(angle / 360.0F * 1000.0F);
-    m_valve->ValveOn(OpeningDutyCycle);
+    m_valve->ValveOn(ValvePWM::OpeningDutyCycle);
     const bool turned = m_pumpMotor->MoveAngle(angle, PrimeDutyCycle, time, false);
     m_valve->ValveOff();
     return turned;

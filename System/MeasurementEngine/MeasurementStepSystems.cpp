@@ -3,10 +3,10 @@
 #include "Drivers/SpiDevice.h"
 #include "Drivers/StepperDriverMotor.h"
 #include "Drivers/ValvePWM.h"
-#include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
+#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/MeasurementStepController.h"
 #include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
@@ -28,8 +28,6 @@ constexpr PinAddress StirEnable{1, 15};
 
 constexpr std::uint8_t ValveChannel = 3;
 constexpr std::uint16_t ValveFrequency = 1000;  // hertz
-
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 std::unique_ptr<StepperDriverMotor> MakePumpMotor() {
     auto motor = TryMake<StepperDriverMotor>(PumpChannel);

@@ -4,7 +4,7 @@
 
 #include "Drivers/FlagSensor.h"
 #include "Drivers/StepperDriverMotor.h"
-#include "Frameworks/Messaging/MessageController.h"
+#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/Truncate.h"
 
 namespace {
@@ -16,8 +16,6 @@ constexpr double HighStretch = 390.0;  // degrees: whatever part of the turn the
 constexpr double LowStretch = 60.0;
 constexpr double PastTheEdge = 5.0;
 constexpr int HomingTries = 3;
-
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE); }
 
 std::uint32_t MilliSecondsFor(double degrees, double speed) {
     return TruncateTo<std::uint32_t>(degrees / speed * 1000.0);

@@ -2,11 +2,7 @@
 
 #include "Drivers/ValvePWM.h"
 
-namespace {
-
-constexpr float OpeningDutyCycle = 100.0F;
-
-}  // namespace
+namespace {}  // namespace
 
 std::int32_t SampleDeliveryProcessing::Exit() {
     ForgetStep();
@@ -15,7 +11,7 @@ std::int32_t SampleDeliveryProcessing::Exit() {
 
 void SampleDeliveryProcessing::Work() {
     if (GetStep()->sampleValveOn) {
-        m_valve->ValveOn(OpeningDutyCycle);
+        m_valve->ValveOn(ValvePWM::OpeningDutyCycle);
     } else {
         m_valve->ValveOff();
     }
