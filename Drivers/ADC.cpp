@@ -1,9 +1,11 @@
 #include "Drivers/ADC.h"
 
 #include <array>
+#include <cerrno>
+#include <cmath>
 #include <cstdio>
-#include <locale>
-#include <sstream>
+#include <cstdlib>
+#include <limits>
 #include <string>
 
 #include "Drivers/DeviceFile.h"
@@ -19,21 +21,36 @@ constexpr std::size_t NameSize = 100;
 constexpr std::uint32_t Inputs = 12;
 constexpr float MillivoltsPerVolt = 1024.0F;
 
-// Reads in the "C" locale, as the kernel writes.
-template <typename Number>
-bool ReadNumber(const std::string& path, Number& number) {
-    std::string text;
-    if (!DeviceFile::ReadText(path, text)) {
+// The number that a text begins with. False where it begins with none or with one too large.
+bool ReadNumber(const std::string& text, std::int32_t& number) {
+    char* end = nullptr;
+    errno = 0;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (end == text.c_str() || errno == ERANGE || value < Limits::min() || value > Limits::max()) {
         return false;
     }
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
-    Number value{};
-    if (!(stream >> value)) {
+    number = static_cast<std::int32_t>(value);
+    return true;
+}
+
+// Decimal alone: strtof would take "inf", "nan" and hexadecimal numbers too.
+bool ReadNumber(const std::string& text, float& number) {
+    const std::string decimal = text.substr(0, text.find_first_not_of(" \t\n0123456789.eE+-"));
+    char* end = nullptr;
+    const float value = std::strtof(decimal.c_str(), &end);
+    const bool isCut = decimal.find_first_of("eE") == static_cast<std::size_t>(end - decimal.c_str());
+    if (end == decimal.c_str() || isCut || !std::isfinite(value)) {
         return false;
     }
     number = value;
     return true;
+}
+
+template <typename Number>
+bool ReadNumberOf(const std::string& path, Number& number) {
+    std::string text;
+    return DeviceFile::ReadText(path, text) && ReadNumber(text, number);
 }
 
 }  // namespace
@@ -52,11 +69,11 @@ bool ADC::ReadRaw(std::int32_t& counts) const {
     }
     std::array<char, NameSize> name{};
     std::snprintf(name.data(), name.size(), RawFile, m_input);
-    return ReadNumber(std::string(Directory) + name.data(), counts) || FailWithError("ADC: can't read raw counts");
+    return ReadNumberOf(std::string(Directory) + name.data(), counts) || FailWithError("ADC: can't read raw counts");
 }
 
 bool ADC::ReadScale(float& scale) const {
-    return ReadNumber(std::string(Directory) + ScaleFile, scale) || FailWithError("ADC: can't read the reference");
+    return ReadNumberOf(std::string(Directory) + ScaleFile, scale) || FailWithError("ADC: can't read the reference");
 }
 
 bool ADC::ReadVoltage(float& voltage) const {

@@ -1,11 +1,14 @@
 #include "Drivers/Print.h"
 
-#include <iostream>
+#include <cstdio>
 
-void PrintError(std::string_view text) { std::cerr << text; }
+void PrintError(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
 // Flushed, since most texts have no line end, and a child process would write what is still in the buffer once more.
-void PrintOutput(std::string_view text) { std::cout << text << std::flush; }
+void PrintOutput(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+}
 
 bool FailWithError(std::string_view text) {
     PrintError(text);

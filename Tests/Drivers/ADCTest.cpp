@@ -84,6 +84,19 @@ TEST_F(OnChip, the_scale_is_a_number_with_a_fraction) {
     EXPECT_EQ(scale, 3.22265625F);
 }
 
+TEST_F(OnChip, the_scale_is_the_number_that_the_text_begins_with) {
+    const struct {
+        const char* text;
+        float scale;
+    } rows[] = {{" \t\n+1.5", 1.5F}, {"2.5e-1V", 0.25F}, {"-.5 mV", -0.5F}, {"0x10", 0.0F}, {"1.5.5", 1.5F}};
+    for (const auto& row : rows) {
+        Board().SetIioScale(row.text);
+        float scale = 7.0F;
+        EXPECT_TRUE(m_adc.ReadScale(scale)) << row.text;
+        EXPECT_EQ(scale, row.scale) << row.text;
+    }
+}
+
 TEST_F(OnChip, the_voltage_is_counts_times_scale_by_1024_in_this_order) {
     const struct {
         int raw;
@@ -133,7 +146,7 @@ TEST_F(OnChip, a_scale_that_does_not_open_is_told) {
 
 TEST_F(OnChip, a_scale_that_is_no_number_is_told) {
     float scale = 7.0F;
-    for (const char* text : {"", "volt", "nan"}) {
+    for (const char* text : {"", "volt", "nan", "inf", "1e", "1e+", "1e39", "-", "."}) {
         Board().SetIioScale(text);
         EXPECT_EQ(PrintedBy([&] { EXPECT_FALSE(m_adc.ReadScale(scale)); }), OnError("ADC: can't read the reference"));
     }

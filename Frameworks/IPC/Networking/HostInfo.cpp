@@ -5,8 +5,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
-#include <iostream>
 
 #include "Frameworks/IPC/Networking/NetworkLog.h"
 #include "Frameworks/Threading/Mutex.h"
@@ -73,7 +73,8 @@ void HostInfo::LookUpLocalHost() {
     m_isLookUpOpen = true;
     m_name = LocalHostName();
     const std::string place = SourcePath + std::to_string(__LINE__);
-    std::cout << place + ", hostname: " + m_name.Text() + "\n" << std::flush;
+    std::fputs((place + ", hostname: " + m_name.Text() + "\n").c_str(), stdout);
+    std::fflush(stdout);
     LookUpByName(m_name, "HostInfo::HostInfo() Unable to get Network DB with server - " + m_name);
 }
 
