@@ -25,6 +25,14 @@ else()
   target_compile_options(project_options INTERFACE -Wthread-safety)
 endif()
 
+# What ships brings the few functions of the C++ library that it needs instead of opening the whole of it, and all its
+# calls are bound once, at its start, not by each thread on its own stack. libgcc_s stays shared: it is what pthread_exit
+# opens. Sanitizers need the libraries as they are.
+add_library(product_options INTERFACE)
+if(NOT VERNICOR_SANITIZE AND NOT VERNICOR_COVERAGE)
+  target_link_options(product_options INTERFACE -static-libstdc++ -Wl,--gc-sections -Wl,-z,now)
+endif()
+
 # The board stands between the sanitizers' run-time and libc, so it is never built with one.
 add_library(sanitizer_options INTERFACE)
 if(VERNICOR_SANITIZE)
