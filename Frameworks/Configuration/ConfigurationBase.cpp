@@ -26,6 +26,37 @@ constexpr ItemAttribute WriteOrder[] = {
     {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure},
 };
 
+// The texts of an item whose tag has to be searched for them.
+struct ItemValues {
+    std::string name;
+    std::string description;
+    std::string type;
+    std::string unitOfMeasure;
+    std::string value;
+};
+
+// Whether the tag has its attributes as they are written here, and nothing in it to be decoded.
+bool ReadAsWritten(std::string_view tag, ItemTexts& texts) {
+    XmlAttributes attributes(tag, 1 + std::string_view(ItemName).size());
+    return attributes.NextIs("name", texts.name) && attributes.NextIs("type", texts.type) &&
+           attributes.NextIs("value", texts.value) && attributes.NextIs("description", texts.description) &&
+           attributes.NextIs("unitOfMeasure", texts.unitOfMeasure) && tag.find('&') == std::string_view::npos;
+}
+
+// Of the current element: views of the document or of `values`.
+ItemTexts ReadTexts(const XmlDocument& document, ItemValues& values) {
+    ItemTexts texts;
+    if (ReadAsWritten(document.GetStartTag(), texts)) {
+        return texts;
+    }
+    values = {.name = document.GetAttribute("name"),
+              .description = document.GetAttribute("description"),
+              .type = document.GetAttribute("type"),
+              .unitOfMeasure = document.GetAttribute("unitOfMeasure"),
+              .value = document.GetAttribute("value")};
+    return {values.name, values.description, values.type, values.unitOfMeasure, values.value};
+}
+
 void ReportError(const StdString& text) { Report(text, ERROR_LOG_LEVEL, SYSTEM_CONTROL); }
 
 }  // namespace
@@ -81,14 +112,9 @@ bool ConfigurationBase::ReadItems(const char* refusedText) {
 int ConfigurationBase::AddItems(ItemInfoContainer& items, AddOperation add, const char* refusedText) {
     XmlDocument& document = *GetDocument();
     int added = 0;
+    ItemValues values;
     while (document.FindElement(ItemName)) {
-        auto item = std::make_unique<ItemInfoElement>();
-        item->SetName(document.GetAttribute("name"));
-        item->SetDescription(document.GetAttribute("description"));
-        item->SetType(document.GetAttribute("type"));
-        item->SetUnitOfMeasure(document.GetAttribute("unitOfMeasure"));
-        item->SetValue(document.GetAttribute("value"));
-        if ((items.*add)(std::move(item))) {
+        if ((items.*add)(ReadTexts(document, values))) {
             ++added;
         } else {
             ReportError(refusedText);

@@ -36,7 +36,7 @@ public:
 
 protected:
     // By name or by value.
-    using AddOperation = bool (ItemInfoContainer::*)(std::unique_ptr<ItemInfoElement>&&);
+    using AddOperation = bool (ItemInfoContainer::*)(const ItemTexts&);
 
     // The steps of reading and writing that a section with more than a flat run of items shares. Each needs a document,
     // but for FindSection and WriteItem, which test for it.

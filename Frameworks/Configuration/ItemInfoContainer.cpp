@@ -3,19 +3,50 @@
 #include "Frameworks/Configuration/MissingSetting.h"
 
 bool ItemInfoContainer::AddItem(std::unique_ptr<ItemInfoElement>&& element) {
-    return element != nullptr && Add(element->GetName(), std::move(element));
+    return element != nullptr &&
+           Add(element->GetName().Text(), [&element] { return Owner(element.release(), Release{false}); });
 }
 
 bool ItemInfoContainer::AddItemByValue(std::unique_ptr<ItemInfoElement>&& element) {
-    return element != nullptr && Add(element->GetValue(), std::move(element));
+    return element != nullptr &&
+           Add(element->GetValue().Text(), [&element] { return Owner(element.release(), Release{false}); });
 }
 
-bool ItemInfoContainer::Add(StdString key, std::unique_ptr<ItemInfoElement>&& element) {
-    return m_items.try_emplace(std::move(key), std::move(element)).second;
+bool ItemInfoContainer::AddItem(const ItemTexts& texts) { return Add(texts.name, texts); }
+
+bool ItemInfoContainer::AddItemByValue(const ItemTexts& texts) { return Add(texts.value, texts); }
+
+bool ItemInfoContainer::Add(std::string_view key, const ItemTexts& texts) {
+    return Add(key, [this, &texts] {
+        std::pmr::polymorphic_allocator<> blocks(&m_blocks);
+        return Owner(blocks.new_object<ItemInfoElement>(texts), Release{true});
+    });
+}
+
+template <class Make>
+bool ItemInfoContainer::Add(std::string_view key, const Make& make) {
+    const auto [place, isNew] = m_items.emplace(key, nullptr);
+    if (isNew) {
+        place->second = make();
+    }
+    return isNew;
+}
+
+void ItemInfoContainer::Clear() {
+    m_items.clear();
+    m_blocks.release();
+}
+
+void ItemInfoContainer::Release::operator()(ItemInfoElement* element) const {
+    if (isInBlock) {
+        std::destroy_at(element);
+    } else {
+        delete element;
+    }
 }
 
 ItemInfoElement* ItemInfoContainer::GetItem(const StdString& key) const {
-    const auto found = m_items.find(key);
+    const auto found = m_items.find(std::string_view(key.Text()));
     return found == m_items.end() ? nullptr : found->second.get();
 }
 

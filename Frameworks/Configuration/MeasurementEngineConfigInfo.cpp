@@ -76,22 +76,23 @@ bool MeasurementEngineConfigInfo::FindStepOrder() {
 bool MeasurementEngineConfigInfo::ReadSteps() {
     Empty(m_steps);
     XmlDocument* document = GetDocument();
+    const StdString place = Place() + ", step ";
     bool result = false;
     while (document->FindElement(StepName)) {
         if (!document->IntoElement()) {
             continue;
         }
-        result = ReadStep() || result;
+        result = ReadStep(place) || result;
         result = document->OutOfElement() && result;
     }
     return result;
 }
 
-bool MeasurementEngineConfigInfo::ReadStep() {
+bool MeasurementEngineConfigInfo::ReadStep(const StdString& place) {
     auto items = std::make_unique<ItemInfoContainer>();
     AddItems(*items, &ItemInfoContainer::AddItem, ItemRefusedText);
     const StdString key = items->GetValueOr(StepKeyName, "");
-    items->SetPlace(Place() + ", step " + key);
+    items->SetPlace(place + key);
     if (m_steps->AddItemContainer(std::move(items), key)) {
         return true;
     }

@@ -23,7 +23,7 @@ private:
     bool ReadStepOrder();
     bool FindStepOrder();  // false as well where a step stands in front of it
     bool ReadSteps();
-    bool ReadStep();
+    bool ReadStep(const StdString& place);
 
     std::unique_ptr<InfoContainer> m_steps;
     std::unique_ptr<ItemInfoContainer> m_stepOrder;

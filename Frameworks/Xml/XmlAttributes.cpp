@@ -1,7 +1,5 @@
 #include "Frameworks/Xml/XmlAttributes.h"
 
-#include <algorithm>
-
 #include "Frameworks/Xml/XmlBytes.h"
 #include "Frameworks/Xml/XmlEntities.h"
 
@@ -65,12 +63,6 @@ const char* BehindValue(const char* start, const char* end, std::string_view& va
 }
 
 }  // namespace
-
-XmlAttributes::XmlAttributes(std::string_view tag, std::size_t offset) : m_tag(tag.data()), m_at(m_tag + offset) {
-    const std::size_t last = tag.size() - 1;  // the ">"
-    const bool isClosed = last > offset && (tag[last - 1] == '/' || (tag[1] == '?' && tag[last - 1] == '?'));
-    m_end = std::max(m_at, m_tag + (isClosed ? last - 1 : last));
-}
 
 bool XmlAttributes::Next(XmlAttribute& attribute) {
     const char* const end = m_end;

@@ -2,10 +2,13 @@
 // at any of its offsets leaves the rest of the tag to be read as before.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "Frameworks/Xml/XmlBytes.h"
 
 // Views into the tag.
 struct XmlAttribute {
@@ -24,6 +27,9 @@ public:
 
     // False behind the last, which leaves the attribute alone.
     bool Next(XmlAttribute& attribute);
+    // For a reader that knows how they mostly stand: the value of the next one, taken if it is written as a blank, the
+    // name, "=" and the value in double quotes. False otherwise, and nothing is taken.
+    bool NextIs(std::string_view name, std::string_view& value);
 
 private:
     const char* m_tag = nullptr;
@@ -58,3 +64,29 @@ private:
     XmlAttributes m_rest;  // behind the known
     bool m_hasEntities = false;
 };
+
+inline XmlAttributes::XmlAttributes(std::string_view tag, std::size_t offset)
+    : m_tag(tag.data()), m_at(m_tag + offset) {
+    const std::size_t last = tag.size() - 1;  // the ">"
+    const bool isClosed = last > offset && (tag[last - 1] == '/' || (tag[1] == '?' && tag[last - 1] == '?'));
+    m_end = std::max(m_at, m_tag + (isClosed ? last - 1 : last));
+}
+
+inline bool XmlAttributes::NextIs(std::string_view name, std::string_view& value) {
+    constexpr std::string_view Blank = " ";
+    constexpr std::string_view ValueStart = "=\"";
+    std::string_view rest(m_at, static_cast<std::size_t>(m_end - m_at));
+    for (const std::string_view part : {Blank, name, ValueStart}) {
+        if (!rest.starts_with(part)) {
+            return false;
+        }
+        rest.remove_prefix(part.size());
+    }
+    const char* const close = FindXmlByte(rest.data(), m_end, '"');
+    if (close == m_end) {
+        return false;
+    }
+    value = {rest.data(), static_cast<std::size_t>(close - rest.data())};
+    m_at = close + 1;
+    return true;
+}

@@ -138,6 +138,8 @@ std::string XmlDocument::GetAttribute(const char* name) const {
     return m_attributes.ValueOf(name);
 }
 
+std::string_view XmlDocument::GetStartTag() const { return m_main == 0 ? std::string_view() : StartTag(m_main); }
+
 std::string XmlDocument::GetData() const {
     std::string data;
     if (m_main == 0) {

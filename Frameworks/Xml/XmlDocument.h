@@ -55,6 +55,8 @@ public:
     std::string GetTagName() const;
     // The value with its entities decoded; empty if there is no current element or no such attribute.
     std::string GetAttribute(const char* name) const;
+    // From the "<" to the ">", for a reader that walks the attributes itself; holds until the next change.
+    std::string_view GetStartTag() const;
     // All text directly in the current element, entities decoded and CDATA sections as they are.
     std::string GetData() const;
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <string>
 #include <thread>
 
 #include "Frameworks/Configuration/InfoContainer.h"
@@ -58,6 +59,78 @@ TEST(ItemInfoContainer, an_item_added_by_value_is_found_under_its_value) {
     ASSERT_NE(items.GetItem("Value"), nullptr);
     EXPECT_EQ(items.GetItem("Value")->GetName(), "Name");
     EXPECT_EQ(items.GetItem("Name"), nullptr);
+}
+
+TEST(ItemInfoContainer, an_item_made_of_texts_has_copies_of_all_five) {
+    ItemInfoContainer items;
+    std::string description = "a description that is too long to lie in the item itself";
+    EXPECT_TRUE(items.AddItem(ItemTexts{"Name", description, "Type", "Unit", "Value"}));
+    description.assign(description.size(), '-');
+    const ItemInfoElement* item = items.GetItem("Name");
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->GetName(), "Name");
+    EXPECT_EQ(item->GetDescription(), "a description that is too long to lie in the item itself");
+    EXPECT_EQ(item->GetType(), "Type");
+    EXPECT_EQ(item->GetUnitOfMeasure(), "Unit");
+    EXPECT_EQ(item->GetValue(), "Value");
+    EXPECT_EQ(items.GetItem("Value"), nullptr);
+}
+
+TEST(ItemInfoContainer, an_item_made_of_texts_by_value_is_found_under_its_value) {
+    ItemInfoContainer items;
+    EXPECT_TRUE(items.AddItemByValue(ItemTexts{.name = "Name", .value = "Value"}));
+    ASSERT_NE(items.GetItem("Value"), nullptr);
+    EXPECT_EQ(items.GetItem("Value")->GetName(), "Name");
+    EXPECT_EQ(items.GetItem("Name"), nullptr);
+}
+
+TEST(ItemInfoContainer, the_first_item_stays_whether_given_or_made_of_texts) {
+    ItemInfoContainer items;
+    EXPECT_TRUE(items.AddItem(Item("Given", "first")));
+    EXPECT_TRUE(items.AddItem(ItemTexts{.name = "Made", .value = "first"}));
+    EXPECT_FALSE(items.AddItem(ItemTexts{.name = "Given", .value = "second"}));
+    EXPECT_FALSE(items.AddItem(Item("Made", "second")));
+    EXPECT_EQ(items.GetItem("Given")->GetValue(), "first");
+    EXPECT_EQ(items.GetItem("Made")->GetValue(), "first");
+}
+
+TEST(ItemInfoContainer, an_item_made_of_texts_takes_other_texts_and_keeps_its_key) {
+    ItemInfoContainer items;
+    items.AddItem(ItemTexts{.name = "Name", .value = "Value"});
+    items.GetItem("Name")->SetName("Other");
+    items.GetItem("Name")->SetValue("a value that is too long to lie in the item itself");
+    EXPECT_EQ(items.GetItem("Name")->GetName(), "Other");
+    EXPECT_EQ(items.GetItem("Name")->GetValue(), "a value that is too long to lie in the item itself");
+    EXPECT_EQ(items.GetItem("Other"), nullptr);
+}
+
+TEST(ItemInfoContainer, a_copy_of_an_item_outlives_the_container) {
+    auto items = std::make_unique<ItemInfoContainer>();
+    items->AddItem(ItemTexts{.name = "Name", .value = "a value that is too long to lie in the item itself"});
+    ItemInfoElement assigned;
+    assigned = *items->GetItem("Name");
+    const ItemInfoElement copied = *items->GetItem("Name");
+    items.reset();
+    EXPECT_EQ(copied.GetValue(), "a value that is too long to lie in the item itself");
+    EXPECT_EQ(assigned.GetValue(), "a value that is too long to lie in the item itself");
+}
+
+TEST(ItemInfoContainer, many_items_made_of_texts_are_found_and_gone_when_it_is_cleared) {
+    constexpr int Count = 1000;
+    ItemInfoContainer items;
+    for (int round = 0; round < 2; ++round) {
+        for (int number = 0; number < Count; ++number) {
+            const std::string name = "a name that is a long one: " + std::to_string(number);
+            EXPECT_TRUE(items.AddItem(ItemTexts{.name = name, .value = std::to_string(number)}));
+        }
+        for (int number = 0; number < Count; ++number) {
+            const ItemInfoElement* item = items.GetItem("a name that is a long one: " + std::to_string(number));
+            ASSERT_NE(item, nullptr);
+            EXPECT_EQ(item->GetValue(), StdString(std::to_string(number)));
+        }
+        items.Clear();
+        EXPECT_EQ(items.GetItem("a name that is a long one: 0"), nullptr);
+    }
 }
 
 TEST(ItemInfoContainer, keys_are_case_sensitive) {

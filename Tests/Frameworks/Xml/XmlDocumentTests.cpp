@@ -66,6 +66,18 @@ TEST(XmlDocument, names_compare_by_byte_and_whole) {
     EXPECT_FALSE(document.FindElement(""));
 }
 
+TEST(XmlDocument, hands_out_the_start_tag_of_the_current_element_alone) {
+    XmlDocument document;
+    document.SetDocumentText("<r a='1'>text<b/></r>");
+    EXPECT_EQ(document.GetStartTag(), "");
+    document.FindElement("r");
+    EXPECT_EQ(document.GetStartTag(), "<r a='1'>");
+    document.IntoElement();
+    EXPECT_EQ(document.GetStartTag(), "");
+    document.FindElement("b");
+    EXPECT_EQ(document.GetStartTag(), "<b/>");
+}
+
 TEST(XmlDocument, leaving_at_the_top_is_refused) {
     XmlDocument document;
     document.SetDocumentText("<a/>");

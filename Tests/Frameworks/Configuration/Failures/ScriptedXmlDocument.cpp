@@ -29,6 +29,7 @@ bool XmlDocument::FindElement(const char* name) { return Call("FindElement", nam
 bool XmlDocument::IntoElement() { return Call("IntoElement"); }
 bool XmlDocument::OutOfElement() { return Call("OutOfElement"); }
 std::string XmlDocument::GetTagName() const { return "MEASUREMENT_STEP_ORDER"; }
+std::string_view XmlDocument::GetStartTag() const { return "<INFO_ITEM/>"; }
 std::string XmlDocument::GetAttribute(const char* name) const { return name; }
 bool XmlDocument::SetAttribute(const char* name, const char* value) {
     return Call("SetAttribute", std::string(name) + "=" + value);
