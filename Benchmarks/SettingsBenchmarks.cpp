@@ -1,6 +1,6 @@
 #include "Benchmarks/SettingsBenchmarks.h"
 
-#include <cstring>
+#include <algorithm>
 #include <map>
 #include <string>
 
@@ -68,10 +68,47 @@ Settings ReadSettings(const Node& root) {
     return settings;
 }
 
+bool IsSame(const ItemInfoElement* ours, const Item& peers) {
+    return ours != nullptr && ours->GetName() == peers.name.c_str() &&
+           ours->GetDescription() == peers.description.c_str() && ours->GetType() == peers.type.c_str() &&
+           ours->GetUnitOfMeasure() == peers.unitOfMeasure.c_str() && ours->GetValue() == peers.value.c_str();
+}
+
+bool AreSame(const ItemInfoContainer* ours, const Items& peers) {
+    return ours != nullptr && std::all_of(peers.begin(), peers.end(), [ours](const auto& item) {
+               return IsSame(ours->GetItem(item.first), item.second);
+           });
+}
+
+// What both sides keep of the measurement, which is most of the file: its own items, the order and every step.
+void RequireSameItems(const std::string& path) {
+    SystemConfigurationFile file;
+    RapidxmlReader reader;
+    if (!file.Load(path) || !file.GetXML() || !reader.Load(path)) {
+        EndForFailure("the settings do not load");
+    }
+    const Settings peers = ReadSettings(*reader.document.first_node("ROOT_ANALYZER"));
+    const MeasurementEngineConfigInfo& ours = *file.GetMeasurementEngineConfigInfo();
+    bool isSame = AreSame(ours.GetItems(), peers.sections.at("MEASUREMENT_ENGINE_INFO")) &&
+                  AreSame(ours.GetMeasurementStepOrder(), peers.stepOrder);
+    for (const auto& [name, items] : peers.steps) {
+        isSame = isSame && AreSame(ours.GetMeasurementSteps()->GetItemContainer(name), items);
+    }
+    if (!isSame || peers.steps.empty() || peers.stepOrder.empty()) {
+        EndForFailure("the settings that were read are not the same");
+    }
+}
+
+const std::string& CheckedPath() {
+    const std::string& path = DocumentPath(SMALL);
+    [[maybe_unused]] static const bool isChecked = (RequireSameItems(path), true);
+    return path;
+}
+
 }  // namespace
 
 double SettingsOurs() {
-    const std::string& path = DocumentPath(SMALL);
+    const std::string& path = CheckedPath();
     return SecondsEach(BatchOf(SMALL), [&path] {
         SystemConfigurationFile file;
         if (!file.Load(path) || !file.GetXML() || file.GetMeasurementEngineConfigInfo() == nullptr) {
@@ -81,7 +118,7 @@ double SettingsOurs() {
 }
 
 double SettingsRapidxml() {
-    const std::string& path = DocumentPath(SMALL);
+    const std::string& path = CheckedPath();
     return SecondsEach(BatchOf(SMALL), [&path] {
         RapidxmlReader reader;
         const Node* root = reader.Load(path) ? reader.document.first_node("ROOT_ANALYZER") : nullptr;
