@@ -218,7 +218,8 @@ public:
     std::vector<ActiveFault> Faults() const;
 
     // Lets the Nth coming call of that kind (1: the next) on one of the board's files, or for its wall clock, fail with
-    // `error`. Kinds: see CallKinds. False for an unknown kind.
+    // `error`. Kinds: see CallKinds. False for an unknown kind. "allocation" is one of them but beside a sanitizer, and
+    // counts in a program with the library of Bench/Board/Allocations in front of the board.
     static const std::vector<std::string>& CallKinds();
     bool FailCall(const std::string& kind, int n, int error);
     // Kills the process that makes the Nth coming call of that kind, before the call does anything.

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "Bench/Board/Board.h"
+#include "Bench/Board/OwnAllocations.h"
 #include "Bench/Instrument/Instrument.h"
 
 namespace Bench {
@@ -161,10 +162,11 @@ enum class Call : std::uint8_t {
     HostByName,
     HostByAddress,
     ThreadCreate,
+    Allocation,
     Count
 };
 
-// Atomic for the clock, whose hook may not lock.
+// Atomic for the clock and for memory, whose hooks may not lock.
 struct CallState {
     std::atomic<std::uint64_t> count{0};
     std::atomic<std::int32_t> failIn{0};  // 1: the next; 0 or less: none
@@ -257,6 +259,7 @@ public:
 
 private:
     BoardState& m_state;
+    const OwnAllocations m_own;
 };
 
 void InitialiseState(BoardState& state, const char* folder, const BoardSetup& setup);  // the mutex apart

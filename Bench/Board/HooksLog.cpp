@@ -62,6 +62,7 @@ void Log(int priority, const char* format, va_list arguments) {
         Real::vsyslog(priority, format, arguments);
         return;
     }
+    const OwnAllocations own;
     va_list again;
     va_copy(again, arguments);
 #pragma GCC diagnostic push

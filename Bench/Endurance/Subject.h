@@ -43,6 +43,7 @@ public:
     // A front end that goes away while a frame is written ends the program by a broken pipe, as it has to be; any other
     // end is told in `reason`.
     End HasEnded(std::string& reason);
+    int EndCode() const { return m_analyzer.EndCode(); }  // as a shell tells it, once it has ended
     // Runs, or runs again after a broken pipe; else false with the reason.
     bool StaysUp(std::string& reason);
     std::uint64_t BrokenPipes() const { return m_brokenPipes; }  // that it was started again for

@@ -27,6 +27,7 @@ constexpr double StartDeadline = 200.0;
 constexpr double ResultDeadline = 900.0;
 constexpr double ResetDeadline = 200.0;
 constexpr double RealDeadline = 30.0;
+constexpr double RealResultDeadline = 10.0;  // no verdict depends on a result
 constexpr int ResetRequests = 3;
 
 // A station that lost a part of an answer can't tell where the next one begins: it connects anew.
@@ -45,8 +46,8 @@ constexpr struct {
     const char* kind;
     int error;
 } Errors[] = {
-    {"open", EMFILE}, {"socket", EMFILE}, {"mmap", ENOMEM},           {"connect", ECONNREFUSED},
-    {"fork", EAGAIN}, {"system", EAGAIN}, {"pthread_create", EAGAIN}, {"fopen", EMFILE},
+    {"open", EMFILE},   {"socket", EMFILE},         {"mmap", ENOMEM},  {"connect", ECONNREFUSED}, {"fork", EAGAIN},
+    {"system", EAGAIN}, {"pthread_create", EAGAIN}, {"fopen", EMFILE}, {"allocation", ENOMEM},
 };
 
 int ErrorOf(const std::string& kind) {
@@ -64,6 +65,30 @@ std::string TextOf(const std::string& path) {
     return text.str();
 }
 
+// Without the one that may be in writing.
+std::string WholeLines(const std::string& text) { return text.substr(0, text.rfind('\n') + 1); }
+
+// What a library says before it ends a program whose memory or objects are damaged, as no failed call may leave them.
+constexpr const char* Damages[] = {
+    "free(): ",    "malloc(): ", "realloc(): ", "malloc_consolidate(): ",
+    "double free", "corrupted",  "smashing",    "pure virtual",
+    "Fatal glibc", "Assertion ", "assertion ",  "without an active exception",
+};
+
+// It may end by an uncaught exception, by a setting that is missing or where the front end's link breaks in a write,
+// each with a line that tells of it, or with the status of a start that failed; and in no other way.
+bool IsNamedEnd(int code, const std::string& told) {
+    constexpr int FailedStart = 255;
+    for (const char* damage : Damages) {
+        if (told.find(damage) != std::string::npos) {
+            return false;
+        }
+    }
+    const bool isSignal = code > 128 && code < 128 + NSIG;
+    const bool isAllowed = isSignal ? code == 128 + SIGABRT || code == 128 + SIGPIPE : code > 0;
+    return code == FailedStart || (isAllowed && !told.empty());
+}
+
 // Every step as short as it can be, so that a cycle takes half a minute.
 void ShortenSteps(std::string& configuration) {
     const std::string item = "name=\"Duration\"";
@@ -79,14 +104,14 @@ void ShortenSteps(std::string& configuration) {
 
 // Until the condition, the end of the program or both deadlines.
 template <typename Condition>
-bool WaitFor(Subject& subject, double seconds, Condition condition) {
+bool WaitFor(Subject& subject, double seconds, Condition condition, double realDeadline = RealDeadline) {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point begin = Clock::now();
     const double last = subject.OnBoard().Seconds() + seconds;
     std::string end;
     while (!condition()) {
         const double real = std::chrono::duration<double>(Clock::now() - begin).count();
-        if ((subject.OnBoard().Seconds() > last && real > RealDeadline) ||
+        if ((subject.OnBoard().Seconds() > last && real > realDeadline) ||
             subject.HasEnded(end) != Subject::End::Runs) {
             return condition();
         }
@@ -107,7 +132,8 @@ TestRequest RequestOf(std::uint16_t command) {
 
 const char* NameOf(SweepOutcome outcome) {
     constexpr const char* Names[] = {
-        "unnoticed", "told", "result lost", "link lost", "restarted", "stuck", "CRASHED", "HUNG", "GREW", "RECORD LOST",
+        "not reached", "unnoticed", "told", "result lost", "link lost",   "restarted",
+        "stuck",       "CRASHED",   "HUNG", "GREW",        "RECORD LOST",
     };
     static_assert(std::size(Names) == static_cast<std::size_t>(SweepOutcome::Count));
     return Names[static_cast<std::size_t>(outcome)];
@@ -147,7 +173,7 @@ bool SweepCase::Refer(SweepReference& reference, std::string& trouble) {
     WaitFor(subject, 101.0, [&] { return subject.OnBoard().Seconds() > settled; });
     reference.footprint = subject.Measure().value_or(Footprint{});
     for (const std::string& kind : Board::CallKinds()) {
-        reference.calls[kind] = subject.OnBoard().CallCount(kind);
+        reference.calls[kind] = std::max(reference.calls[kind], subject.OnBoard().CallCount(kind));
     }
     const std::set<std::string> lines = Lines(subject);
     reference.lines.insert(lines.begin(), lines.end());
@@ -162,10 +188,18 @@ SweepReport SweepCase::Try(const std::string& kind, int n, const SweepReference&
         report.outcome = SweepOutcome::Crashed;
         return report;
     }
-    report = Judge(subject, Live(subject), reference);
+    const Course course = Live(subject);
+    report = Judge(subject, course, reference);
     subject.Stop();
-    if (TextOf(subject.Folder().Card() + DayFile).compare(0, sizeof EarlierRecords - 1, EarlierRecords) != 0) {
-        report = {SweepOutcome::RecordLost, "the day file doesn't begin with what it held"};
+    const auto made = subject.OnBoard().CallCount(kind);
+    if (IsAllowed(report.outcome) && made < static_cast<std::uint64_t>(n)) {
+        report = {SweepOutcome::NotReached, std::to_string(made) + " calls were made"};
+    }
+    const std::string records = TextOf(subject.Folder().Card() + DayFile);
+    for (const std::string& earlier : {std::string(EarlierRecords), course.records}) {
+        if (records.compare(0, earlier.size(), earlier) != 0) {
+            report = {SweepOutcome::RecordLost, "the day file doesn't begin with what it held"};
+        }
     }
     return report;
 }
@@ -184,13 +218,15 @@ SweepCase::Course SweepCase::Live(Subject& subject) const {
         // The automatic start takes 65 seconds, in which the top controller hears nothing.
         for (int request = 0; request < ResetRequests && !course.hasResult; ++request) {
             subject.AtFrontEnd().SendCode(FrontEnd::Running);
-            course.hasResult = WaitFor(subject, ResultDeadline / ResetRequests, hasValue);
+            course.hasResult = WaitFor(subject, ResultDeadline / ResetRequests, hasValue, RealResultDeadline);
         }
     }
-    course.hasRecord = WaitFor(subject, course.hasResult ? 60.0 : 1.0, [&] {
+    const auto hasRecord = [&] {
         std::error_code problem;
         return std::filesystem::file_size(subject.Folder().Card() + DayFile, problem) > written && !problem;
-    });
+    };
+    course.hasRecord = WaitFor(subject, course.hasResult ? 60.0 : 1.0, hasRecord, RealResultDeadline);
+    course.records = WholeLines(TextOf(subject.Folder().Card() + DayFile));
     course.hasEnded = subject.HasEnded(course.end) != Subject::End::Runs;
     return course;
 }
@@ -242,6 +278,10 @@ SweepReport SweepCase::Judge(Subject& subject, const Course& course, const Sweep
     }
     Footprint seen;
     if (!Settles(subject, reference.footprint, seen)) {
+        std::string end;
+        if (subject.HasEnded(end) != Subject::End::Runs) {
+            return Recover(subject, course, reference);
+        }
         return {SweepOutcome::Grew, "descriptors " + std::to_string(seen.descriptors) + ", threads " +
                                         std::to_string(seen.threads) + ", zombies " + std::to_string(seen.zombies)};
     }
@@ -264,9 +304,8 @@ SweepReport SweepCase::Recover(Subject& subject, const Course& course, const Swe
     for (const std::string& line : NewLines(subject, reference)) {
         told += (told.empty() ? "" : " | ") + line;
     }
-    const bool isNamed = hasEnded && !told.empty();
-    if (hasEnded && !isNamed) {
-        return {SweepOutcome::Crashed, end};
+    if (hasEnded && !IsNamedEnd(subject.EndCode(), told)) {
+        return {SweepOutcome::Crashed, end + ": " + told};
     }
     const std::size_t station = subject.AtStation().Connections();
     std::string trouble;
@@ -283,7 +322,9 @@ std::set<std::string> SweepCase::Lines(const Subject& subject) {
         for (std::string line; std::getline(file, line);) {
             std::string text = TextOfLogRecord(line).value_or(line);
             const std::size_t moment = text.find(" :: ");
-            text.erase(0, path == subject.Log() && moment != std::string::npos ? moment + 4 : 0);
+            // Up to the level's setting the error stream has the lines of the log, too.
+            const bool isOfLog = path == subject.Log() || text.rfind("Vernicor[", 0) == 0;
+            text.erase(0, isOfLog && moment != std::string::npos ? moment + 4 : 0);
             text.erase(std::remove_if(text.begin(), text.end(), IsDigit), text.end());
             lines.insert(text);
         }
@@ -298,7 +339,9 @@ std::set<std::string> SweepCase::NewLines(const Subject& subject, const SweepRef
     for (const std::string& line : reference.lines) {
         lines.erase(line);
     }
-    for (const char* routine : {"Changing to ", "Initializing Thread ", "Thread Created ", "Gathering "}) {
+    for (const char* routine :
+         {"Changing to ", "Initializing Thread ", "Thread Created ", "Gathering ", "Command Message (",
+          "Data Message (", "Registering ", "Sending Command ", "Ending Thread ", "Killing Thread "}) {
         std::erase_if(lines, [routine](const std::string& line) { return line.rfind(routine, 0) == 0; });
     }
     return lines;

@@ -12,6 +12,7 @@ namespace Bench {
 
 // The best first. From `Restarted` on the analyzer needed its supervisor; from `Crashed` on it did what it may not.
 enum class SweepOutcome {
+    NotReached,  // so many calls were not made that time, so none has failed
     Unnoticed,   // all as without the failure
     Told,        // the same, and a line of the log or the console tells of it
     ResultLost,  // no result, or no record of it; after the reset all is well
@@ -55,6 +56,7 @@ private:
         bool hasResult = false;
         bool hasRecord = false;
         bool hasEnded = false;
+        std::string records;  // of the day file by then, whole lines
         std::string end;
     };
 

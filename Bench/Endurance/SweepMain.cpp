@@ -2,12 +2,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <map>
+#include <thread>
 
-#include "Bench/Endurance/Dice.h"
 #include "Bench/Endurance/SweepCase.h"
+#include "Bench/Endurance/SweepLedger.h"
+#include "Bench/Endurance/SweepPlan.h"
 #include "Bench/Peers/Script.h"
 
 namespace {
@@ -18,12 +20,15 @@ constexpr int Passed = 0;
 constexpr int Failed = 1;
 constexpr int WrongArgument = 2;
 constexpr int References = 3;
+constexpr unsigned JobsOfACore = 3;  // a run waits for most of its time
+constexpr double SecondsOfAMinute = 60.0;
+constexpr double LongestMinutes = 100000.0;
+constexpr std::size_t LongestDetail = 400;
 
 struct Options {
-    std::vector<std::string> kinds;  // empty: all
-    std::uint64_t most = 0;          // of each kind, drawn by the seed; 0: every N
-    std::uint64_t seed = 1;
-    std::uint64_t jobs = 2;
+    SweepChoice choice;
+    std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency()) * JobsOfACore;
+    double minutes = 0.0;  // after which no other trial is begun; 0: no such limit
     double speed = 200.0;
     std::string bench = SWEEP_FOLDER;
     std::string program = BENCH_PROGRAM;
@@ -33,13 +38,16 @@ constexpr char Help[] =
     R"(./sweep lets the Nth call of each kind fail, for every N of a start, a cycle and a reset, each in a run of its own.
 
   --kind NAME      only that kind; may be repeated (all)
-  --most N         at most N calls of each kind, drawn by the seed (all)
-  --seed N         (1)
-  --jobs N         runs at a time (2)
+  --most N         at most N calls of each kind, evenly spread (all)
+  --number N       the Nth call of each kind alone (all)
+  --minutes X      begin no other run after so many minutes (no limit)
+  --seed N         where the order of the calls begins (1)
+  --jobs N         runs at a time (3 for each core)
   --speed X        simulated seconds for one real second (200)
   --bench DIR      where the runs' files lie (build/sweep)
   --program FILE   another program in the analyzer's place
 
+Whatever is tried first is spread over the whole course, so that a sweep may be stopped at any time.
 It ends with a table and one line of figures. Exit status: 0 if each outcome is allowed, 1 if not, 2 for a wrong argument.
 )";
 
@@ -50,15 +58,21 @@ int Refuse(const std::string& error) {
 
 bool Take(Options& options, const std::string& name, const std::string& value) {
     if (name == "--kind") {
-        options.kinds.push_back(value);
+        options.choice.kinds.push_back(value);
         const std::vector<std::string>& known = Board::CallKinds();
         return std::find(known.begin(), known.end(), value) != known.end();
     }
     if (name == "--most") {
-        return ReadCount(value, 1000000, options.most);
+        return ReadCount(value, 1000000, options.choice.most);
+    }
+    if (name == "--number") {
+        return ReadCount(value, 1000000, options.choice.number) && options.choice.number > 0;
+    }
+    if (name == "--minutes") {
+        return ReadDecimal(value, LongestMinutes, options.minutes) && options.minutes > 0.0;
     }
     if (name == "--seed") {
-        return ReadCount(value, 0xFFFFFFFF, options.seed);
+        return ReadCount(value, 0xFFFFFFFF, options.choice.seed);
     }
     if (name == "--jobs") {
         return ReadCount(value, 64, options.jobs) && options.jobs > 0;
@@ -74,64 +88,41 @@ bool Take(Options& options, const std::string& name, const std::string& value) {
     return name == "--bench" && !value.empty();
 }
 
-struct Trial {
-    std::string kind;
-    int n = 0;
-    SweepReport report;
-};
-
-// Without a limit each N once; with one, so many of them by the seed.
-std::vector<Trial> Trials(const Options& options, const SweepReference& reference) {
-    std::vector<Trial> trials;
-    Dice dice(static_cast<std::uint32_t>(options.seed));
-    for (const std::string& kind : options.kinds.empty() ? Board::CallKinds() : options.kinds) {
-        const auto count = static_cast<std::uint32_t>(reference.calls.at(kind));
-        std::vector<int> numbers;
-        for (std::uint32_t n = 1; n <= count; ++n) {
-            numbers.push_back(static_cast<int>(n));
+// One job: trial after trial, each told at once and noted for the parent.
+void RunJob(const Options& options, SubjectPlaces places, const SweepReference& reference,
+            const std::vector<SweepTrial>& trials, SweepLedger& ledger, std::uint64_t job) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point begin = Clock::now();
+    const auto hasTime = [&] {
+        const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+        return options.minutes <= 0.0 || seconds < options.minutes * SecondsOfAMinute;
+    };
+    places.bench += "/" + std::to_string(job);
+    SweepCase runner(places, options.speed);
+    while (hasTime()) {
+        const std::optional<std::size_t> at = ledger.Begin();
+        if (!at) {
+            return;
         }
-        while (options.most > 0 && numbers.size() > options.most) {
-            numbers.erase(numbers.begin() + dice.Below(static_cast<std::uint32_t>(numbers.size())));
-        }
-        for (const int n : numbers) {
-            trials.push_back({kind, n, {}});
-        }
-    }
-    return trials;
-}
-
-std::string ReportFile(const std::string& bench, std::uint64_t job) {
-    return bench + "/" + std::to_string(job) + ".reports";
-}
-
-// One job: every so many trials, each told at once and noted for the parent.
-void RunJob(const Options& options, const SubjectPlaces& places, const SweepReference& reference,
-            const std::vector<Trial>& trials, std::uint64_t job) {
-    SubjectPlaces own = places;
-    own.bench += "/" + std::to_string(job);
-    SweepCase runner(own, options.speed);
-    std::ofstream(ReportFile(options.bench, job), std::ios::trunc).close();
-    for (std::size_t at = job; at < trials.size(); at += options.jobs) {
-        const SweepReport report = runner.Try(trials[at].kind, trials[at].n, reference);
-        const std::string text = trials[at].kind + " " + std::to_string(trials[at].n) + ": " + NameOf(report.outcome) +
-                                 (report.detail.empty() ? "" : ", " + report.detail) + "\n";
-        // Open for this moment alone, so that no run has its descriptor.
-        std::ofstream reports(ReportFile(options.bench, job), std::ios::app);
-        reports << at << ' ' << static_cast<int>(report.outcome) << std::endl;
+        const SweepTrial& trial = trials[*at];
+        const SweepReport report = runner.Try(trial.kind, trial.n, reference);
+        ledger.Note(*at, report.outcome);
+        const std::string text = trial.kind + " " + std::to_string(trial.n) + ": " + NameOf(report.outcome) +
+                                 (report.detail.empty() ? "" : ", " + report.detail.substr(0, LongestDetail)) + "\n";
         if (write(STDOUT_FILENO, text.data(), text.size()) < 0) {
             return;
         }
     }
 }
 
-// Each job is a process: what one starts must not hold the other's descriptors. A trial without a report has failed.
+// Each job is a process: what one starts must not hold the other's descriptors.
 void RunTrials(const Options& options, const SubjectPlaces& places, const SweepReference& reference,
-               std::vector<Trial>& trials) {
+               const std::vector<SweepTrial>& trials, SweepLedger& ledger) {
     std::vector<pid_t> workers;
     for (std::uint64_t job = 0; job < options.jobs; ++job) {
         const pid_t worker = fork();
         if (worker == 0) {
-            RunJob(options, places, reference, trials, job);
+            RunJob(options, places, reference, trials, ledger, job);
             _exit(0);
         }
         workers.push_back(worker);
@@ -139,40 +130,36 @@ void RunTrials(const Options& options, const SubjectPlaces& places, const SweepR
     for (const pid_t worker : workers) {
         waitpid(worker, nullptr, 0);
     }
-    for (Trial& trial : trials) {
-        trial.report.outcome = SweepOutcome::Hung;
-    }
-    for (std::uint64_t job = 0; job < options.jobs; ++job) {
-        std::ifstream reports(ReportFile(options.bench, job));
-        std::size_t at = 0;
-        int outcome = 0;
-        while (reports >> at >> outcome && at < trials.size()) {
-            trials[at].report.outcome = static_cast<SweepOutcome>(outcome);
-        }
-    }
 }
 
-int ShowTable(const SweepReference& reference, const std::vector<Trial>& trials) {
+int ShowTable(const SweepReference& reference, const std::vector<SweepTrial>& trials, const SweepLedger& ledger) {
     std::map<std::string, std::map<SweepOutcome, int>> table;
+    int tried = 0;
     int forbidden = 0;
-    for (const Trial& trial : trials) {
-        ++table[trial.kind][trial.report.outcome];
-        forbidden += IsAllowed(trial.report.outcome) ? 0 : 1;
+    for (std::size_t at = 0; at < trials.size(); ++at) {
+        if (const std::optional<SweepOutcome> outcome = ledger.OutcomeOf(at)) {
+            ++table[trials[at].kind][*outcome];
+            ++tried;
+            forbidden += IsAllowed(*outcome) ? 0 : 1;
+        }
     }
     std::printf("\n%-16s %8s %6s  %s\n", "call", "calls", "tried", "outcomes");
+    std::uint64_t calls = 0;
     for (const auto& [kind, outcomes] : table) {
         std::string text;
-        int tried = 0;
+        int triedOfKind = 0;
         for (const auto& [outcome, count] : outcomes) {
-            tried += count;
+            triedOfKind += count;
             text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + NameOf(outcome);
         }
+        calls += reference.calls.at(kind);
         std::printf("%-16s %8llu %6d  %s\n", kind.c_str(), static_cast<unsigned long long>(reference.calls.at(kind)),
-                    tried, text.c_str());
+                    triedOfKind, text.c_str());
     }
-    std::printf("sweep: %zu kinds, %zu calls failed one by one, %d outcomes that are not allowed: %s\n", table.size(),
-                trials.size(), forbidden, forbidden == 0 ? "passed" : "FAILED");
-    return forbidden == 0 ? Passed : Failed;
+    const bool passed = tried > 0 && forbidden == 0;
+    std::printf("sweep: %zu kinds, %d of %llu calls failed one by one, %d outcomes that are not allowed: %s\n",
+                table.size(), tried, static_cast<unsigned long long>(calls), forbidden, passed ? "passed" : "FAILED");
+    return passed ? Passed : Failed;
 }
 
 }  // namespace
@@ -192,7 +179,8 @@ int main(int count, char** arguments) {
             return Refuse(error);
         }
     }
-    const SubjectPlaces places{options.program, BENCH_LIBRARY, BENCH_CLIPS, BENCH_CONFIGURATION, options.bench};
+    const SubjectPlaces places{options.program, BENCH_ALLOCATIONS_LIBRARY BENCH_LIBRARY, BENCH_CLIPS,
+                               BENCH_CONFIGURATION, options.bench};
     SubjectPlaces first = places;
     first.bench += "/reference";
     SweepReference reference;
@@ -204,7 +192,12 @@ int main(int count, char** arguments) {
             return Failed;
         }
     }
-    std::vector<Trial> trials = Trials(options, reference);
-    RunTrials(options, places, reference, trials);
-    return ShowTable(reference, trials);
+    const std::vector<SweepTrial> trials = PlanSweep(reference.calls, options.choice);
+    SweepLedger ledger(trials.size());
+    if (!ledger.IsMade()) {
+        std::printf("sweep: FAILED, no memory\n");
+        return Failed;
+    }
+    RunTrials(options, places, reference, trials, ledger);
+    return ShowTable(reference, trials, ledger);
 }

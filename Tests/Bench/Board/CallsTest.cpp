@@ -235,10 +235,13 @@ INSTANTIATE_TEST_SUITE_P(EachKind, CallsTest, testing::ValuesIn(Calls()),
 
 using CallTest = BoardTest;
 
+// But for memory, which has a program of its own for it.
 TEST_F(CallTest, every_kind_is_tried_here) {
-    ASSERT_EQ(Calls().size(), Bench::Board::CallKinds().size());
+    std::vector<std::string> kinds = Bench::Board::CallKinds();
+    std::erase(kinds, "allocation");
+    ASSERT_EQ(Calls().size(), kinds.size());
     for (std::size_t i = 0; i < Calls().size(); ++i) {
-        EXPECT_EQ(Calls()[i].kind, Bench::Board::CallKinds()[i]);
+        EXPECT_EQ(Calls()[i].kind, kinds[i]);
     }
 }
 

@@ -17,6 +17,8 @@ TEST(SweepProgram, refuses_what_it_does_not_take) {
     EXPECT_EQ(Sweep("--kind sneeze").status, 2);
     EXPECT_EQ(Sweep("--kind sneeze").text, "sweep: --kind \"sneeze\" is not understood; --help lists what there is\n");
     EXPECT_EQ(Sweep("--jobs 0").text, "sweep: --jobs \"0\" is not understood; --help lists what there is\n");
+    EXPECT_EQ(Sweep("--number 0").text, "sweep: --number \"0\" is not understood; --help lists what there is\n");
+    EXPECT_EQ(Sweep("--minutes 0").text, "sweep: --minutes \"0\" is not understood; --help lists what there is\n");
     EXPECT_EQ(Sweep("--cats 1").text, "sweep: --cats \"1\" is not understood; --help lists what there is\n");
 }
 
