@@ -173,7 +173,7 @@ bool SweepCase::Refer(SweepReference& reference, std::string& trouble) {
     WaitFor(subject, 101.0, [&] { return subject.OnBoard().Seconds() > settled; });
     reference.footprint = subject.Measure().value_or(Footprint{});
     for (const std::string& kind : Board::CallKinds()) {
-        reference.calls[kind] = std::max(reference.calls[kind], subject.OnBoard().CallCount(kind));
+        reference.calls[kind] = subject.OnBoard().CallCount(kind);
     }
     const std::set<std::string> lines = Lines(subject);
     reference.lines.insert(lines.begin(), lines.end());
