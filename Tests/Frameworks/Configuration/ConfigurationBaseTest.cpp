@@ -76,22 +76,18 @@ TEST_F(ConfigurationSection, reads_all_five_attributes_of_an_item) {
 // However the attributes stand in the tag, the texts are the same.
 TEST_F(ConfigurationSection, reads_an_item_in_whatever_form_it_is_written) {
     constexpr const char* Tags[] = {
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value &gt; 5\" description=\"d\" unitOfMeasure=\"u\"/>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" unitOfMeasure=\"u\"/>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" unitOfMeasure=\"u\" />",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" "
-        "unitOfMeasure=\"u\"></INFO_ITEM>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description='d' unitOfMeasure='u'/>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" unitOfMeasure=u/>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value =\"a long value > 5\" description=\"d\" unitOfMeasure= \"u\"/>",
+        R"(<INFO_ITEM name="n" type="t" value="a long value &gt; 5" description="d" unitOfMeasure="u"/>)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u"/>)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u" />)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u"></INFO_ITEM>)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description='d' unitOfMeasure='u'/>)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure=u/>)",
+        R"(<INFO_ITEM name="n" type="t" value ="a long value > 5" description="d" unitOfMeasure= "u"/>)",
         "<INFO_ITEM\n name=\"n\" type=\"t\"  value=\"a long value > 5\" description=\"d\"\tunitOfMeasure=\"u\"/>",
-        "<INFO_ITEM name=\"n\" value=\"a long value > 5\" type=\"t\" description=\"d\" unitOfMeasure=\"u\"/>",
-        "<INFO_ITEM names=\"-\" name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" "
-        "unitOfMeasure=\"u\"/>",
-        "<INFO_ITEM name=\"n\" name=\"-\" type=\"t\" value=\"a long value > 5\" description=\"d\" "
-        "unitOfMeasure=\"u\"/>",
-        "<INFO_ITEM name=\"n\" type=\"t\" value=\"a long value > 5\" description=\"d\" unitOfMeasure=\"u\" "
-        "name=\"-\"/>",
+        R"(<INFO_ITEM name="n" value="a long value > 5" type="t" description="d" unitOfMeasure="u"/>)",
+        R"(<INFO_ITEM names="-" name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u"/>)",
+        R"(<INFO_ITEM name="n" name="-" type="t" value="a long value > 5" description="d" unitOfMeasure="u"/>)",
+        R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u" name="-"/>)",
     };
     for (const char* tag : Tags) {
         SetText(("<ROOT_ANALYZER><S>" + std::string(tag) + "</S></ROOT_ANALYZER>").c_str());
@@ -109,8 +105,8 @@ TEST_F(ConfigurationSection, reads_an_item_in_whatever_form_it_is_written) {
 TEST_F(ConfigurationSection, an_attribute_that_the_form_of_a_tag_leaves_out_reads_as_empty_text) {
     SetText(
         "<ROOT_ANALYZER><S>"
-        "<INFO_ITEM name=\"n\" type=\"left by the item before\" value=\"1\" description=\"d\" unitOfMeasure=\"u\"/>"
-        "<INFO_ITEM name=\"m\" type=\"t\" value=\"2\"/>"
+        R"(<INFO_ITEM name="n" type="left by the item before" value="1" description="d" unitOfMeasure="u"/>)"
+        R"(<INFO_ITEM name="m" type="t" value="2"/>)"
         "</S></ROOT_ANALYZER>");
     ASSERT_TRUE(m_section.GetXML("S"));
     const ItemInfoElement* item = m_section.GetItem("m");

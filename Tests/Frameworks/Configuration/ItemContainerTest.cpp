@@ -161,8 +161,8 @@ TEST(ItemInfoContainer, a_refused_item_stays_with_its_caller) {
     items.AddItem(Item("Name", "first"));
     auto second = Item("Name", "second");
     EXPECT_FALSE(items.AddItem(std::move(second)));
-    ASSERT_NE(second, nullptr);  // NOLINT(bugprone-use-after-move)
-    EXPECT_EQ(second->GetValue(), "second");
+    ASSERT_NE(second, nullptr);               // NOLINT(bugprone-use-after-move)
+    EXPECT_EQ(second->GetValue(), "second");  // NOLINT(bugprone-use-after-move)
 }
 
 TEST(ItemInfoContainer, an_unknown_key_is_null_each_time_and_clear_survives_it) {
