@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "Bench/Measure/ProcessView.h"
+
 namespace Bench {
 
 namespace {
@@ -12,7 +14,6 @@ namespace {
 constexpr int WindowMilliseconds = 200;
 constexpr int EndOfActMilliseconds = 20;
 constexpr double LongestSilence = 0.3;       // seconds; no act for so long: the step is none with readings
-constexpr int WindowsPerMemoryLook = 8;      // a look at the memory stops the program for a moment
 constexpr double SecondsBetweenLooks = 5.0;  // at the trace, whose reading holds the board for a moment
 constexpr double PatienceSeconds = 400.0;
 // The converter's device is opened once a cycle, before anything else.
@@ -73,9 +74,6 @@ private:
         calm.seconds += end - start;
         calm.switches += last.switches - first.switches;
         calm.processorSeconds += static_cast<double>(last.processorTime - first.processorTime) / 1e9;
-        if (++m_windows % WindowsPerMemoryLook == 0) {
-            m_seen.memory[last.threads].push_back(ResidentMemoryOf(m_rig.Process()));
-        }
     }
 
     void LookAtTrace() {
@@ -123,7 +121,6 @@ private:
     double m_start = 0.0;  // of the running cycle; 0: none yet
     double m_lastProgress = 0.0;
     double m_nextLook = 0.0;
-    std::uint64_t m_windows = 0;
 };
 
 }  // namespace

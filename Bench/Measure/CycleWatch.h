@@ -1,14 +1,12 @@
 // Cycles in time with the clock, watched from the outside: their lengths, what the analyzer does between two readings
-// of the detector, and how much memory it takes meanwhile. One thread.
+// of the detector. One thread.
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "Bench/Measure/CycleWaits.h"
-#include "Bench/Measure/ProcessView.h"
 #include "Bench/Measure/Rig.h"
 
 namespace Bench {
@@ -31,9 +29,8 @@ struct Calm {
 
 struct CyclesSeen {
     std::vector<CycleLength> lengths;
-    Calm sampling;                                      // between two readings of one step
-    Calm waiting;                                       // in steps that are not sampled
-    std::map<int, std::vector<ResidentMemory>> memory;  // by threads
+    Calm sampling;  // between two readings of one step
+    Calm waiting;   // in steps that are not sampled
 };
 
 // Sends the analyzer into RUNNING_STATE and watches until so many cycles are done. False with a sentence in `error`

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <optional>
 
+#include "Bench/Measure/RoundTrip.h"
+
 namespace Bench {
 
 namespace {
@@ -37,18 +39,6 @@ std::optional<RecordTime> LastReadingToRecord(const Board& board) {
     return RecordTime{record->seconds - reading->seconds, release->deviceSeconds - reading->deviceSeconds};
 }
 
-// What stands in the measurement files so far. The board itself is left alone: whoever looks at it while the record is
-// on its way holds it up.
-std::uintmax_t RecordBytes(const Board& board) {
-    std::uintmax_t bytes = 0;
-    std::error_code gone;
-    for (const auto& file : std::filesystem::directory_iterator(board.Folder() + "/card", gone)) {
-        const std::string name = file.path().filename().string() + " ";
-        bytes += name.find(RecordFile) != std::string::npos ? file.file_size(gone) : 0;
-    }
-    return bytes;
-}
-
 }  // namespace
 
 std::string WithShortSteps(const std::string& configuration) {
@@ -71,24 +61,36 @@ std::string WithShortSteps(const std::string& configuration) {
     return text + configuration.substr(cut);
 }
 
-std::vector<RecordTime> LampToDisk(Rig& rig, int cycles, std::string& error) {
+std::uintmax_t RecordBytes(const Board& board) {
+    std::uintmax_t bytes = 0;
+    std::error_code gone;
+    for (const auto& file : std::filesystem::directory_iterator(board.Folder() + "/card", gone)) {
+        const std::string name = file.path().filename().string() + " ";
+        bytes += name.find(RecordFile) != std::string::npos ? file.file_size(gone) : 0;
+    }
+    return bytes;
+}
+
+RecordTimes LampToDisk(Rig& rig, int cycles, std::string& error) {
     Board& board = rig.Board();
-    std::vector<RecordTime> times;
+    RecordTimes times;
+    RoundTrip roundTrip;
     if (!rig.Send(FrontEnd::Running)) {
         error = "the front end's link is cut";
         return times;
     }
-    for (std::uintmax_t records = RecordBytes(board); times.size() < static_cast<std::size_t>(cycles);) {
+    for (std::uintmax_t records = RecordBytes(board); times.records.size() < static_cast<std::size_t>(cycles);) {
         const double start = board.Seconds();
         while (RecordBytes(board) == records && board.Seconds() - start < PatienceSeconds) {
             poll(nullptr, 0, LookMilliseconds);
+            times.roundTrips.push_back(roundTrip.Once());
         }
         const std::optional<RecordTime> passed = LastReadingToRecord(board);
         if (RecordBytes(board) == records || !passed) {
             error = "no record of a cycle comes to the card";
             return {};
         }
-        times.push_back(*passed);
+        times.records.push_back(*passed);
         records = RecordBytes(board);
     }
     return times;

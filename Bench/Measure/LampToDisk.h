@@ -1,6 +1,7 @@
 // From the light to the card: how long after the last reading of a cycle its record is written and flushed. One thread.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,17 @@ struct RecordTime {
     double deviceSeconds = 0.0;  // of them, what the cycle's end spent in the board's device files
 };
 
-// Sends the analyzer into RUNNING_STATE and gives those of so many cycles. Nothing, with a sentence in `error`, where
-// they don't come.
-std::vector<RecordTime> LampToDisk(Rig& rig, int cycles, std::string& error);
+// The bytes of all records on the card. The board itself is left alone: whoever looks at it while a record is on its
+// way holds it up.
+std::uintmax_t RecordBytes(const Board& board);
+
+struct RecordTimes {
+    std::vector<RecordTime> records;
+    std::vector<double> roundTrips;  // seconds each, of two threads, made in the same time, ten a second
+};
+
+// Sends the analyzer into RUNNING_STATE and gives those of so many cycles. No records, with a sentence in `error`,
+// where they don't come.
+RecordTimes LampToDisk(Rig& rig, int cycles, std::string& error);
 
 }  // namespace Bench

@@ -16,6 +16,7 @@ constexpr CountOption Counts[] = {
     {"--cycles", &MeasureOptions::cycles},
     {"--resets", &MeasureOptions::resets},
     {"--records", &MeasureOptions::records},
+    {"--starts", &MeasureOptions::starts},
 };
 
 struct TextOption {
@@ -74,6 +75,7 @@ std::string MeasureHelp() {
            "  --cycles N    whole cycles of two and a half minutes; 3 without it\n"
            "  --resets N    from RESET_SYSTEM to IDLE_STATE, twelve seconds each; 7 without it\n"
            "  --records N   short cycles, from the last reading to the flushed record; 25 without it\n"
+           "  --starts N    looks at the memory, each of another start; 5 without it\n"
            "  --arm FILE    the stripped program for the instrument's processor\n"
            "  --bench DIR   where the files of the runs lie; build/measure without it\n"
            "Exit status: 0 where every figure is met, 1 where one is missed, 2 where something can't be measured.\n";

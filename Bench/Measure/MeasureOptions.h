@@ -10,6 +10,7 @@ struct MeasureOptions {
     int cycles = 3;
     int resets = 7;
     int records = 25;
+    int starts = 5;
     std::string arm;    // the stripped program; empty: not looked at
     std::string bench;  // where the files of the runs lie
     bool help = false;

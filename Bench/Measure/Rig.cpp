@@ -40,14 +40,19 @@ std::unique_ptr<Rig> Rig::Start(const RigPlaces& places, const std::string& conf
     if (!rig) {
         return nullptr;
     }
-    rig->m_board->SetSpeed(HurriedSpeed);
+    rig->Hurry(true);
     if (!rig->WaitForLink(0)) {
         error = "the analyzer does not link to the front end; see the log and the output in " + places.bench;
         return nullptr;
     }
-    rig->m_board->SetSpeed(1.0);
-    rig->m_board->HoldSpeed(true);
+    rig->Hurry(false);
     return rig;
+}
+
+void Rig::Hurry(bool hurried) {
+    m_board->HoldSpeed(false);
+    m_board->SetSpeed(hurried ? HurriedSpeed : 1.0);
+    m_board->HoldSpeed(!hurried);
 }
 
 bool Rig::Prepare(const RigPlaces& places, const std::string& configuration, std::string& error) {

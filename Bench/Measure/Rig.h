@@ -31,6 +31,8 @@ public:
     pid_t Process() const { return m_analyzer.Program(); }
     Bench::Board& Board() const { return *m_board; }
 
+    void Hurry(bool hurried);  // fifty times as fast, or in time with the clock
+
     bool Send(FrontEnd::Code code) { return m_frontEnd->SendCode(code); }
     // Seconds of the run at which every controller had come to IDLE_STATE since this was last awaited; below 0 where
     // they don't get there. Takes a configuration that logs at DEBUG_LOG_LEVEL.

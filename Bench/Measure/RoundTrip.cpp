@@ -1,60 +1,50 @@
 #include "Bench/Measure/RoundTrip.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
 
 namespace Bench {
 
 namespace {
 
-class Queue {
-public:
-    void Send(int message) {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_messages.push_back(message);
-        }
-        m_filled.notify_one();
-    }
-
-    int Receive() {
-        std::unique_lock lock(m_mutex);
-        m_filled.wait(lock, [this] { return !m_messages.empty(); });
-        const int message = m_messages.front();
-        m_messages.pop_front();
-        return message;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_filled;
-    std::deque<int> m_messages;
-};
+constexpr int Message = 1;
+constexpr int End = -1;
 
 }  // namespace
 
-std::vector<double> RoundTrips(int count) {
-    constexpr int End = -1;
-    Queue there;
-    Queue back;
-    std::thread other([&there, &back] {
-        for (int message = there.Receive(); message != End; message = there.Receive()) {
-            back.Send(message);
-        }
-    });
-    std::vector<double> seconds;
-    for (int message = 0; message < count; ++message) {
-        const auto start = std::chrono::steady_clock::now();
-        there.Send(message);
-        back.Receive();
-        seconds.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+void RoundTrip::Queue::Send(int message) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_messages.push_back(message);
     }
-    there.Send(End);
-    other.join();
-    return seconds;
+    m_filled.notify_one();
+}
+
+int RoundTrip::Queue::Receive() {
+    std::unique_lock lock(m_mutex);
+    m_filled.wait(lock, [this] { return !m_messages.empty(); });
+    const int message = m_messages.front();
+    m_messages.pop_front();
+    return message;
+}
+
+RoundTrip::RoundTrip() : m_other([this] { Answer(); }) {}
+
+RoundTrip::~RoundTrip() {
+    m_there.Send(End);
+    m_other.join();
+}
+
+double RoundTrip::Once() {
+    const auto start = std::chrono::steady_clock::now();
+    m_there.Send(Message);
+    m_back.Receive();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void RoundTrip::Answer() {
+    while (m_there.Receive() != End) {
+        m_back.Send(Message);
+    }
 }
 
 }  // namespace Bench

@@ -1,12 +1,42 @@
-// The yardstick of the machine: how long two threads take to hand a message to each other and back.
+// The yardstick of the machine: how long two threads take to hand a message to each other and back. One thread at a
+// time.
 #pragma once
 
-#include <vector>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
 
 namespace Bench {
 
-// Real seconds of each of so many round trips between this thread and one that it makes and ends, through two queues of
-// a mutex, a condition variable and a deque each.
-std::vector<double> RoundTrips(int count);
+// Between whoever asks and a thread of its own, which sleeps in between, through two queues of a mutex, a condition
+// variable and a deque each.
+class RoundTrip {
+public:
+    RoundTrip();
+    RoundTrip(const RoundTrip&) = delete;
+    RoundTrip& operator=(const RoundTrip&) = delete;
+    ~RoundTrip();
+
+    double Once();  // real seconds
+
+private:
+    class Queue {
+    public:
+        void Send(int message);
+        int Receive();
+
+    private:
+        std::mutex m_mutex;
+        std::condition_variable m_filled;
+        std::deque<int> m_messages;
+    };
+
+    void Answer();
+
+    Queue m_there;
+    Queue m_back;
+    std::thread m_other;
+};
 
 }  // namespace Bench

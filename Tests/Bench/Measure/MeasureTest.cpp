@@ -49,10 +49,12 @@ TEST(MeasureOptions, take_counts_and_paths) {
     MeasureOptions options;
     std::string error;
     EXPECT_TRUE(Bench::ReadMeasureOptions(
-        {"--cycles", "1", "--resets", "2", "--records", "10000", "--arm", "/a", "--bench", "/b"}, options, error));
+        {"--cycles", "1", "--resets", "2", "--records", "10000", "--starts", "9", "--arm", "/a", "--bench", "/b"},
+        options, error));
     EXPECT_EQ(options.cycles, 1);
     EXPECT_EQ(options.resets, 2);
     EXPECT_EQ(options.records, 10000);
+    EXPECT_EQ(options.starts, 9);
     EXPECT_EQ(options.arm, "/a");
     EXPECT_EQ(options.bench, "/b");
     EXPECT_TRUE(Bench::ReadMeasureOptions({"--help"}, options, error));
@@ -81,9 +83,9 @@ TEST(ProcessView, sees_what_this_process_takes) {
 
 TEST(ProcessView, sees_each_switch) {
     const Bench::Activity before = Bench::ActivityOf(getpid());
-    const std::size_t trips = Bench::RoundTrips(10).size();
+    Bench::RoundTrip roundTrip;
+    EXPECT_GT(roundTrip.Once(), 0.0);
     usleep(1);
-    EXPECT_EQ(trips, 10U);
     EXPECT_GT(Bench::ActivityOf(getpid()).switches, before.switches);
 }
 
