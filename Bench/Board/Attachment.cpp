@@ -60,7 +60,7 @@ Node Unpack(std::uint32_t packed) {
             static_cast<std::uint8_t>(packed >> 8U), static_cast<std::uint8_t>(packed)};
 }
 
-bool Known(int file) { return file >= 0 && file < MaximalFiles; }
+bool IsHeld(int file) { return file >= 0 && file < MaximalFiles; }
 
 }  // namespace
 
@@ -76,7 +76,7 @@ void DetachThisProcess() {
 }
 
 void RememberFile(int file, Node node, int access) {
-    if (Known(file)) {
+    if (IsHeld(file)) {
         openFiles[file].access.store(access, std::memory_order_relaxed);
         openFiles[file].seenEdges.store(~0U, std::memory_order_relaxed);  // a new file has its event pending
         openFiles[file].cut.store(Cut::Whole, std::memory_order_relaxed);
@@ -86,45 +86,45 @@ void RememberFile(int file, Node node, int access) {
 }
 
 void ForgetFile(int file) {
-    if (Known(file)) {
+    if (IsHeld(file)) {
         openFiles[file].node.store(0, std::memory_order_release);
     }
 }
 
 void CopyFile(int from, int to) {
-    if (Known(to)) {
+    if (IsHeld(to)) {
         openFiles[to].seenEdges.store(SeenEdges(from), std::memory_order_relaxed);
         openFiles[to].access.store(FileAccess(from), std::memory_order_relaxed);
         openFiles[to].node.store(Pack(FileNode(from)), std::memory_order_release);
     }
 }
 
-Node FileNode(int file) { return Known(file) ? Unpack(openFiles[file].node.load(std::memory_order_acquire)) : Node{}; }
+Node FileNode(int file) { return IsHeld(file) ? Unpack(openFiles[file].node.load(std::memory_order_acquire)) : Node{}; }
 
-int FileAccess(int file) { return Known(file) ? openFiles[file].access.load(std::memory_order_relaxed) : 0; }
+int FileAccess(int file) { return IsHeld(file) ? openFiles[file].access.load(std::memory_order_relaxed) : 0; }
 
 std::uint32_t SeenEdges(int file) {
-    return Known(file) ? openFiles[file].seenEdges.load(std::memory_order_relaxed) : 0;
+    return IsHeld(file) ? openFiles[file].seenEdges.load(std::memory_order_relaxed) : 0;
 }
 
 void SetSeenEdges(int file, std::uint32_t count) {
-    if (Known(file)) {
+    if (IsHeld(file)) {
         openFiles[file].seenEdges.store(count, std::memory_order_relaxed);
     }
 }
 
-Cut SocketCut(int file) { return Known(file) ? openFiles[file].cut.load() : Cut::Whole; }
+Cut SocketCut(int file) { return IsHeld(file) ? openFiles[file].cut.load() : Cut::Whole; }
 
 void SetSocketCut(int file, Cut cut) {
-    if (Known(file)) {
+    if (IsHeld(file)) {
         openFiles[file].cut.store(cut);
     }
 }
 
-std::uint64_t SocketReceived(int file) { return Known(file) ? openFiles[file].received.load() : 0; }
+std::uint64_t SocketReceived(int file) { return IsHeld(file) ? openFiles[file].received.load() : 0; }
 
 void AddSocketReceived(int file, std::uint64_t count) {
-    if (Known(file)) {
+    if (IsHeld(file)) {
         openFiles[file].received.fetch_add(count);
     }
 }

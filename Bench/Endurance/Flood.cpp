@@ -9,14 +9,10 @@ namespace Bench {
 
 namespace {
 
-constexpr int TickMilliseconds = 10;
-constexpr double ReadingDistance = 1.0;  // of footprints, in real seconds
-constexpr std::uintmax_t LongestText = 64U << 20U;
-
 // A random byte stream meets a reset every hundred reads or so, as a code. Without one for so long, it is asked for.
 constexpr double SecondsWithoutReset = 900.0;
 constexpr double SecondsOfReset = 120.0;
-constexpr int ResetRequests = 10;
+constexpr int FloodResetRequests = 10;
 
 // Somewhat more than one read of the analyzer's.
 constexpr std::uint32_t LongestPiece = 1200;
@@ -110,7 +106,7 @@ bool Flood::StillResets(std::string& trouble) {
 
 // The links are left alone meanwhile.
 bool Flood::ResetOnRequest() {
-    for (int request = 0; request < ResetRequests; ++request) {
+    for (int request = 0; request < FloodResetRequests; ++request) {
         m_subject.AtFrontEnd().SendCode(FrontEnd::Reset);
         // At a high speed it is the machine that a reset takes its time of.
         const double realSeconds = std::max(5.0, SecondsOfReset / m_subject.OnBoard().Speed());

@@ -11,15 +11,12 @@ namespace Bench {
 
 namespace {
 
-constexpr int TickMilliseconds = 10;
-constexpr double ReadingDistance = 1.0;  // of footprints, in real seconds
-constexpr std::uintmax_t LongestText = 64U << 20U;
 constexpr double SecondsOfDay = 86400.0;
 
 // Of real time, since it is the machine that they are given to: until a record is on the card, until a reset is done.
 constexpr double RecordPatience = 10.0;
 constexpr double ResetPatience = 2.0;
-constexpr int ResetRequests = 30;  // one that comes together with another button isn't seen
+constexpr int SoakResetRequests = 30;  // one that comes together with another button isn't seen
 
 // Simulated seconds without a result until the analyzer is told to run, is reset, and is given up.
 constexpr double RunAgain = 1500.0;
@@ -151,7 +148,7 @@ bool Soak::Reset(bool byStation, std::string& trouble) {
         return false;
     }
     m_resetBegin = m_subject.OnBoard().Seconds();
-    for (int request = 0; request < ResetRequests; ++request) {
+    for (int request = 0; request < SoakResetRequests; ++request) {
         // The station is heard in the test state alone.
         if (TryReset(byStation && request == 0)) {
             ++m_resets;

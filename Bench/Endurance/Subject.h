@@ -2,6 +2,7 @@
 // thread.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -27,6 +28,11 @@ struct SubjectPlaces {
 };
 
 using SettingList = std::vector<std::pair<std::string, std::string>>;  // items of the configuration, by name
+
+// The beat of a long run, in real time, and how much of what the analyzer says is kept.
+inline constexpr int TickMilliseconds = 10;
+inline constexpr double ReadingDistance = 1.0;  // of footprints, in seconds
+inline constexpr std::uintmax_t LongestText = 64U << 20U;
 
 class Subject {
 public:

@@ -28,7 +28,7 @@ constexpr double ResultDeadline = 900.0;
 constexpr double ResetDeadline = 200.0;
 constexpr double RealDeadline = 30.0;
 constexpr double RealResultDeadline = 10.0;  // no verdict depends on a result
-constexpr int ResetRequests = 3;
+constexpr int SweepResetRequests = 3;
 
 // A station that lost a part of an answer can't tell where the next one begins: it connects anew.
 constexpr double AnswerPatience = 0.2;  // real seconds
@@ -216,9 +216,9 @@ SweepCase::Course SweepCase::Live(Subject& subject) const {
     course.isInTestState = course.isConnected && ReachTestState(subject, 1, StartDeadline);
     if (course.isConnected) {
         // The automatic start takes 65 seconds, in which the top controller hears nothing.
-        for (int request = 0; request < ResetRequests && !course.hasResult; ++request) {
+        for (int request = 0; request < SweepResetRequests && !course.hasResult; ++request) {
             subject.AtFrontEnd().SendCode(FrontEnd::Running);
-            course.hasResult = WaitFor(subject, ResultDeadline / ResetRequests, hasValue, RealResultDeadline);
+            course.hasResult = WaitFor(subject, ResultDeadline / SweepResetRequests, hasValue, RealResultDeadline);
         }
     }
     const auto hasRecord = [&] {
@@ -251,7 +251,7 @@ bool SweepCase::Reset(Subject& subject) const {
     const std::size_t generation = subject.AtFrontEnd().Connections();
     const std::size_t station = subject.AtStation().Connections();
     const auto isUp = [&] { return subject.AtFrontEnd().Connections() > generation; };
-    for (int request = 0; request < ResetRequests; ++request) {
+    for (int request = 0; request < SweepResetRequests; ++request) {
         if (request % 2 == 1 || !subject.AtFrontEnd().SendCode(FrontEnd::Reset)) {
             subject.AtStation().SendRequest(RequestOf(860));
         }

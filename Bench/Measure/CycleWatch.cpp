@@ -15,10 +15,9 @@ constexpr int WindowMilliseconds = 200;
 constexpr int EndOfActMilliseconds = 20;
 constexpr double LongestSilence = 0.3;       // seconds; no act for so long: the step is none with readings
 constexpr double SecondsBetweenLooks = 5.0;  // at the trace, whose reading holds the board for a moment
-constexpr double PatienceSeconds = 400.0;
+constexpr double CyclePatience = 400.0;
 // The converter's device is opened once a cycle, before anything else.
 constexpr const char* FirstAct = "ioctl /dev/spidev32765.1 0x40016b01=";
-constexpr const char* ReadingAct = "spi read ";
 constexpr int ValveChannel = 3;
 
 void Pause(int milliseconds) { poll(nullptr, 0, milliseconds); }
@@ -43,7 +42,7 @@ public:
         }
         m_lastProgress = m_board.Seconds();
         while (m_seen.lengths.size() < static_cast<std::size_t>(cycles)) {
-            if (m_board.Seconds() - m_lastProgress > PatienceSeconds) {
+            if (m_board.Seconds() - m_lastProgress > CyclePatience) {
                 error = "no cycle comes to its end";
                 return false;
             }

@@ -11,6 +11,9 @@
 
 namespace Bench {
 
+// How the board's trace tells of a reading of the detector.
+inline constexpr const char* ReadingAct = "spi read ";
+
 struct CycleLength {
     double seconds = 0.0;     // from its first act on the board to that of the next cycle
     double prescribed = 0.0;  // the sum of its waits

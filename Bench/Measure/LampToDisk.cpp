@@ -6,15 +6,15 @@
 #include <filesystem>
 #include <optional>
 
+#include "Bench/Measure/CycleWatch.h"
 #include "Bench/Measure/RoundTrip.h"
 
 namespace Bench {
 
 namespace {
 
-constexpr double PatienceSeconds = 60.0;
+constexpr double RecordPatience = 60.0;
 constexpr int LookMilliseconds = 100;
-constexpr const char* ReadingAct = "spi read ";
 constexpr const char* ReleaseFile = "/unexport=";
 constexpr const char* CardAct = "card ";
 constexpr const char* RecordFile = "_Measurement.csv ";
@@ -81,7 +81,7 @@ RecordTimes LampToDisk(Rig& rig, int cycles, std::string& error) {
     }
     for (std::uintmax_t records = RecordBytes(board); times.records.size() < static_cast<std::size_t>(cycles);) {
         const double start = board.Seconds();
-        while (RecordBytes(board) == records && board.Seconds() - start < PatienceSeconds) {
+        while (RecordBytes(board) == records && board.Seconds() - start < RecordPatience) {
             poll(nullptr, 0, LookMilliseconds);
             times.roundTrips.push_back(roundTrip.Once());
         }

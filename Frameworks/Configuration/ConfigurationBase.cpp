@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr const char* RootName = "ROOT_ANALYZER";
 constexpr const char* ItemName = "INFO_ITEM";
 
 // A section that can't be found, entered, left or added to is logged by this one character, without the section's name:
@@ -130,7 +129,7 @@ bool ConfigurationBase::WriteItem(const StdString& prefix, const StdString& sect
         return false;
     }
     document->ResetPosition();
-    if (!document->FindElement(RootName)) {
+    if (!document->FindElement(AnalyzerRootName)) {
         ReportError(prefix + "Unable to find element \"ROOT_ANALYZER\"");
         return false;
     }

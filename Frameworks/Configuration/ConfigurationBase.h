@@ -8,6 +8,8 @@
 #include "Frameworks/Configuration/ItemInfoContainer.h"
 #include "Frameworks/Xml/XMLData.h"
 
+inline constexpr const char* AnalyzerRootName = "ROOT_ANALYZER";
+
 class ConfigurationBase : public XMLData {
 public:
     // Reads the section from among the siblings behind the document's current position, which must be inside the root,

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr const char* RootName = "ROOT_ANALYZER";
 constexpr const char* GeneralName = "GENERAL_INFO";
 constexpr const char* TestInterfaceName = "TEST_INTERFACE_INFO";
 
@@ -34,7 +33,7 @@ bool SystemConfigurationFile::GetXML() {
         return false;
     }
     document->ResetPosition();
-    if (!document->FindElement(RootName) || !document->IntoElement()) {
+    if (!document->FindElement(AnalyzerRootName) || !document->IntoElement()) {
         return false;
     }
     ReadSection(m_general, GeneralName, "GlobalConfigInfo");

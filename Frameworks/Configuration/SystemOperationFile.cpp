@@ -6,7 +6,6 @@ namespace {
 
 constexpr char Path[] = "/var/log/vorn/data/analyzer.op.xml";
 constexpr char BackupPath[] = "/var/log/vorn/data/analyzer.op.backup.xml";
-constexpr char RootName[] = "ROOT_ANALYZER";
 constexpr char SectionName[] = "SYSTEM_INFO";
 
 // What a unit begins its life with.
@@ -64,7 +63,7 @@ bool SystemOperationFile::Load() {
 
 bool SystemOperationFile::EnterRoot() {
     m_ownedDocument->ResetPosition();
-    return m_ownedDocument->FindElement(RootName) && m_ownedDocument->IntoElement();
+    return m_ownedDocument->FindElement(AnalyzerRootName) && m_ownedDocument->IntoElement();
 }
 
 bool SystemOperationFile::ReadSection() {

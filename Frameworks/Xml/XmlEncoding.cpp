@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::size_t ScratchSize = 2048;
 constexpr std::size_t LongestEncodingName = 99;
-constexpr const char* Utf8 = "UTF-8";
 
 using Length = unsigned long long;  // of a result, which may be longer than memory can hold
 

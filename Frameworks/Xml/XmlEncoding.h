@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+inline constexpr const char* Utf8 = "UTF-8";
+
 // In both operations one of the two encodings is UTF-8; an empty name means that of the locale.
 bool CanConvertEncoding(const std::string& to, const std::string& from);
 

@@ -17,7 +17,7 @@ constexpr XmlPackedTable<NameBuckets, 2, 5, NameTextSize> Names(XmlEncodingRows,
 constexpr std::size_t LongestName = 99;
 constexpr std::uint32_t Utf32CodePage = 65005;
 
-char Lower(unsigned char byte) { return static_cast<char>(std::tolower(byte)); }
+char LowerByte(unsigned char byte) { return static_cast<char>(std::tolower(byte)); }
 
 }  // namespace
 
@@ -26,7 +26,7 @@ std::uint32_t EncodingCodePage(std::string_view name) {
     if (name.size() > LongestName) {
         return 0;
     }
-    std::transform(name.begin(), name.end(), lowered, Lower);
+    std::transform(name.begin(), name.end(), lowered, LowerByte);
     const std::string_view key(lowered, name.size());
     return key == "utf-32" ? Utf32CodePage : Names.Find(key);
 }

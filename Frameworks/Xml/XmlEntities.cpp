@@ -19,7 +19,7 @@ constexpr std::string_view CDataStart = "<![CDATA[";
 constexpr std::string_view CDataEnd = "]]>";
 constexpr std::string_view SplitCDataEnd = "]]]]><![CDATA[>";
 
-char Lower(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
+char LowerLetter(char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte; }
 
 std::uint32_t NumberedCode(std::string_view number) {
     const bool isHexadecimal = number.starts_with('x');
@@ -34,7 +34,7 @@ std::uint32_t NumberedCode(std::string_view number) {
 std::uint32_t CodeOf(std::string_view entity) {
     char name[EntityReach];
     const std::size_t length = std::min(entity.size(), EntityReach);
-    std::transform(entity.begin(), entity.begin() + static_cast<std::ptrdiff_t>(length), name, Lower);
+    std::transform(entity.begin(), entity.begin() + static_cast<std::ptrdiff_t>(length), name, LowerLetter);
     const std::string_view lowered(name, length);
     return lowered.starts_with('#') ? NumberedCode(lowered.substr(1)) : XmlEntityCode(lowered);
 }

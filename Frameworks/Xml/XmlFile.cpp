@@ -20,7 +20,6 @@ constexpr std::size_t PieceSize = 32768;
 constexpr off64_t LargestReserve = 1 << 26;    // a larger file has to prove its size by its bytes
 constexpr std::size_t EditMargin = 1024;       // room for the first change of a text just read
 constexpr std::size_t ConversionMargin = 100;  // one byte more in so many, for the same purpose
-constexpr const char* Utf8 = "UTF-8";
 
 struct ByteOrderMark {
     std::string_view bytes;
