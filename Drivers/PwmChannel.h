@@ -7,6 +7,7 @@
 
 class PwmChannel {
 public:
+    // What a channel is given, in hertz and percent.
     static constexpr float LowestFrequency = 1.0F;
     static constexpr float HighestFrequency = 1e8F;
     static constexpr float LowestDutyCycle = 0.0F;

@@ -9,6 +9,7 @@
 
 class ValvePWM {
 public:
+    // Percent: full power.
     static constexpr float OpeningDutyCycle = 100.0F;
 
     // Frequency in hertz.

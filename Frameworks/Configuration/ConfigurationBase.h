@@ -8,6 +8,7 @@
 #include "Frameworks/Configuration/ItemInfoContainer.h"
 #include "Frameworks/Xml/XMLData.h"
 
+// Of every settings file but the user's.
 inline constexpr const char* AnalyzerRootName = "ROOT_ANALYZER";
 
 class ConfigurationBase : public XMLData {

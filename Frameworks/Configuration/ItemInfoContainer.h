@@ -35,6 +35,7 @@ public:
     StdString RequireValue(const StdString& key) const;
     StdString GetValueOr(const StdString& key, const StdString& fallback) const;
 
+    // Frees every item.
     void Clear();
 
 private:

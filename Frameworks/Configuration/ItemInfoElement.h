@@ -18,6 +18,7 @@ struct ItemTexts {
 
 class ItemInfoElement {
 public:
+    // Of the container that holds it.
     using allocator_type = std::pmr::polymorphic_allocator<>;
 
     ItemInfoElement() = default;

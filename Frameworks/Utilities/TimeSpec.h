@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+// A second, as both kinds of time count it.
 inline constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
 
 class TimeSpec {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+// What a document is in memory.
 inline constexpr const char* Utf8 = "UTF-8";
 
 // In both operations one of the two encodings is UTF-8; an empty name means that of the locale.
