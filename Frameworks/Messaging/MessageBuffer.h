@@ -24,10 +24,26 @@ public:
     const StdString& GetName() const { return m_name; }
 
 private:
-    int Wait(const timespec* deadline);  // null: no limit; the result is an errno, or 0
+    // Null: no limit; the result is an errno, or 0.
+    int Wait(const timespec* deadline) { return sem_trywait(&m_semaphore) == 0 ? 0 : Sleep(deadline); }
+    int WaitFor(std::int32_t milliSeconds);
+    int Sleep(const timespec* deadline);
 
     sem_t m_semaphore{};  // counts what was posted
     sem_t m_bell{};       // rung once for an owner that sleeps
     StdString m_name;
     int m_lastError = 0;
 };
+
+inline void MessageBuffer::PostMessage(std::unique_ptr<MessageBase> message) {
+    const bool isAwaited = PushBack(std::move(message));
+    sem_post(&m_semaphore);
+    if (isAwaited) {
+        sem_post(&m_bell);
+    }
+}
+
+inline std::unique_ptr<MessageBase> MessageBuffer::WaitForMessage(std::int32_t timeOutMilliSeconds) {
+    m_lastError = timeOutMilliSeconds == -1 ? Wait(nullptr) : WaitFor(timeOutMilliSeconds);
+    return m_lastError == 0 ? PopFront() : nullptr;
+}

@@ -41,18 +41,9 @@ inline bool MessageContainer::PushBack(std::unique_ptr<MessageBase> message) {
 }
 
 inline std::unique_ptr<MessageBase> MessageContainer::PopFront() {
-    if (m_taken.IsEmpty() && !TakeBurst()) {
+    const bool isThere = !m_taken.IsEmpty() || (m_hasMore.load(std::memory_order_relaxed) && TakeBurst());
+    if (!isThere) {
         return nullptr;
     }
     return m_taken.PopFront();
-}
-
-inline bool MessageContainer::TakeBurst() {
-    if (!m_hasMore.load(std::memory_order_relaxed)) {
-        return false;
-    }
-    const MutexLock lock(m_mutex);
-    m_hasMore.store(false, std::memory_order_relaxed);
-    m_taken.Take(m_messages);
-    return !m_taken.IsEmpty();
 }

@@ -108,18 +108,12 @@ bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*com
 
 bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) { return false; }
 
-void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
-    // A log message that made log messages would never end.
-    if (IsLogged(DEBUG_LOG_LEVEL) && !IsLogMessage(*message)) {
-        Log(KindAndName(*message) + ") : From - " + message->GetSourceName() + " : To - " +
-                message->GetDestinationName(),
+// A log message that made log messages would never end.
+void ThreadControl::LogReceipt(const MessageBase& message) {
+    if (!IsLogMessage(message)) {
+        Log(KindAndName(message) + ") : From - " + message.GetSourceName() + " : To - " + message.GetDestinationName(),
             DEBUG_LOG_LEVEL);
     }
-    // Nobody would ever fetch it, and the rest of the system may run on for years.
-    if (GetState() == POST_EXITING_STATE) {
-        return;
-    }
-    Buffer().PostMessage(std::move(message));
 }
 
 void ThreadControl::SendCommand(CommandType command) {

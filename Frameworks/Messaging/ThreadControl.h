@@ -68,6 +68,7 @@ private:
     static bool IsLogged(LogLevel level) { return MessageController::IsLogged(Effective(level)); }
 
     void SendLogLine(StdString text, LogLevel level);
+    [[gnu::cold]] void LogReceipt(const MessageBase& message);
     MessageBuffer& Buffer() {
         MessageBuffer* buffer = m_buffer;
         return buffer == nullptr ? MakeBuffer() : *buffer;
@@ -80,3 +81,14 @@ private:
     std::int32_t m_timeOut = -1;
     std::unique_ptr<MessageBase> m_currentMessage;
 };
+
+inline void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
+    if (IsLogged(DEBUG_LOG_LEVEL)) {
+        LogReceipt(*message);
+    }
+    // Nobody would ever fetch it, and the rest of the system may run on for years.
+    if (GetState() == POST_EXITING_STATE) {
+        return;
+    }
+    Buffer().PostMessage(std::move(message));
+}
