@@ -2,9 +2,9 @@
 
 #include <cerrno>
 
-namespace {
+#include "Frameworks/Utilities/TimeSpec.h"
 
-constexpr long NanoSecondsPerSecond = 1000000000;
+namespace {
 
 int WaitOn(sem_t& semaphore, const timespec* deadline) {
     const int result = deadline == nullptr ? sem_wait(&semaphore) : sem_timedwait(&semaphore, deadline);

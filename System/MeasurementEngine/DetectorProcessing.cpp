@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "Drivers/SpiDevice.h"
+#include "Frameworks/Utilities/TimeSpec.h"
 #include "System/MeasurementEngine/SampleStatistics.h"
 
 namespace {
@@ -18,7 +19,7 @@ std::uint32_t WordOf(const std::uint16_t (&words)[2]) { return (std::uint32_t{wo
 // In one number, since TimeInfo's own sum does not carry nanoseconds into seconds and would cut short a step that is no
 // whole number of seconds.
 std::int64_t NanoSecondsOf(const TimeInfo& time) {
-    return std::int64_t{time.GetSeconds()} * 1000000000 + time.GetNanoSeconds();
+    return std::int64_t{time.GetSeconds()} * NanoSecondsPerSecond + time.GetNanoSeconds();
 }
 
 std::vector<double> CountsOf(const DetectorSamples& samples) {
