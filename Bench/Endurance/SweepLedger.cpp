@@ -28,11 +28,11 @@ std::optional<std::size_t> SweepLedger::Begin() {
 }
 
 void SweepLedger::Note(std::size_t trial, SweepOutcome outcome) {
-    m_outcomes[trial].store(static_cast<std::uint64_t>(outcome) + 1);
+    m_outcomes[trial].store(static_cast<std::size_t>(outcome) + 1);
 }
 
 std::optional<SweepOutcome> SweepLedger::OutcomeOf(std::size_t trial) const {
-    const std::uint64_t noted = m_outcomes[trial].load();
+    const std::size_t noted = m_outcomes[trial].load();
     return noted == 0 ? std::nullopt : std::make_optional(static_cast<SweepOutcome>(noted - 1));
 }
 

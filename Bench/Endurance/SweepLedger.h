@@ -28,7 +28,7 @@ public:
 private:
     std::size_t Size() const { return (m_trials + 1) * sizeof(Word); }
 
-    using Word = std::atomic<std::uint64_t>;
+    using Word = std::atomic<std::size_t>;
     static_assert(Word::is_always_lock_free);
 
     const std::size_t m_trials;

@@ -23,7 +23,7 @@ std::vector<int> ChosenNumbers(std::uint64_t calls, const SweepChoice& choice) {
     }
     std::vector<int> numbers = SpreadOrder(static_cast<std::uint32_t>(calls), choice.seed);
     if (choice.most > 0 && numbers.size() > choice.most) {
-        numbers.resize(choice.most);
+        numbers.resize(static_cast<std::size_t>(choice.most));
     }
     return numbers;
 }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Drivers/DeviceFile.h"
 #include "Drivers/GpioPin.h"
 #include "Frameworks/Storage/FileStatus.h"
 
@@ -38,21 +39,17 @@ std::int64_t Bytes(const struct statfs64& space, fsblkcnt64_t blocks) {
 
 // Reads no further than it has to: the system makes the table anew at each read.
 bool IsInMountTable(const StdString& path) {
-    std::FILE* file = std::fopen(MountTable, "r");
-    if (file == nullptr) {
-        return false;
-    }
-    std::setvbuf(file, nullptr, _IONBF, 0);
+    const FileDescriptor file(MountTable, O_RDONLY | O_CLOEXEC);
     std::string table;
-    char buffer[MountTablePiece];
-    bool isFound = false;
-    for (std::size_t read = sizeof buffer; !isFound && read == sizeof buffer;) {
-        read = std::fread(buffer, 1, sizeof buffer, file);
-        table.append(buffer, read);
-        isFound = table.find(path.Text()) != std::string::npos;
+    char piece[MountTablePiece];
+    const auto next = [&] { return read(file.Get(), piece, sizeof piece); };  // none where the table did not open
+    for (ssize_t length = next(); length > 0; length = next()) {
+        table.append(piece, static_cast<std::size_t>(length));
+        if (table.find(path.Text()) != std::string::npos) {
+            return true;
+        }
     }
-    std::fclose(file);
-    return isFound;
+    return false;
 }
 
 void PrintSpace(const char* path) {
