@@ -11,8 +11,8 @@ namespace Bench {
 
 namespace {
 
-// Of the call on a device file that the thread is in, CLOCK_MONOTONIC; no allocation on first use.
-[[gnu::tls_model("initial-exec")]] thread_local std::int64_t callStart = 0;
+// The one that the thread is in; no allocation on first use.
+[[gnu::tls_model("initial-exec")]] thread_local const DeviceCall* runningCall = nullptr;
 
 constexpr double NanoSeconds = 1e9;
 constexpr double SmallestStep = 1e-6;  // seconds: rounding must not hold the instrument at an edge of its flag
@@ -133,18 +133,20 @@ void BringUpToDate(BoardState& state) {
     RunTo(state, now);
 }
 
-DeviceCall::DeviceCall(BoardState& state, bool isDevice) : m_state(state), m_device(isDevice) {
-    callStart = RealNanoSeconds();
+DeviceCall::DeviceCall(BoardState& state, bool isDevice)
+    : m_state(state), m_start(RealNanoSeconds()), m_device(isDevice) {
+    runningCall = this;
 }
 
 DeviceCall::~DeviceCall() {
-    if (m_device) {
-        m_state.deviceTime.fetch_add(Running());
-    }
-    callStart = 0;
+    m_state.deviceTime.fetch_add(Running());
+    runningCall = nullptr;
 }
 
-std::int64_t DeviceCall::Running() { return callStart == 0 ? 0 : RealNanoSeconds() - callStart; }
+std::int64_t DeviceCall::Running() {
+    const bool isDevice = runningCall != nullptr && runningCall->m_device;
+    return isDevice ? RealNanoSeconds() - runningCall->m_start : 0;
+}
 
 void TraceAct(BoardState& state, const char* format, ...) {
     TraceRecord& record = state.trace[state.traced % TraceLength];

@@ -243,7 +243,7 @@ struct BoardState {
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
-    std::atomic<std::int64_t> deviceTime{0};  // real nanoseconds in ended calls on device files
+    std::atomic<std::int64_t> deviceTime{0};  // real nanoseconds in ended calls on device files and the log
     std::uint64_t traced = 0;                 // of the whole run
     std::uint64_t traceStart = 0;             // the first that was not cleared
     TraceRecord trace[TraceLength];
@@ -267,7 +267,8 @@ void Changed(BoardState& state);  // wakes whoever waits for the board
 // Applies due faults, lets the instrument run on and counts the edges of its flag, up to now.
 void BringUpToDate(BoardState& state);
 
-// Counts the real time of one call on a device file from here to its end, if it turns out to be one.
+// Counts the real time of one call on a device file, or on the system log, from here to its end, if it turns out to be
+// one. One at a time in each thread.
 class DeviceCall {
 public:
     explicit DeviceCall(BoardState& state, bool isDevice = true);
@@ -280,6 +281,7 @@ public:
 
 private:
     BoardState& m_state;
+    const std::int64_t m_start;
     bool m_device;
 };
 

@@ -62,6 +62,7 @@ void Log(int priority, const char* format, va_list arguments) {
         Real::vsyslog(priority, format, arguments);
         return;
     }
+    const DeviceCall call(*state);  // the board writes a file where the instrument hands over a datagram
     const OwnAllocations own;
     va_list again;
     va_copy(again, arguments);

@@ -15,7 +15,6 @@ namespace {
 
 constexpr double RecordPatience = 60.0;
 constexpr int LookMilliseconds = 100;
-constexpr const char* ReleaseFile = "/unexport=";
 constexpr const char* CardAct = "card ";
 constexpr const char* RecordFile = "_Measurement.csv ";
 constexpr const char* LastStep = "SanityCheck";
@@ -24,19 +23,16 @@ bool IsRecord(const std::string& text) {
     return text.rfind(CardAct, 0) == 0 && text.find(RecordFile) != std::string::npos;
 }
 
-// From the newest reading that a record follows to that record. The cycle's end has let go of its last device before it
-// says a word, so what comes behind that is other threads' business.
+// From the newest reading that a record follows to that record.
 std::optional<RecordTime> LastReadingToRecord(const Board& board) {
     const std::vector<TraceEntry> trace = board.TraceWithTimes();
     const auto record = std::find_if(trace.rbegin(), trace.rend(), [](const auto& act) { return IsRecord(act.text); });
     const auto reading =
         std::find_if(record, trace.rend(), [](const auto& act) { return act.text.rfind(ReadingAct, 0) == 0; });
-    const auto release =
-        std::find_if(record, reading, [](const auto& act) { return act.text.find(ReleaseFile) != std::string::npos; });
-    if (reading == trace.rend() || release == reading) {
+    if (reading == trace.rend()) {
         return std::nullopt;
     }
-    return RecordTime{record->seconds - reading->seconds, release->deviceSeconds - reading->deviceSeconds};
+    return RecordTime{record->seconds - reading->seconds, record->deviceSeconds - reading->deviceSeconds};
 }
 
 }  // namespace

@@ -233,12 +233,11 @@ bool MeasureLampToDisk(const MeasureOptions& options, const std::string& configu
         whole.push_back(time.seconds);
         own.push_back(time.seconds - time.deviceSeconds);
     }
-    figures.Add(
-        "lamp to disk", Median(own) / Median(times.roundTrips), 20.0, "round trips of two threads",
-        Format("median of %zu records %.0f us, beside the time inside the virtual device files; %.0f us with it; "
-               "median of %zu round trips in between %.1f us; %s",
-               times.records.size(), Median(own) * 1e6, Median(whole) * 1e6, times.roundTrips.size(),
-               Median(times.roundTrips) * 1e6, ahead.Text()));
+    figures.Add("lamp to disk", Median(own) / Median(times.roundTrips), 20.0, "round trips of two threads",
+                Format("median of %zu records %.0f us, beside the time inside the virtual device files and log; "
+                       "%.0f us with it; median of %zu round trips in between %.1f us; %s",
+                       times.records.size(), Median(own) * 1e6, Median(whole) * 1e6, times.roundTrips.size(),
+                       Median(times.roundTrips) * 1e6, ahead.Text()));
     return true;
 }
 

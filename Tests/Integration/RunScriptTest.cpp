@@ -152,15 +152,15 @@ TEST_F(WholeRun, turn_of_the_year_begins_new_files_and_loses_no_step) {
 }
 
 TEST_F(WholeRun, pulled_card_misses_what_happened_meanwhile_and_goes_on_in_its_file) {
-    Run({"--cycles", "2", "--start", "2026-11-20 12:00:00", "--fault", "card-out@150", "--fault", "card-in@190"});
-    ExpectChlorineFromTheSecondOn(2, 0.60);
+    Run({"--cycles", "3", "--start", "2026-11-20 12:00:00", "--fault", "card-out@330", "--fault", "card-in@370"});
+    ExpectChlorineFromTheSecondOn(3, 0.60);
     const std::vector<long> times = StatusTimes("2026-11-20_Status.csv", 1795176000);
     const auto count = [&times](long from, long to) {
         return std::count_if(times.begin(), times.end(), [from, to](long time) { return time >= from && time < to; });
     };
-    EXPECT_GT(count(0, 150), 0);
-    EXPECT_EQ(count(151, 189), 0);
-    EXPECT_GT(count(191, 1000), 20);
+    EXPECT_GT(count(0, 330), 0);
+    EXPECT_EQ(count(331, 369), 0);
+    EXPECT_GT(count(371, 1000), 20);
     EXPECT_EQ(CardFiles().size(), 3U);
 }
 

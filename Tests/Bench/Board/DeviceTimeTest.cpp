@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -105,4 +106,16 @@ TEST_F(DeviceTimeTest, a_file_on_the_disk_does_not_count) {
     EXPECT_EQ(read(file, &got, 1), 0);
     close(file);
     EXPECT_EQ(Counted(), before);
+}
+
+TEST_F(DeviceTimeTest, a_line_of_the_log_counts) {
+    const std::int64_t before = Counted();
+    syslog(LOG_INFO, "%s", "a line");
+    EXPECT_GT(Counted(), before);
+}
+
+TEST_F(DeviceTimeTest, what_a_call_on_a_file_of_the_disk_does_is_told_without_its_own_time) {
+    const Bench::DeviceCall call(Board().State(), false);
+    Pass(1000);
+    EXPECT_EQ(Bench::DeviceCall::Running(), 0);
 }

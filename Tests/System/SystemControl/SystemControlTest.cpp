@@ -91,10 +91,11 @@ TEST_F(System, starts_by_itself_primes_after_5_s_and_collects_after_60_s_more) {
 }
 
 TEST_F(System, an_automatic_start_waits_until_the_system_is_idle) {
-    configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "20000");
+    configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "200000");
     Start();
     WaitForIdle();
     system->SetState(TEST_STATE);
+    Board().SetSpeed(1000.0);
     WaitFor("Processing TimeOut for - SystemControl", 2);
     EXPECT_EQ(CountOf("Sending Command - MOVE_TO_RUNNING"), 0);
 }
