@@ -10,6 +10,7 @@
 #include "Tests/Support/ControllerOnBoard.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/Support/LitLeds.h"
+#include "Tests/Support/Silence.h"
 
 namespace {
 
@@ -79,15 +80,6 @@ protected:
             const Texts calls = Board().SoundCalls();
             return !calls.empty() && calls.back() == call;
         })) << call;
-    }
-
-    // No clip is started any more.
-    void ExpectSilence() {
-        EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
-        Board().ClearSoundCalls();
-        const double end = Board().Seconds() + 20.0;
-        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
-        EXPECT_EQ(Board().SoundCalls(), Texts{});
     }
 
     void ExpectNoInit() {
@@ -238,7 +230,7 @@ TEST_F(Control, sounds_with_its_colours) {
     SetColors(1, 3);
     WaitForSound(Alarm);
     SetColors(1, 1);
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
 }
 
 TEST_F(Control, applies_both_statuses_the_analyzers_or_the_waters_as_selected) {
@@ -431,7 +423,7 @@ TEST_F(Control, plays_a_named_file_with_a_gap_of_a_millisecond) {
         return std::count(calls.begin(), calls.end(), Alarm) >= 3;
     }));
     ControlAudio(0);
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
     EXPECT_EQ(Errors(), Texts{});
 }
 
@@ -444,7 +436,7 @@ TEST_F(Control, stops_a_sound_for_a_named_file_and_comes_back_to_it) {
     ControlAudio(2);
     WaitForSound(Alert);
     ControlAudio(0);
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
     ControlAudio(2);
     WaitForSound(Alert);
 }
@@ -454,14 +446,14 @@ TEST_F(Control, is_silent_for_a_file_without_a_name) {
     SetColors(1, 2);
     WaitForSound(Alert);
     ControlAudio(1, "");
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
     EXPECT_EQ(Errors(), Texts{});
 }
 
 TEST_F(Control, has_nothing_to_restart_in_silent_colours) {
     Start();
     ControlAudio(2);
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
 }
 
 TEST_F(Control, ignores_other_audio_actions) {
@@ -498,5 +490,5 @@ TEST_F(Control, leaves_no_player_behind_when_it_ends) {
     SetColors(1, 3);
     WaitForSound(Alarm);
     Stop();
-    ExpectSilence();
+    EXPECT_TRUE(BecomesSilent(Board()));
 }
