@@ -183,6 +183,14 @@ int fclose(FILE* stream) {
     return failed != 0 ? EOF : result;
 }
 
+// A stream of libc's own reads a large piece at once, with a buffer or without; a cookie stream without one reads it
+// byte by byte, each a call. So a stream that only reads keeps its buffer.
+int setvbuf(FILE* stream, char* buffer, int mode, size_t size) noexcept {
+    const int file = StreamFile(stream);
+    const bool keeps = file >= 0 && FileAccess(file) == O_RDONLY && mode == _IONBF;
+    return keeps ? 0 : Real::setvbuf(stream, buffer, mode, size);
+}
+
 int fileno(FILE* stream) noexcept {
     const int file = StreamFile(stream);
     return file >= 0 ? file : Real::fileno(stream);

@@ -110,6 +110,7 @@ public:
     ROW(fdopen, FILE*(int, const char*))                                                            \
     ROW(fopencookie, FILE*(void*, const char*, cookie_io_functions_t))                              \
     ROW(fclose, int(FILE*))                                                                         \
+    ROW(setvbuf, int(FILE*, char*, int, size_t))                                                    \
     ROW(fileno, int(FILE*))                                                                         \
     ROW(fileno_unlocked, int(FILE*))                                                                \
     ROW(opendir, DIR*(const char*))                                                                 \

@@ -280,3 +280,17 @@ TEST_F(CallTest, an_unknown_kind_is_refused) {
 }
 
 }  // namespace
+
+TEST_F(CallTest, a_large_piece_of_a_stream_without_a_buffer_is_few_reads) {
+    const std::string text(10000, 'x');
+    ASSERT_TRUE(WithFile([&text](int file) { return write(file, text.data(), text.size()) == 10000; }));
+    FILE* file = fopen(SomeFile, "r");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(setvbuf(file, nullptr, _IONBF, 0), 0);
+    const std::uint64_t before = Board().CallCount("read");
+    std::string got(text.size(), '\0');
+    EXPECT_EQ(fread(got.data(), 1, got.size(), file), got.size());
+    EXPECT_EQ(fclose(file), 0);
+    EXPECT_EQ(got, text);
+    EXPECT_LE(Board().CallCount("read") - before, 4U);
+}
