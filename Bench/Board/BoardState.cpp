@@ -11,7 +11,7 @@ namespace Bench {
 
 namespace {
 
-// The one that the thread is in; no allocation on first use.
+// The call that the thread is in; no allocation on first use.
 [[gnu::tls_model("initial-exec")]] thread_local const DeviceCall* runningCall = nullptr;
 
 constexpr double NanoSeconds = 1e9;
