@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -61,6 +62,15 @@ TEST_F(SDCardTest, is_found_wherever_its_path_stands_in_the_table_of_mounts) {
         std::ofstream(Folder() + "/etc/mtab") << std::string(position, '-') << "/mnt/sd-car";
         EXPECT_FALSE(card.IsMounted()) << position;
     }
+}
+
+TEST_F(SDCardTest, is_not_mounted_where_the_table_of_mounts_cannot_be_read) {
+    ASSERT_TRUE(card.Mount());
+    ASSERT_TRUE(Board().FailCall("read", 1, EIO));
+    EXPECT_FALSE(card.IsMounted());
+    EXPECT_TRUE(card.IsMounted());
+    std::filesystem::remove(Folder() + "/etc/mtab");
+    EXPECT_FALSE(card.IsMounted());
 }
 
 TEST_F(SDCardTest, makes_its_directory_for_its_owner_alone) {

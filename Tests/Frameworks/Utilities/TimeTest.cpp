@@ -129,6 +129,22 @@ TEST(TimeSpec, adding_across_a_second_changes_nothing) {
     EXPECT_EQ(time.GetNanoSeconds(), 900000000);
 }
 
+TEST(TimeSpec, adding_a_span_adds_its_seconds_and_nanoseconds_below_a_second) {
+    TimeSpec time = Span(1, 600000000);
+    time += Span(2, 300000000);
+    EXPECT_EQ(time.GetSeconds(), 3);
+    EXPECT_EQ(time.GetNanoSeconds(), 900000000);
+}
+
+TEST(TimeSpec, fields_can_be_set_one_by_one) {
+    TimeSpec time = Span(1, 2);
+    time.SetSeconds(3);
+    EXPECT_EQ(time.GetNanoSeconds(), 2);
+    time.SetNanoSeconds(4);
+    EXPECT_EQ(time.GetSeconds(), 3);
+    EXPECT_EQ(time.GetNanoSeconds(), 4);
+}
+
 TEST(TimeSpec, subtracting_borrows_a_second) {
     TimeSpec time = Span(5, 100000000);
     time -= 200000000U;
