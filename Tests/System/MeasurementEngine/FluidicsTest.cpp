@@ -80,12 +80,6 @@ protected:
         Work();
     }
 
-    void SetPumpAngle(double angle) {
-        Bench::InstrumentState state = Board().Instrument();
-        state.pumpAngle = angle;
-        Board().SetInstrument(state);
-    }
-
     Texts Periods() const { return TraceOf("pwm1/period="); }
 
     StepperDriverMotor motor{1};
@@ -250,7 +244,6 @@ TEST_F(Pump, a_homing_step_without_a_turn_time_does_not_home) {
 
 TEST_F(PumpInRealTime, homing_at_360_degrees_a_second_steps_at_1600_hertz_and_stands_5_degrees_past_the_edge) {
     Board().SetSpeed(0.25);  // the low stretch passes in 125 ms
-    SetPumpAngle(300.0);
     EXPECT_TRUE(worker.FindHomePosition(360.0));
     // The way past the edge: 5 degrees in 13 ms.
     EXPECT_EQ(Periods(), (Texts{Pwm + "1/period=625000", Pwm + "1/period=585000"}));
@@ -260,7 +253,7 @@ TEST_F(PumpInRealTime, homing_at_360_degrees_a_second_steps_at_1600_hertz_and_st
 
 TEST_F(Pump, homing_claims_the_flag_with_both_edges_and_gives_it_back) {
     SetPumpAngle(330.0);
-    EXPECT_TRUE(worker.FindHomePosition(30.0));
+    EXPECT_TRUE(worker.FindHomePosition(6.0));
     const Texts trace = Board().Trace();
     ASSERT_GE(trace.size(), 4U);
     EXPECT_EQ((Texts{trace[0], trace[1], trace[2]}),
@@ -271,7 +264,8 @@ TEST_F(Pump, homing_claims_the_flag_with_both_edges_and_gives_it_back) {
 TEST_F(Pump, homing_begins_the_angle_anew) {
     Turn(270.0F, 270, 5000);
     step.findStartPosition = true;
-    Turn(360.0F, 30, 20000);
+    SetPumpAngle(300.0);
+    Turn(48.0F, 6, 20000);
     step.findStartPosition = false;
     Turn(90.0F, 90, 5000);
     EXPECT_EQ(Periods(), Texts{Pwm + "1/period=2500000"});  // 90 degrees and not 180

@@ -111,6 +111,7 @@ protected:
     // At the speed given, and with errors only in the log.
     explicit MeasurementFixture(double speed = 1.0, const char* listenerName = "MeasurementEngine")
         : BoardTest(Setup(speed)), listener(listenerName) {
+        SetPumpAngle(300.0);  // a little before both edges of the home flag
         MessageController::SetLogLevel(ERROR_LOG_LEVEL);
         router = std::make_unique<MessagingControl>();
         MessageBase::SetMessagingControl(router.get());
@@ -137,6 +138,12 @@ protected:
     void SetFault(const char* fault) {
         std::string error;
         ASSERT_TRUE(Board().SetFault(fault, error)) << error;
+    }
+
+    void SetPumpAngle(double angle) {
+        Bench::InstrumentState state = Board().Instrument();
+        state.pumpAngle = angle;
+        Board().SetInstrument(state);
     }
 
     // When this returns, all that was sent before has been heard.
