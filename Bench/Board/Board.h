@@ -77,7 +77,7 @@ struct CardView {
 struct TraceEntry {
     double seconds = 0.0;  // since the start of the run
     std::string text;
-    double deviceSeconds = 0.0;  // real, of the program's calls on device files and the log until then
+    double deviceSeconds = 0.0;  // real, within the board's device files, its log and its own doing until then
 };
 
 // One line that the program gave to the system log, with all as given.

@@ -11,9 +11,6 @@ namespace Bench {
 
 namespace {
 
-// The call that the thread is in; no allocation on first use.
-[[gnu::tls_model("initial-exec")]] thread_local const DeviceCall* runningCall = nullptr;
-
 constexpr double NanoSeconds = 1e9;
 constexpr double SmallestStep = 1e-6;  // seconds: rounding must not hold the instrument at an edge of its flag
 
@@ -113,6 +110,8 @@ void InitialiseState(BoardState& state, const char* folder, const BoardSetup& se
         call.count = 0;
         call.failIn = 0;
     }
+    state.deviceCalls.store(0);  // a program may have been killed in one
+    state.deviceTime.store(0);
     state.traced = 0;
     state.traceStart = 0;
     StartClock(state.clock, setup.speed, setup.startSeconds);
@@ -133,25 +132,29 @@ void BringUpToDate(BoardState& state) {
     RunTo(state, now);
 }
 
-DeviceCall::DeviceCall(BoardState& state, bool isDevice)
-    : m_state(state), m_start(RealNanoSeconds()), m_device(isDevice) {
-    runningCall = this;
+DeviceCall::DeviceCall(BoardState& state, bool isDevice) : m_state(state) { Is(isDevice); }
+
+void DeviceCall::Is(bool device) {
+    if (device == m_device) {
+        return;
+    }
+    m_device = device;
+    const std::int64_t now = RealNanoSeconds();
+    if (device && m_state.deviceCalls.fetch_add(1) == 0) {
+        m_state.deviceTime.fetch_sub(now);
+    } else if (!device && m_state.deviceCalls.fetch_sub(1) == 1) {
+        m_state.deviceTime.fetch_add(now);
+    }
 }
 
-DeviceCall::~DeviceCall() {
-    m_state.deviceTime.fetch_add(Running());
-    runningCall = nullptr;
-}
-
-std::int64_t DeviceCall::Running() {
-    const bool isDevice = runningCall != nullptr && runningCall->m_device;
-    return isDevice ? RealNanoSeconds() - runningCall->m_start : 0;
+std::int64_t DeviceTime(const BoardState& state) {
+    return state.deviceTime.load() + (state.deviceCalls.load() == 0 ? 0 : RealNanoSeconds());
 }
 
 void TraceAct(BoardState& state, const char* format, ...) {
     TraceRecord& record = state.trace[state.traced % TraceLength];
     record.time = MonotonicNow(state.clock) - MonotonicAtStart;
-    record.deviceTime = state.deviceTime.load() + DeviceCall::Running();
+    record.deviceTime = DeviceTime(state);
     va_list arguments;
     va_start(arguments, format);
     std::vsnprintf(record.text, sizeof(record.text), format, arguments);

@@ -243,9 +243,10 @@ struct BoardState {
 
     FaultEntry faults[MaximalFaults];
     CallState calls[static_cast<std::size_t>(Call::Count)];
-    std::atomic<std::int64_t> deviceTime{0};  // real nanoseconds in ended calls on device files and the log
-    std::uint64_t traced = 0;                 // of the whole run
-    std::uint64_t traceStart = 0;             // the first that was not cleared
+    std::atomic<std::uint32_t> deviceCalls{0};  // under way
+    std::atomic<std::int64_t> deviceTime{0};    // see DeviceTime; less the beginning of those under way
+    std::uint64_t traced = 0;                   // of the whole run
+    std::uint64_t traceStart = 0;               // the first that was not cleared
     TraceRecord trace[TraceLength];
 };
 
@@ -267,23 +268,23 @@ void Changed(BoardState& state);  // wakes whoever waits for the board
 // Applies due faults, lets the instrument run on and counts the edges of its flag, up to now.
 void BringUpToDate(BoardState& state);
 
-// Counts the real time of one call on a device file, or on the system log, from here to its end, if it turns out to be
-// one. One at a time in each thread.
+// One call on a device file or on the system log, or what the board does for itself within another: from here to its
+// end, or until it turns out to be none. Where several threads are in one, the time counts once.
 class DeviceCall {
 public:
     explicit DeviceCall(BoardState& state, bool isDevice = true);
-    ~DeviceCall();
+    ~DeviceCall() { Is(false); }
     DeviceCall(const DeviceCall&) = delete;
     DeviceCall& operator=(const DeviceCall&) = delete;
 
-    void Is(bool device) { m_device = device; }
-    static std::int64_t Running();  // nanoseconds of this thread's call so far
+    void Is(bool device);
 
 private:
     BoardState& m_state;
-    const std::int64_t m_start;
-    bool m_device;
+    bool m_device = false;
 };
+
+std::int64_t DeviceTime(const BoardState& state);  // real nanoseconds in such calls up to now
 
 [[gnu::format(printf, 2, 3)]] void TraceAct(BoardState& state, const char* format, ...);
 const char* ErrorName(int error);  // "EBUSY"

@@ -80,6 +80,7 @@ int OpenOrdinary(BoardState& state, const Target& target, int flags, mode_t mode
 
 ssize_t WriteToCard(BoardState& state, int file, const void* data, std::size_t size) {
     const ssize_t written = Real::write(file, data, size);
+    const DeviceCall call(state);  // from here on the board alone has something to do
     char link[32];
     std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file);
     char path[PathLength] = {};
@@ -103,7 +104,7 @@ int CountOrFail(BoardState& state, Call call) {
 }
 
 int OpenFile(BoardState& state, Call kind, const char* path, int flags, mode_t mode, bool& passedOn) {
-    DeviceCall call(state, false);
+    DeviceCall call(state);  // what it takes to see whose path this is counts in any case
     Target target;
     Resolve(state, path, target);
     passedOn = !target.inside;

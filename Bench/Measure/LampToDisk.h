@@ -14,7 +14,7 @@ std::string WithShortSteps(const std::string& configuration);
 
 struct RecordTime {
     double seconds = 0.0;        // from the last reading to the record
-    double deviceSeconds = 0.0;  // of them, what the board's own device files and log took, on the one processor
+    double deviceSeconds = 0.0;  // of them, those within the board, on the one processor
 };
 
 // The bytes of all records on the card. The board itself is left alone: whoever looks at it while a record is on its

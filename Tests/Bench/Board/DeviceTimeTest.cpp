@@ -1,8 +1,10 @@
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <thread>
 
 #include "Bench/Board/BoardState.h"
 #include "Tests/Bench/Board/DeviceFiles.h"
@@ -24,7 +26,7 @@ void Pass(std::int64_t nanoSeconds) {
 
 class DeviceTimeTest : public BoardTest {
 protected:
-    std::int64_t Counted() const { return Board().State().deviceTime.load(); }
+    std::int64_t Counted() const { return Bench::DeviceTime(Board().State()); }
     double LastEntry() const { return Board().TraceWithTimes().back().deviceSeconds; }
 };
 
@@ -43,35 +45,46 @@ TEST_F(DeviceTimeTest, a_call_counts_from_its_beginning_to_its_end) {
     EXPECT_LE(Counted() - before, end - begin);
 }
 
-TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_no_device_does_not_count) {
+TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_no_device_counts_no_further) {
+    Bench::DeviceCall call(Board().State());
+    call.Is(false);
     const std::int64_t before = Counted();
-    {
-        Bench::DeviceCall call(Board().State());
-        Pass(1000);
-        call.Is(false);
-    }
+    Pass(1000);
     EXPECT_EQ(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_a_device_counts_from_its_beginning) {
-    constexpr std::int64_t Length = 2000000;
-    const std::int64_t before = Counted();
-    {
-        Bench::DeviceCall call(Board().State(), false);
-        Pass(Length);
-        call.Is(true);
-    }
-    EXPECT_GE(Counted() - before, Length);
+TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_a_device_counts_from_there_on) {
+    Bench::DeviceCall call(Board().State(), false);
+    std::int64_t before = Counted();
+    Pass(1000);
+    EXPECT_EQ(Counted(), before);
+    call.Is(true);
+    before = Counted();
+    Pass(1000);
+    EXPECT_GE(Counted() - before, 1000);
 }
 
-TEST_F(DeviceTimeTest, a_call_runs_up_to_its_end) {
-    EXPECT_EQ(Bench::DeviceCall::Running(), 0);
+TEST_F(DeviceTimeTest, a_call_under_way_counts_up_to_now) {
+    const Bench::DeviceCall call(Board().State());
+    const std::int64_t before = Counted();
+    Pass(1000);
+    EXPECT_GE(Counted() - before, 1000);
+}
+
+TEST_F(DeviceTimeTest, calls_at_the_same_time_count_once) {
+    constexpr std::int64_t Length = 2000000;
+    const std::int64_t before = Counted();
+    const std::int64_t begin = Now();
     {
         const Bench::DeviceCall call(Board().State());
-        Pass(1000);
-        EXPECT_GE(Bench::DeviceCall::Running(), 1000);
+        const std::int64_t end = Now() + Length;
+        std::thread([this] {
+            const Bench::DeviceCall another(Board().State());
+            Pass(Length);
+        }).join();
+        EXPECT_GE(Counted() - before, end - begin);
     }
-    EXPECT_EQ(Bench::DeviceCall::Running(), 0);
+    EXPECT_LE(Counted() - before, Now() - begin);
 }
 
 TEST_F(DeviceTimeTest, what_a_call_does_is_told_with_its_own_time_until_then) {
@@ -98,9 +111,12 @@ TEST_F(DeviceTimeTest, opening_reading_and_closing_a_device_file_count) {
     EXPECT_GT(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, a_file_on_the_disk_does_not_count) {
-    const std::int64_t before = Counted();
+TEST_F(DeviceTimeTest, a_file_on_the_disk_does_not_count_but_for_the_look_whose_it_is) {
+    const std::int64_t begin = Now();
+    std::int64_t before = Counted();
     const int file = open("/var/log/vorn/data/file", O_RDWR | O_CREAT, 0600);
+    EXPECT_LT(Counted() - before, Now() - begin);
+    before = Counted();
     ASSERT_EQ(write(file, "x", 1), 1);
     char got = 0;
     EXPECT_EQ(read(file, &got, 1), 0);
@@ -114,8 +130,23 @@ TEST_F(DeviceTimeTest, a_line_of_the_log_counts) {
     EXPECT_GT(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, what_a_call_on_a_file_of_the_disk_does_is_told_without_its_own_time) {
-    const Bench::DeviceCall call(Board().State(), false);
+TEST_F(DeviceTimeTest, a_fresh_run_knows_nothing_of_a_call_that_never_ended) {
+    Board().State().deviceCalls.fetch_add(1);
+    Board().Reset({});
+    const std::int64_t before = Counted();
     Pass(1000);
-    EXPECT_EQ(Bench::DeviceCall::Running(), 0);
+    EXPECT_EQ(Counted(), before);
+}
+
+TEST_F(DeviceTimeTest, of_a_write_to_the_card_the_writing_down_counts) {
+    ASSERT_EQ(mount("/dev/mmcblk0p1", "/mnt/sd-card", "vfat", MS_SYNCHRONOUS, ""), 0);
+    const int file = open("/mnt/sd-card/file", O_WRONLY | O_CREAT, 0600);
+    ASSERT_GE(file, 0);
+    const std::int64_t begin = Now();
+    const std::int64_t before = Counted();
+    ASSERT_EQ(write(file, "x", 1), 1);
+    const std::int64_t counted = Counted() - before;
+    EXPECT_GT(counted, 0);
+    EXPECT_LT(counted, Now() - begin);
+    close(file);
 }
