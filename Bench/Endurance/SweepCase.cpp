@@ -122,6 +122,17 @@ bool WaitFor(Subject& subject, double seconds, Condition condition, double realD
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
+// What the player's two processes say at its start ends no line, so that anything may follow it there.
+void EraseSounds(std::string& textWithoutDigits) {
+    for (const std::string start :
+         {"In Parent Process: Own pid =  and Child pid = ", "In Child Process: Own pid =  and Parent pid = "}) {
+        for (std::size_t at = textWithoutDigits.find(start); at != std::string::npos;
+             at = textWithoutDigits.find(start)) {
+            textWithoutDigits.erase(at, start.size());
+        }
+    }
+}
+
 TestRequest RequestOf(std::uint16_t command) {
     TestRequest request;
     request.command = command;
@@ -146,8 +157,10 @@ bool SweepCase::Prepare(Subject& subject, std::string& trouble) const {
     setup.speed = m_speed;
     setup.startSeconds = StartSeconds;
     setup.noise = false;
-    if (!subject.Prepare(m_places, setup, {{"StartInTestMode", "true"}, {"LoggingLevel", "ERROR_LOG_LEVEL"}},
-                         trouble)) {
+    // Any value is an alert, so that there is a sound.
+    const SettingList settings = {
+        {"StartInTestMode", "true"}, {"LoggingLevel", "ERROR_LOG_LEVEL"}, {"AlertLevel", "-1.0"}};
+    if (!subject.Prepare(m_places, setup, settings, trouble)) {
         return false;
     }
     const std::string file = subject.Folder().Path() + "/usr/share/vorn/bin/configuration/analyzer.conf.xml";
@@ -204,7 +217,7 @@ SweepReport SweepCase::Try(const std::string& kind, int n, const SweepReference&
     return report;
 }
 
-// A start, the test state, one cycle.
+// A start, the test state, one cycle with a sound behind it.
 SweepCase::Course SweepCase::Live(Subject& subject) const {
     Course course;
     const auto hasValue = [&] {
@@ -321,19 +334,20 @@ std::set<std::string> SweepCase::Lines(const Subject& subject) {
         std::ifstream file(path);
         for (std::string line; std::getline(file, line);) {
             std::string text = TextOfLogRecord(line).value_or(line);
+            text.erase(std::remove_if(text.begin(), text.end(), IsDigit), text.end());
+            EraseSounds(text);
             const std::size_t moment = text.find(" :: ");
             // Up to the level's setting the error stream has the lines of the log, too.
             const bool isOfLog = path == subject.Log() || text.rfind("Vernicor[", 0) == 0;
             text.erase(0, isOfLog && moment != std::string::npos ? moment + 4 : 0);
-            text.erase(std::remove_if(text.begin(), text.end(), IsDigit), text.end());
             lines.insert(text);
         }
     }
     return lines;
 }
 
-// Those that no run without a failure had, and that aren't the routine of a start, of which the log has some now and
-// then before its level is set.
+// Those that no run without a failure had, and that are neither the routine of a start, of which the log has some now
+// and then before its level is set, nor that of a reset in the midst of the next cycle.
 std::set<std::string> SweepCase::NewLines(const Subject& subject, const SweepReference& reference) {
     std::set<std::string> lines = Lines(subject);
     for (const std::string& line : reference.lines) {
@@ -341,7 +355,8 @@ std::set<std::string> SweepCase::NewLines(const Subject& subject, const SweepRef
     }
     for (const char* routine :
          {"Changing to ", "Initializing Thread ", "Thread Created ", "Gathering ", "Command Message (",
-          "Data Message (", "Registering ", "Sending Command ", "Ending Thread ", "Killing Thread "}) {
+          "Data Message (", "Registering ", "Sending Command ", "Ending Thread ", "Killing Thread ",
+          "Aborted Measurement Cycle", "MeasurementControl::Run  Unable to create and send "}) {
         std::erase_if(lines, [routine](const std::string& line) { return line.rfind(routine, 0) == 0; });
     }
     return lines;
