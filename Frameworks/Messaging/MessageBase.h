@@ -53,7 +53,7 @@ private:
 
     static const StdString NoName;
 
-    std::unique_ptr<MessageBase> m_next;  // behind this one in a queue
+    MessageBase* m_next = nullptr;  // behind this one in a queue, which owns both
     bool m_isCommand;
     std::int32_t m_sendCount = 0;
     ThreadControl* m_destination = nullptr;

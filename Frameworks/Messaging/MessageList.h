@@ -1,4 +1,4 @@
-// Messages in a row, each of which owns the next. One thread at a time.
+// Messages in a row, which it owns. One thread at a time.
 #pragma once
 
 #include <memory>
@@ -16,31 +16,31 @@ public:
     bool IsEmpty() const { return m_first == nullptr; }
 
     void PushBack(std::unique_ptr<MessageBase> message) {  // which belongs to the list from now on
-        MessageBase* last = message.get();
-        (IsEmpty() ? m_first : m_last->m_next) = std::move(message);
+        MessageBase* last = message.release();
+        (IsEmpty() ? m_first : m_last->m_next) = last;
         m_last = last;
     }
 
     std::unique_ptr<MessageBase> PopFront() {  // not of an empty list
-        std::unique_ptr<MessageBase> message = std::move(m_first);
-        m_first = std::move(message->m_next);
+        std::unique_ptr<MessageBase> message(m_first);
+        m_first = std::exchange(message->m_next, nullptr);
         return message;
     }
 
     // Everything that the other holds, in the place of what stood here.
     void Take(MessageList& other) {
         Clear();
-        m_first = std::move(other.m_first);
+        m_first = std::exchange(other.m_first, nullptr);
         m_last = other.m_last;
     }
 
 private:
-    void Clear() {  // one by one: a chain that frees itself would need a stack as long
+    void Clear() {
         while (!IsEmpty()) {
             PopFront();
         }
     }
 
-    std::unique_ptr<MessageBase> m_first;
+    MessageBase* m_first = nullptr;
     MessageBase* m_last = nullptr;  // of a list that is not empty
 };
