@@ -83,16 +83,18 @@ private:
 // decides, from run to run anew, how often a burst is cut into messages that each wait for a thread.
 class UncutBursts {
 public:
-    UncutBursts() { Follow(SCHED_BATCH); }
+    UncutBursts() : m_policy(sched_getscheduler(0)) {
+        sched_getparam(0, &m_parameters);
+        const sched_param none{};
+        sched_setscheduler(0, SCHED_BATCH, &none);
+    }
     UncutBursts(const UncutBursts&) = delete;
     UncutBursts& operator=(const UncutBursts&) = delete;
-    ~UncutBursts() { Follow(SCHED_OTHER); }
+    ~UncutBursts() { sched_setscheduler(0, m_policy, &m_parameters); }
 
 private:
-    static void Follow(int policy) {
-        const sched_param none{};
-        sched_setscheduler(0, policy, &none);
-    }
+    const int m_policy;  // before
+    sched_param m_parameters{};
 };
 
 std::unique_ptr<PeerMessage> MakeMessage(int command = Message) { return std::make_unique<PeerMessage>(command); }

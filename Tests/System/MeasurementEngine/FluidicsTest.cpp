@@ -265,7 +265,7 @@ TEST_F(Pump, homing_begins_the_angle_anew) {
     Turn(270.0F, 270, 5000);
     step.findStartPosition = true;
     SetPumpAngle(300.0);
-    Turn(48.0F, 6, 20000);
+    Turn(360.0F, 6, 20000);
     step.findStartPosition = false;
     Turn(90.0F, 90, 5000);
     EXPECT_EQ(Periods(), Texts{Pwm + "1/period=2500000"});  // 90 degrees and not 180
