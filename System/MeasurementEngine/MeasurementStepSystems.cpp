@@ -141,7 +141,8 @@ bool MeasurementStepController::InitializeSampleDeliverySystem() {
         ReleaseSampleDeliverySystem();
         return false;
     }
-    m_valve->SetSwitchValues(TruncateTo<std::int32_t>(m_sampleSwitchDelay),
+    // The valve reads the word as signed: -1 in the settings is a negative delay, which means no wait.
+    m_valve->SetSwitchValues(static_cast<std::int32_t>(m_sampleSwitchDelay),
                              static_cast<float>(m_sampleSwitchDutyCycle));
     m_sample = TryMake<SampleDeliveryProcessing>();
     if (m_sample == nullptr) {

@@ -308,6 +308,15 @@ TEST_F(Pump, without_a_motor_homing_is_told_and_fails) {
     EXPECT_FALSE(Board().Pin(1, 18).claimed);
 }
 
+TEST_F(Pump, homing_at_a_negative_speed_fails) {
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(worker.FindHomePosition(-1.0));
+    EXPECT_EQ(testing::internal::GetCapturedStdout().substr(0, 56),
+              "Invalid PWM frequency or duty cycle in StepperDriver::St");
+    EXPECT_EQ(LogLines(), Texts{NoHome});
+    EXPECT_EQ(Periods(), Texts{});
+}
+
 TEST_F(Pump, a_homing_that_fails_leaves_the_motor_free_for_the_next_turn) {
     SetFault("motor-stalled");
     step.findStartPosition = true;

@@ -179,6 +179,14 @@ TEST(StepParameters, odd_numbers_read_as_the_conversions_give_them) {
     EXPECT_EQ(step.motorSpeed, 0U);
 }
 
+TEST(StepParameters, minus_one_reads_as_the_unsigned_word) {
+    StepParameters step;
+    ASSERT_TRUE(step.Fill(StepItems({{"Duration", "-1"}, {"Motor Angle", "-1"}, {"Motor Speed", "-1"}}).get()));
+    EXPECT_EQ(step.duration, 4294967295U);
+    EXPECT_EQ(step.motorAngle, -1.0F);
+    EXPECT_EQ(step.motorSpeed, 4294967295U);
+}
+
 TEST(StepParameters, are_not_filled_from_nothing) {
     StepParameters step;
     EXPECT_FALSE(step.Fill(nullptr));
