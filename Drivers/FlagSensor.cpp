@@ -8,14 +8,14 @@ namespace {
 
 constexpr PinAddress FlagLine{1, 18};
 
-constexpr std::uint32_t ShortestWait = 1000;
-constexpr std::uint32_t LongestWait = 60000;
-
-std::int32_t WaitTime(std::uint32_t milliseconds) {
-    return static_cast<std::int32_t>(std::clamp(milliseconds, ShortestWait, LongestWait));
-}
+constexpr std::uint32_t MinWait = 1000;
+constexpr std::uint32_t MaxWait = 60000;
 
 }  // namespace
+
+std::int32_t FlagSensor::WaitTime(std::uint32_t milliseconds) {
+    return static_cast<std::int32_t>(std::clamp(milliseconds, MinWait, MaxWait));
+}
 
 FlagSensor::FlagSensor() : m_pin(FlagLine.bank, FlagLine.pin, EDGE_GPIO_MODE, BOTH_GPIO_EDGE) {}
 

@@ -18,6 +18,9 @@ public:
     bool WaitForHigh(std::uint32_t milliseconds) const;
     bool WaitForLow(std::uint32_t milliseconds) const;
 
+    // The time that a wait of so many milliseconds takes at most.
+    static std::int32_t WaitTime(std::uint32_t milliseconds);
+
 private:
     GpioPin m_pin;
 };

@@ -23,6 +23,10 @@ std::uint32_t MilliSecondsFor(double degrees, double speed) {
 
 }  // namespace
 
+std::uint32_t FlagHighTimeOut(double speed) { return MilliSecondsFor(HighStretch, speed); }
+
+std::uint32_t FlagLowTimeOut(double speed) { return MilliSecondsFor(LowStretch, speed); }
+
 double PumpTurn(double from, double to) { return to < from ? to + 360.0 - from : to - from; }
 
 std::uint32_t PumpTurnTime(float angle, std::uint32_t speed, std::uint32_t duration) {
@@ -85,11 +89,11 @@ bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
 bool ReAgentDeliveryProcessing::FindRisingEdge(const FlagSensor& flag, double speed) {
     bool found = false;
     for (int tries = 0; !found && tries < HomingTries; ++tries) {
-        if (flag.IsHigh() && !flag.WaitForLow(MilliSecondsFor(HighStretch, speed))) {
+        if (flag.IsHigh() && !flag.WaitForLow(FlagHighTimeOut(speed))) {
             return false;
         }
         if (!flag.IsHigh()) {
-            found = flag.WaitForHigh(MilliSecondsFor(LowStretch, speed));
+            found = flag.WaitForHigh(FlagLowTimeOut(speed));
             StopAndBrake();
         }
     }

@@ -33,6 +33,11 @@ private:
     StepperDriverMotor* m_motor = nullptr;
 };
 
+// Milliseconds that the pump has to leave the flag's high part of the turn, and to reach it, at so many degrees a
+// second.
+std::uint32_t FlagHighTimeOut(double speed);
+std::uint32_t FlagLowTimeOut(double speed);
+
 // Degrees forward from one angle to another.
 double PumpTurn(double from, double to);
 

@@ -101,6 +101,15 @@ TEST_F(Flag, no_wait_is_shorter_than_a_second) {
     EXPECT_GE(Board().Seconds() - start, 1.0);
 }
 
+TEST(FlagWaitTime, is_held_within_a_second_and_a_minute) {
+    EXPECT_EQ(FlagSensor::WaitTime(0), 1000);
+    EXPECT_EQ(FlagSensor::WaitTime(999), 1000);
+    EXPECT_EQ(FlagSensor::WaitTime(1001), 1001);
+    EXPECT_EQ(FlagSensor::WaitTime(59999), 59999);
+    EXPECT_EQ(FlagSensor::WaitTime(60001), 60000);
+    EXPECT_EQ(FlagSensor::WaitTime(0xFFFFFFFF), 60000);
+}
+
 TEST_F(Flag, no_wait_is_longer_than_a_minute) {
     Board().SetSpeed(200.0);
     const FlagSensor flag;

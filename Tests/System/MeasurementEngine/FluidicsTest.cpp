@@ -146,11 +146,22 @@ TEST_F(StirBar, keeps_its_step_at_the_end_of_the_thread) {
     worker.Join();
 }
 
-TEST(PumpTurn, from_270_to_90_is_180) { EXPECT_EQ(PumpTurn(270.0, 90.0), 180.0); }
+TEST(PumpTurn, to_a_smaller_angle_goes_on_past_360) {
+    EXPECT_EQ(PumpTurn(270.0, 90.0), 180.0);
+    EXPECT_EQ(PumpTurn(300.0, 90.0), 150.0);
+    EXPECT_EQ(PumpTurn(200.0, 190.0), 350.0);
+}
 
 TEST(PumpTurn, forward_is_the_difference) { EXPECT_EQ(PumpTurn(30.0, 330.0), 300.0); }
 
 TEST(PumpTurn, to_the_same_angle_is_none) { EXPECT_EQ(PumpTurn(90.0, 90.0), 0.0); }
+
+TEST(FlagTimeOut, is_the_time_for_390_degrees_while_high_and_60_while_low) {
+    EXPECT_EQ(FlagHighTimeOut(360.0), 1083U);
+    EXPECT_EQ(FlagLowTimeOut(360.0), 166U);
+    EXPECT_EQ(FlagHighTimeOut(6.0), 65000U);
+    EXPECT_EQ(FlagLowTimeOut(6.0), 10000U);
+}
 
 TEST(PumpTurnTime, is_cut_to_the_duration) {
     EXPECT_EQ(PumpTurnTime(120.0F, 60, 1000), 1000U);
@@ -212,10 +223,10 @@ TEST_F(Pump, a_turn_is_traced_from_current_to_brake) {
 }
 
 TEST_F(Pump, the_way_to_an_angle_behind_goes_forward_in_the_time_of_the_angle_itself) {
-    Turn(270.0F, 270, 5000);
-    EXPECT_EQ(Periods(), Texts{Pwm + "1/period=833333"});  // 1200 steps in a second
+    Turn(280.0F, 280, 5000);
+    EXPECT_EQ(Periods(), Texts{Pwm + "1/period=803571"});  // 280 degrees in a second
     Turn(90.0F, 90, 5000);
-    EXPECT_EQ(Periods(), Texts{Pwm + "1/period=1250000"});  // 180 degrees, 800 steps, in a second
+    EXPECT_EQ(Periods(), Texts{Pwm + "1/period=1323529"});  // 170 degrees in a second
 }
 
 TEST_F(Pump, an_angle_below_one_degree_is_told_and_not_turned) {
@@ -291,6 +302,15 @@ TEST_F(PumpInRealTime, a_flag_that_stays_low_stops_the_pump_after_one_second_and
     EXPECT_GE(TimeOf(Pwm + "1/enable=0") - started, 1.0);  // 166 ms, raised to the least wait of the sensor
     EXPECT_LT(TimeOf(Pwm + "1/enable=0") - started, 2.0);
     EXPECT_GE(TimeOf(Gpio + "unexport=50") - started, 3.0);
+}
+
+TEST_F(PumpInRealTime, a_flag_that_stays_low_stops_the_pump_after_60_degrees) {
+    Board().SetSpeed(5.0);
+    SetFault("flag-stuck-low");
+    EXPECT_FALSE(worker.FindHomePosition(20.0));
+    const double started = TimeOf(Pwm + "1/enable=1");
+    EXPECT_GE(TimeOf(Pwm + "1/enable=0") - started, 3.0);
+    EXPECT_LT(TimeOf(Pwm + "1/enable=0") - started, 19.0);  // 390 degrees take 19.5 seconds
 }
 
 TEST_F(Pump, a_stalled_pump_is_not_found_home) {

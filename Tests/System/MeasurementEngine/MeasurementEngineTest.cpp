@@ -216,6 +216,17 @@ TEST_F(Engine, a_measurement_asked_for_during_a_cycle_is_tried_each_second_and_s
     EXPECT_EQ(errors, Texts(errors.size(), NotStarted));
 }
 
+TEST_F(Engine, a_refused_measurement_takes_a_second) {
+    StartCycle();
+    Board().SetSpeed(2.0);
+    const double began = Board().Seconds();
+    EXPECT_TRUE(Process(COLLECT_MEASUREMENT));
+    const double seconds = Board().Seconds() - began;
+    Board().SetSpeed(20.0);
+    EXPECT_GE(seconds, 1.0);
+    EXPECT_LT(seconds, 10.0);
+}
+
 TEST_F(Engine, the_retry_ends_with_the_state) {
     StartCycle();
     Tell(COLLECT_MEASUREMENT);
