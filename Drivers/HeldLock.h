@@ -2,7 +2,7 @@
 // neither, nor a release by who does not hold it; here that is refused. Any thread.
 #pragma once
 
-#include <pthread.h>
+#include "Frameworks/Threading/Mutex.h"
 
 class HeldLock {
 public:
@@ -19,8 +19,8 @@ public:
     bool IsHeldHere(const void* holder);
 
 private:
-    pthread_mutex_t m_guard = PTHREAD_MUTEX_INITIALIZER;
-    pthread_cond_t m_released = PTHREAD_COND_INITIALIZER;
-    const void* m_holder = nullptr;
-    pthread_t m_thread{};
+    Mutex m_guard;  // held for a few instructions at a time
+    Condition m_released;
+    const void* m_holder GUARDED_BY(m_guard) = nullptr;
+    pthread_t m_thread GUARDED_BY(m_guard) = {};
 };

@@ -6,10 +6,9 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <vector>
 
+#include "Frameworks/Threading/Mutex.h"
 #include "Frameworks/Threading/ThreadBase.h"
 #include "Frameworks/Utilities/TimeInfo.h"
 
@@ -50,13 +49,12 @@ private:
 
     std::atomic<bool> m_cancelled = false;
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    // Under m_mutex:
-    std::uint32_t m_duration = 0;
-    TimeInfo m_durationValue;
-    bool m_ending = false;
-    int m_beginning = 0;  // threads made that have not said who they are
-    std::vector<pthread_t> m_running;
-    std::vector<pthread_t> m_ended;  // not joined yet
+    mutable Mutex m_mutex;
+    Condition m_changed;  // of m_ending, m_beginning or m_running
+    std::uint32_t m_duration GUARDED_BY(m_mutex) = 0;
+    TimeInfo m_durationValue GUARDED_BY(m_mutex);
+    bool m_ending GUARDED_BY(m_mutex) = false;
+    int m_beginning GUARDED_BY(m_mutex) = 0;  // threads that were created and have not registered their id yet
+    std::vector<pthread_t> m_running GUARDED_BY(m_mutex);
+    std::vector<pthread_t> m_ended GUARDED_BY(m_mutex);  // not joined yet
 };

@@ -1,8 +1,10 @@
 #include "System/TestInterface/FrameGate.h"
 
 std::shared_ptr<void> FrameGate::Pass(const std::shared_ptr<FrameGate>& gate) {
-    std::unique_lock lock(gate->m_mutex);
-    gate->m_changed.wait(lock, [&] { return !gate->m_isTaken || gate->m_isClosed; });
+    const MutexLock lock(gate->m_mutex);
+    while (gate->m_isTaken && !gate->m_isClosed) {
+        gate->m_changed.Wait(gate->m_mutex);
+    }
     if (gate->m_isClosed) {
         return nullptr;
     }
@@ -11,23 +13,26 @@ std::shared_ptr<void> FrameGate::Pass(const std::shared_ptr<FrameGate>& gate) {
 }
 
 bool FrameGate::Sleep(std::chrono::seconds length) {
-    std::unique_lock lock(m_mutex);
-    return !m_changed.wait_for(lock, length, [this] { return m_isClosed; });
+    const MutexLock lock(m_mutex);
+    const auto deadline = std::chrono::steady_clock::now() + length;
+    while (!m_isClosed && m_changed.WaitUntil(m_mutex, deadline)) {
+    }
+    return !m_isClosed;
 }
 
 void FrameGate::Close() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_isClosed = true;
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }
 
 bool FrameGate::IsClosed() const {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_isClosed;
 }
 
 void FrameGate::Release() {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_isTaken = false;
-    m_changed.notify_all();
+    m_changed.NotifyAll();
 }

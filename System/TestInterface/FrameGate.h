@@ -4,9 +4,9 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
+
+#include "Frameworks/Threading/Mutex.h"
 
 class FrameGate {
 public:
@@ -23,9 +23,8 @@ public:
 private:
     void Release();
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
-    // Under m_mutex:
-    bool m_isTaken = false;
-    bool m_isClosed = false;
+    mutable Mutex m_mutex;
+    Condition m_changed;
+    bool m_isTaken GUARDED_BY(m_mutex) = false;
+    bool m_isClosed GUARDED_BY(m_mutex) = false;
 };

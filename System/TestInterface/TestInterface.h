@@ -54,7 +54,8 @@ private:
 
     // The link.
     bool CreateReceiver();  // true too where there is one, or is to be none any more
-    void EndReceiver();     // kills, joins and deletes it, where there is one
+    void EndReceiver();     // kills, joins and deletes it, if there is one
+    std::unique_ptr<ReceiverThread> TakeReceiver(bool onlyIfEnded);
     void EndReceiverUnlessTheLinkStays();
     void LinkEnded();
     static void Join(const ReceiverThread& receiver);

@@ -17,15 +17,20 @@ bool TestInterface::CreateReceiver() {
     return true;
 }
 
-// The lock isn't held while the thread is joined: whoever took the receiver is the one who ends it.
+// The thread is joined without the lock: the caller that took the receiver is the one that ends it.
 void TestInterface::EndReceiver() {
-    m_receiverMutex.Lock();
-    const std::unique_ptr<ReceiverThread> receiver = std::exchange(m_receiver, nullptr);
-    m_receiverMutex.Unlock();
-    if (receiver != nullptr) {
+    if (const std::unique_ptr<ReceiverThread> receiver = TakeReceiver(false)) {
         receiver->Kill();
         Join(*receiver);
     }
+}
+
+std::unique_ptr<ReceiverThread> TestInterface::TakeReceiver(bool onlyIfEnded) {
+    const MutexLock lock(m_receiverMutex);
+    if (onlyIfEnded && m_receiver != nullptr && !m_receiver->HasEnded()) {
+        return nullptr;
+    }
+    return std::exchange(m_receiver, nullptr);
 }
 
 void TestInterface::EndReceiverUnlessTheLinkStays() {
@@ -36,12 +41,7 @@ void TestInterface::EndReceiverUnlessTheLinkStays() {
 
 // A receiver that still runs is a later one: the message came from one that has been ended since.
 void TestInterface::LinkEnded() {
-    m_receiverMutex.Lock();
-    std::unique_ptr<ReceiverThread> receiver;
-    if (m_receiver != nullptr && m_receiver->HasEnded()) {
-        receiver = std::move(m_receiver);
-    }
-    m_receiverMutex.Unlock();
+    std::unique_ptr<ReceiverThread> receiver = TakeReceiver(true);
     if (receiver == nullptr) {
         return;
     }

@@ -135,20 +135,9 @@ std::int32_t Socket::GetBlocking() const { return GetState().blocking; }
 
 sockaddr_in Socket::GetAddress() const { return GetState().address; }
 
-bool Socket::CloseConnection() {
-    m_mutex.Lock();
-    const HeldDescriptor descriptor = Reset();
-    m_mutex.Unlock();
-    return ShutDown(descriptor);
-}
+bool Socket::CloseConnection() { return ShutDown(Take(false)); }
 
-bool Socket::CloseForGood() {
-    m_mutex.Lock();
-    m_closedForGood = true;
-    const HeldDescriptor descriptor = Reset();
-    m_mutex.Unlock();
-    return ShutDown(descriptor);
-}
+bool Socket::CloseForGood() { return ShutDown(Take(true)); }
 
 HeldDescriptor Socket::Hold() const {
     const std::shared_ptr<SharedDescriptor> descriptor = GetState().descriptor;
@@ -156,7 +145,9 @@ HeldDescriptor Socket::Hold() const {
 }
 
 // Gives what was open, for a shutdown without the lock.
-HeldDescriptor Socket::Reset() {
+HeldDescriptor Socket::Take(bool forGood) {
+    const MutexLock lock(m_mutex);
+    m_closedForGood = m_closedForGood || forGood;
     m_state.port = -1;
     m_state.blocking = 1;
     return m_state.descriptor == nullptr ? nullptr : m_state.descriptor->Take();

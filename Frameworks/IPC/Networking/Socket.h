@@ -57,7 +57,7 @@ private:
     bool SetNumber(int option, std::int32_t value, const char* failure);
     std::int32_t GetNumber(int option, const char* failure) const;
     bool GetLinger(linger& value, const char* failure) const;
-    HeldDescriptor Reset() REQUIRES(m_mutex);
+    HeldDescriptor Take(bool forGood);
 
     struct State {
         std::int32_t port = -1;
