@@ -1,10 +1,10 @@
 #include "Drivers/PwmChannel.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "Drivers/DeviceFile.h"
 #include "Drivers/Print.h"
+#include "Frameworks/Utilities/Truncate.h"
 
 using DeviceFile::WriteResult;
 
@@ -36,19 +36,6 @@ bool WriteOrPrint(const std::string& path, const std::string& text, const char* 
         PrintError(failure);
     }
     return written;
-}
-
-// Held to the integer's range, as the board's processor does it; a language conversion would be undefined there.
-std::int32_t Truncate(float value) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    constexpr float Bound = 2147483648.0F;
-    if (value >= Bound) {
-        return Limits::max();
-    }
-    if (value < -Bound) {
-        return Limits::min();
-    }
-    return value == value ? static_cast<std::int32_t>(value) : 0;
 }
 
 }  // namespace
@@ -135,11 +122,11 @@ bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
     }
     const float period = NanoSecondsPerSecond / frequency;
     // A chip without periods is left disabled, and that counts as set.
-    if (!WriteIfThere(Directory() + "/period", std::to_string(Truncate(period)))) {
+    if (!WriteIfThere(Directory() + "/period", std::to_string(TruncateTo<std::int32_t>(period)))) {
         return true;
     }
     const float duty = dutyCycle * period / HighestDutyCycle;
-    if (!WriteOrPrint(dutyFile, std::to_string(Truncate(duty)), "unable to set pwm duty cycle")) {
+    if (!WriteOrPrint(dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)), "unable to set pwm duty cycle")) {
         return false;
     }
     return Enable(true);

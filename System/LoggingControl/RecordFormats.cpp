@@ -1,12 +1,10 @@
 #include "System/LoggingControl/RecordFormats.h"
 
-#include <algorithm>
 #include <charconv>
-#include <cmath>
-#include <limits>
 #include <string>
 #include <string_view>
 
+#include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/Version.h"
 #include "Frameworks/Xml/XmlDocument.h"
 
@@ -70,13 +68,6 @@ private:
     std::string m_text;
 };
 
-// Toward zero; what a 32-bit number can't hold becomes its nearest, and no number 0.
-std::int32_t Truncated(double number) {
-    constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int32_t highest = std::numeric_limits<std::int32_t>::max();
-    return std::isnan(number) ? 0 : static_cast<std::int32_t>(std::clamp<double>(number, lowest, highest));
-}
-
 }  // namespace
 
 StdString MeasurementColumns() {
@@ -118,7 +109,7 @@ StdString StepRecords(const StepResults& results) {
     for (const DetectorInformation& sample : results.GetSamples()) {
         text += Record()
                     .Dates(sample.GetTime())
-                    .Decimal(Truncated(sample.GetCount()))
+                    .Decimal(TruncateTo<std::int32_t>(sample.GetCount()))
                     .Text(description.Text())
                     .Decimal(step.stepType)
                     .Decimal(index)

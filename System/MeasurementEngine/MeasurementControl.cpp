@@ -2,10 +2,10 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/MeasurementEngine/Truncate.h"
 
 MeasurementControl::MeasurementControl() {
     if (pthread_mutex_init(&m_runMutex, nullptr) != 0) {

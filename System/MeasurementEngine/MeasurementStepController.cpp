@@ -5,6 +5,7 @@
 #include "Drivers/StepperDriverMotor.h"
 #include "Drivers/ValvePWM.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
@@ -14,7 +15,6 @@
 #include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
 #include "System/MeasurementEngine/StirBarProcessing.h"
-#include "System/MeasurementEngine/Truncate.h"
 
 // Executing steps and priming; the hardware is made and released in MeasurementStepSystems.cpp.
 

@@ -3,6 +3,7 @@
 #include "Drivers/SpiDevice.h"
 #include "Drivers/StepperDriverMotor.h"
 #include "Drivers/ValvePWM.h"
+#include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
@@ -11,7 +12,6 @@
 #include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
 #include "System/MeasurementEngine/StirBarProcessing.h"
-#include "System/MeasurementEngine/Truncate.h"
 
 namespace {
 

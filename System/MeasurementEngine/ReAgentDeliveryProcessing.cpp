@@ -4,8 +4,8 @@
 
 #include "Drivers/FlagSensor.h"
 #include "Drivers/StepperDriverMotor.h"
+#include "Frameworks/Utilities/Truncate.h"
 #include "System/MeasurementEngine/EngineLog.h"
-#include "System/MeasurementEngine/Truncate.h"
 
 namespace {
 

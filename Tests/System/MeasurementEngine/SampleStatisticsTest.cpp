@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "System/MeasurementEngine/DetectorProcessing.h"
-#include "System/MeasurementEngine/Truncate.h"
 
 namespace {
 
@@ -63,21 +61,3 @@ TEST(DetectorWord, the_two_bits_above_and_the_five_below_the_reading_do_not_coun
 }
 
 TEST(DetectorWord, all_ones_are_no_reading_and_count_as_zero) { EXPECT_EQ(CountOfDetectorWord(0xFFFFFFFF), 0); }
-
-TEST(Truncate, cuts_toward_zero) {
-    EXPECT_EQ(TruncateTo<std::int32_t>(999.9), 999);
-    EXPECT_EQ(TruncateTo<std::int32_t>(-999.9), -999);
-    EXPECT_EQ(TruncateTo<std::uint32_t>(0.999), 0U);
-}
-
-TEST(Truncate, what_the_type_can_not_hold_becomes_its_bound) {
-    EXPECT_EQ(TruncateTo<std::int32_t>(1e300), 2147483647);
-    EXPECT_EQ(TruncateTo<std::int32_t>(-1e300), -2147483647 - 1);
-    EXPECT_EQ(TruncateTo<std::uint32_t>(-1.0), 0U);
-    EXPECT_EQ(TruncateTo<std::uint32_t>(std::numeric_limits<double>::infinity()), 0xFFFFFFFFU);
-    EXPECT_EQ(TruncateTo<std::uint8_t>(300.0), 255);
-}
-
-TEST(Truncate, no_number_becomes_zero) {
-    EXPECT_EQ(TruncateTo<std::int32_t>(std::numeric_limits<double>::quiet_NaN()), 0);
-}
