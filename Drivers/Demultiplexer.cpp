@@ -9,11 +9,6 @@ constexpr std::uint32_t Channels = 16;
 constexpr std::uint32_t ChannelsPerMultiplexer = 8;
 constexpr std::uint32_t ConverterInput = 6;
 
-bool Fail(const char* text, ControllerType origin) {
-    Report(text, ERROR_LOG_LEVEL, origin);
-    return false;
-}
-
 // Whether the line could be claimed does not count: a line that another test holds at the moment is shared with it.
 void MakeLine(std::unique_ptr<GpioPin>& line, PinAddress address) {
     line.reset();
@@ -44,7 +39,7 @@ bool Demultiplexer::Init(const DemultiplexerLines& lines) {
     MakeLine(m_lineEnable, lines[3]);
     m_initialized = ConfigureLines();
     return m_initialized ||
-           Fail("Demultiplexer::Init - Configuring demultiplexer driver GPIO failed!", REMOTE_INDICATOR_CONTROL);
+           ReportError("Demultiplexer::Init - Configuring demultiplexer driver GPIO failed!", REMOTE_INDICATOR_CONTROL);
 }
 
 bool Demultiplexer::ConfigureLines() {
@@ -55,19 +50,20 @@ bool Demultiplexer::ConfigureLines() {
 bool Demultiplexer::SelectChannel(std::uint32_t channel) {
     std::uint32_t address = channel;
     if (channel >= Channels) {
-        Fail("Demultiplexer::SelectChannel - Invalid channel!", REMOTE_INDICATOR_CONTROL);
+        ReportError("Demultiplexer::SelectChannel - Invalid channel!", REMOTE_INDICATOR_CONTROL);
         address = ChannelsPerMultiplexer;
     }
     const std::int32_t enable = address < ChannelsPerMultiplexer ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL;
     const bool selected = m_initialized && m_lineA->Write(Bit(address, 0)) && m_lineB->Write(Bit(address, 1)) &&
                           m_lineC->Write(Bit(address, 2)) && m_lineEnable->Write(enable);
-    return selected || Fail("Demultiplexer::SelectChannel - Setting mux channel failed!", REMOTE_INDICATOR_CONTROL);
+    return selected ||
+           ReportError("Demultiplexer::SelectChannel - Setting mux channel failed!", REMOTE_INDICATOR_CONTROL);
 }
 
 bool Demultiplexer::ReadVoltage(std::uint32_t channel, float& voltage) {
     ADC converter;
     return (converter.Open(ConverterInput) && SelectChannel(channel) && converter.ReadVoltage(voltage)) ||
-           Fail("Demultiplexer::ReadVoltage failed!", DEVICE_MONITOR);
+           ReportError("Demultiplexer::ReadVoltage failed!", DEVICE_MONITOR);
 }
 
 bool Demultiplexer::ReadAllVoltages(std::list<float>& voltages) {

@@ -22,16 +22,11 @@ constexpr PioRegisters Registers[] = {
     {0xFFFFFA30, 0xFFFFFA34, 0xFFFFFA18, 0xFFFFFA3C},
 };
 
-bool Fail(const char* text) {
-    Report(text, ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-    return false;
-}
-
 bool OpenFor(std::uint32_t bank, std::uint32_t pin, PhysicalMemory& memory) {
     if (bank >= std::size(Registers) || pin >= PinsPerBank) {
-        return Fail("MemoryMappedIO - Invalid GPIO pin");
+        return ReportError("MemoryMappedIO - Invalid GPIO pin", MEASUREMENT_ENGINE);
     }
-    return memory.Open() || Fail("MemoryMappedIO - 'Open' error");
+    return memory.Open() || ReportError("MemoryMappedIO - 'Open' error", MEASUREMENT_ENGINE);
 }
 
 GpioLevel ReadBit(std::uint32_t bank, std::uint32_t pin, std::uint32_t PioRegisters::*status, GpioLevel onError) {
@@ -41,7 +36,7 @@ GpioLevel ReadBit(std::uint32_t bank, std::uint32_t pin, std::uint32_t PioRegist
     }
     std::uint32_t word = 0;
     if (!memory.ReadWord(Registers[bank].*status, word)) {
-        Fail("MemoryMappedIO - 'Read' error");
+        ReportError("MemoryMappedIO - 'Read' error", MEASUREMENT_ENGINE);
         return onError;
     }
     return (word >> pin & 1U) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL;
@@ -64,5 +59,5 @@ bool MemoryMappedIO::WritePin(std::uint32_t bank, std::uint32_t pin, std::uint32
     }
     const PioRegisters& registers = Registers[bank];
     const std::uint32_t address = level != 0 ? registers.outputSet : registers.outputClear;
-    return memory.WriteWord(address, 1U << pin) || Fail("MemoryMappedIO - 'Write' error");
+    return memory.WriteWord(address, 1U << pin) || ReportError("MemoryMappedIO - 'Write' error", MEASUREMENT_ENGINE);
 }

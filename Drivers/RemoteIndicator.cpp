@@ -82,18 +82,13 @@ constexpr ColorRow ColorRows[] = {
 constexpr std::uint32_t LEDCount = std::size(SenseChannels);
 constexpr std::uint32_t ColorCount = std::size(ColorRows);
 
-bool Fail(const char* text) {
-    Report(text, ERROR_LOG_LEVEL, REMOTE_INDICATOR_CONTROL);
-    return false;
-}
-
 bool MeasureLED(std::uint32_t led, float& volts) {
     Demultiplexer demultiplexer;
     if (!demultiplexer.Init(BoardDemultiplexerLines)) {
-        return Fail("RemoteIndicator::LEDIsGood - demux could not be initialized!");
+        return ReportError("RemoteIndicator::LEDIsGood - demux could not be initialized!", REMOTE_INDICATOR_CONTROL);
     }
     return demultiplexer.ReadVoltage(SenseChannels[std::min(led, LEDCount - 1)], volts) ||
-           Fail("RemoteIndicator::LEDIsGood - demux voltage could not be read!");
+           ReportError("RemoteIndicator::LEDIsGood - demux voltage could not be read!", REMOTE_INDICATOR_CONTROL);
 }
 
 bool MeasureLoop(float& senseVolts, float& loopVolts) {
@@ -107,7 +102,7 @@ bool MeasureLoop(float& senseVolts, float& loopVolts) {
 bool RemoteIndicator::Init(const RemoteIndicatorSettings& settings) {
     m_settings = settings;
     m_valid = SetUnmuted(true) && SetVolume(Volume, Volume) && MakeLines();
-    return m_valid || Fail("RemoteIndicator::Init Configuring visual or audio failed");
+    return m_valid || ReportError("RemoteIndicator::Init Configuring visual or audio failed", REMOTE_INDICATOR_CONTROL);
 }
 
 // All are claimed before the first is set up. A line that something else in this process has claimed is shared with it.
@@ -144,7 +139,8 @@ bool RemoteIndicator::SetLEDColors(std::uint32_t code) {
         m_code = code;
         set = m_file.empty() || PlayFile(m_file, m_gap);
     }
-    return set || Fail("RemoteIndicator::SetLEDColors Setting visual or audio failed!");
+    return set ||
+           ReportError("RemoteIndicator::SetLEDColors Setting visual or audio failed!", REMOTE_INDICATOR_CONTROL);
 }
 
 void RemoteIndicator::ChooseSound(std::uint32_t code) {
@@ -164,13 +160,13 @@ void RemoteIndicator::ChooseSound(std::uint32_t code) {
 
 bool RemoteIndicator::SetSingleLEDColor(std::uint32_t led) {
     return (m_valid && WriteLines(led < LEDCount ? 1U << led : NO_LED)) ||
-           Fail("RemoteIndicator::SetLEDColors Setting single LED color failed!");
+           ReportError("RemoteIndicator::SetLEDColors Setting single LED color failed!", REMOTE_INDICATOR_CONTROL);
 }
 
 // An LED that can't be lit alone leaves the LEDs as that attempt left them.
 bool RemoteIndicator::LEDIsGood(std::uint32_t led) {
     if (!SetSingleLEDColor(led)) {
-        return Fail("RemoteIndicator::LEDIsGood - color pair could not be set!");
+        return ReportError("RemoteIndicator::LEDIsGood - color pair could not be set!", REMOTE_INDICATOR_CONTROL);
     }
     float volts = 0.0F;
     const bool good = MeasureLED(led, volts) && volts > GoodLEDVolts;
@@ -190,7 +186,8 @@ bool RemoteIndicator::CalculateCableLength(float& feet) {
     const std::uint32_t before = m_code;
     const bool computed = SetLEDColors(BlueOnBothSides) && ComputeCableLength(feet);
     const bool restored = SetLEDColors(before);
-    return (computed && restored) || Fail("RemoteIndicator::CalculateCableLength failed!");
+    return (computed && restored) ||
+           ReportError("RemoteIndicator::CalculateCableLength failed!", REMOTE_INDICATOR_CONTROL);
 }
 
 // Without any current, as with a cable that is cut, the length is infinite or no number, and no failure.

@@ -56,8 +56,6 @@ ItemTexts ReadTexts(const XmlDocument& document, ItemValues& values) {
     return {values.name, values.description, values.type, values.unitOfMeasure, values.value};
 }
 
-void ReportError(const StdString& text) { Report(text, ERROR_LOG_LEVEL, SYSTEM_CONTROL); }
-
 }  // namespace
 
 bool ConfigurationBase::GetXML(const StdString& sectionName) {
@@ -116,7 +114,7 @@ int ConfigurationBase::AddItems(ItemInfoContainer& items, AddOperation add, cons
         if ((items.*add)(ReadTexts(document, values))) {
             ++added;
         } else {
-            ReportError(refusedText);
+            ReportError(refusedText, SYSTEM_CONTROL);
         }
     }
     return added;
@@ -125,21 +123,18 @@ int ConfigurationBase::AddItems(ItemInfoContainer& items, AddOperation add, cons
 bool ConfigurationBase::WriteItem(const StdString& prefix, const StdString& sectionName, const ItemInfoElement* item) {
     XmlDocument* document = GetDocument();
     if (sectionName.IsEmpty() || item == nullptr || document == nullptr) {
-        ReportError(prefix + "Invalid input arguments");
-        return false;
+        return ReportError(prefix + "Invalid input arguments", SYSTEM_CONTROL);
     }
     document->ResetPosition();
     if (!document->FindElement(AnalyzerRootName)) {
-        ReportError(prefix + "Unable to find element \"ROOT_ANALYZER\"");
-        return false;
+        return ReportError(prefix + "Unable to find element \"ROOT_ANALYZER\"", SYSTEM_CONTROL);
     }
     if (!document->IntoElement()) {
-        ReportError(prefix + "Unable to move in to element \"ROOT_ANALYZER\"");
-        return false;
+        return ReportError(prefix + "Unable to move in to element \"ROOT_ANALYZER\"", SYSTEM_CONTROL);
     }
     const bool written = WriteIntoSection(prefix, sectionName, *item);
     if (!document->OutOfElement()) {
-        ReportError(prefix + "Unable to move out of element \"ROOT_ANALYZER\"");
+        ReportError(prefix + "Unable to move out of element \"ROOT_ANALYZER\"", SYSTEM_CONTROL);
     }
     return written;
 }
@@ -148,20 +143,18 @@ bool ConfigurationBase::WriteIntoSection(const StdString& prefix, const StdStrin
                                          const ItemInfoElement& item) {
     XmlDocument* document = GetDocument();
     if (!document->FindElement(sectionName.CString()) || !document->IntoElement()) {
-        ReportError(SectionFailedText);
-        return false;
+        return ReportError(SectionFailedText, SYSTEM_CONTROL);
     }
     if (FindInfoItem(item.GetName()) && !document->RemoveElement()) {
-        ReportError(prefix + "Unable to remove element");
+        ReportError(prefix + "Unable to remove element", SYSTEM_CONTROL);
     }
     if (document->AddElement(ItemName, nullptr, 0)) {
         WriteAttributes(prefix, item);
     } else {
-        ReportError(SectionFailedText);
+        ReportError(SectionFailedText, SYSTEM_CONTROL);
     }
     if (!document->OutOfElement()) {
-        ReportError(SectionFailedText);
-        return false;
+        return ReportError(SectionFailedText, SYSTEM_CONTROL);
     }
     return true;
 }
@@ -178,7 +171,7 @@ bool ConfigurationBase::FindInfoItem(const StdString& name) {
 void ConfigurationBase::WriteAttributes(const StdString& prefix, const ItemInfoElement& item) {
     for (const ItemAttribute& attribute : WriteOrder) {
         if (!GetDocument()->SetAttribute(attribute.name, (item.*attribute.get)().CString())) {
-            ReportError(prefix + "Unable to add attribute \"" + attribute.name + "\"");
+            ReportError(prefix + "Unable to add attribute \"" + attribute.name + "\"", SYSTEM_CONTROL);
         }
     }
 }

@@ -93,9 +93,5 @@ bool MeasurementEngineConfigInfo::ReadStep(const StdString& place) {
     AddItems(*items, &ItemInfoContainer::AddItem, ItemRefusedText);
     const StdString key = items->GetValueOr(StepKeyName, "");
     items->SetPlace(place + key);
-    if (m_steps->AddItemContainer(std::move(items), key)) {
-        return true;
-    }
-    Report(ContainerRefusedText, ERROR_LOG_LEVEL, SYSTEM_CONTROL);
-    return false;
+    return m_steps->AddItemContainer(std::move(items), key) || ReportError(ContainerRefusedText, SYSTEM_CONTROL);
 }

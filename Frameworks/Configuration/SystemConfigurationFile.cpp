@@ -58,8 +58,8 @@ void SystemConfigurationFile::ReadSection(std::unique_ptr<Section>& section, con
     section->SetSource(m_path);
     if (!section->GetXML(elementName)) {
         section.reset();
-        Report(StdString("SystemConfigurationFile::GetXML Unable to create ") + className + " Item", ERROR_LOG_LEVEL,
-               SYSTEM_CONTROL);
+        ReportError(StdString("SystemConfigurationFile::GetXML Unable to create ") + className + " Item",
+                    SYSTEM_CONTROL);
     }
 }
 

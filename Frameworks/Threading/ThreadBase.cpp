@@ -23,8 +23,8 @@ bool ThreadBase::CreateThread() {
     if (error != 0) {
         StdString number;
         number.FromInteger(error);
-        Report("ThreadBase::CreateThread  Unable to create Thread with error code = " + number, ERROR_LOG_LEVEL,
-               MEASUREMENT_ENGINE);
+        ReportError("ThreadBase::CreateThread  Unable to create Thread with error code = " + number,
+                    MEASUREMENT_ENGINE);
         return false;
     }
     m_threadId = thread;

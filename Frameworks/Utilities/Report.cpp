@@ -8,8 +8,9 @@ std::atomic<ReportFunction> reportFunction{nullptr};
 
 void SetReportFunction(ReportFunction function) { reportFunction = function; }
 
-void Report(const StdString& text, LogLevel level, ControllerType origin) {
+bool ReportError(const StdString& text, ControllerType origin) {
     if (const ReportFunction function = reportFunction) {
-        function(text, level, origin);
+        function(text, ERROR_LOG_LEVEL, origin);
     }
+    return false;
 }

@@ -1,13 +1,14 @@
-// Where the classes below the message layer report an error. MessageController fills the hook, so that time, threads
-// and drivers can log without knowing messages. Any thread.
+// How the classes below the message layer log an error. MessageController sets the function, so that time, threads and
+// drivers log without knowing messages. Any thread.
 #pragma once
 
 #include "Frameworks/Utilities/Enumerations.h"
 
 using ReportFunction = void (*)(const StdString& text, LogLevel level, ControllerType origin);
 
-// Once, before main.
+// Call once, before main.
 void SetReportFunction(ReportFunction function);
 
-// Without a function set the text is dropped.
-void Report(const StdString& text, LogLevel level, ControllerType origin);
+// Logs the text at the error level; without a function the text is dropped. Returns false, so that a failed operation
+// can return the call.
+bool ReportError(const StdString& text, ControllerType origin);

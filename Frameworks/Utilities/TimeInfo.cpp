@@ -31,7 +31,7 @@ TimeInfo& TimeInfo::operator=(const timespec& time) {
 void TimeInfo::ResetTime() {
     timespec now{};
     if (clock_gettime(CLOCK_REALTIME, &now) != 0) {
-        Report("TimeInfo::ResetTime  Unable to get time from RealTime clock", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
+        ReportError("TimeInfo::ResetTime  Unable to get time from RealTime clock", SYSTEM_CONTROL);
         return;
     }
     *this = now;
@@ -78,7 +78,7 @@ StdString TimeInfo::GetTimeString(unsigned digits) const {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     if (std::strftime(buffer, sizeof buffer, Format().CString(), &local) == 0) {
-        Report("TimeInfo::GetTimeString  Unable to get formatted time string", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
+        ReportError("TimeInfo::GetTimeString  Unable to get formatted time string", SYSTEM_CONTROL);
     }
 #pragma GCC diagnostic pop
     StdString text(buffer);

@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Frameworks/IPC/Networking/NetworkLog.h"
 #include "Frameworks/Threading/Mutex.h"
+#include "Frameworks/Utilities/Report.h"
 
 namespace {
 
@@ -81,7 +81,7 @@ void HostInfo::LookUpLocalHost() {
 void HostInfo::LookUpByName(const StdString& name, const StdString& failure) {
     const MutexLock lock(databaseMutex);
     if (!Keep(gethostbyname(name.CString()))) {
-        LogNetworkError(failure);
+        ReportError(failure, TEST_INTERFACE);
     }
 }
 
@@ -89,17 +89,17 @@ void HostInfo::LookUpByName(const StdString& name, const StdString& failure) {
 void HostInfo::LookUpByAddress() {
     const in_addr_t address = inet_addr(m_name.CString());
     if (address == INADDR_NONE) {
-        LogNetworkError(AddressConstructor + ("Unable to get netAddr for server - " + m_name));
+        ReportError(AddressConstructor + ("Unable to get netAddr for server - " + m_name), TEST_INTERFACE);
     }
     const MutexLock lock(databaseMutex);
     if (!Keep(gethostbyaddr(&address, sizeof address, AF_INET))) {
-        LogNetworkError(AddressConstructor + ("Unable to get Network DB with server - " + m_name));
+        ReportError(AddressConstructor + ("Unable to get Network DB with server - " + m_name), TEST_INTERFACE);
     }
 }
 
 StdString HostInfo::getHostIPAddress() const {
     if (!m_entry) {
-        LogNetworkError("HostInfo::getHostIPAddress() Unable to get host IP address");
+        ReportError("HostInfo::getHostIPAddress() Unable to get host IP address", TEST_INTERFACE);
         return m_name;
     }
     return m_entry->address;
@@ -107,7 +107,7 @@ StdString HostInfo::getHostIPAddress() const {
 
 StdString HostInfo::getHostName() const {
     if (!m_entry) {
-        LogNetworkError("HostInfo::getHostName() Unable to get host name");
+        ReportError("HostInfo::getHostName() Unable to get host name", TEST_INTERFACE);
         return m_name;
     }
     return m_entry->name;
@@ -119,8 +119,7 @@ bool HostInfo::getNextHost() {
     }
     const MutexLock lock(databaseMutex);
     if (!Keep(gethostent())) {
-        LogNetworkError("HostInfo::getNextHost() Unable to get Network DB entry for next Host");
-        return false;
+        return ReportError("HostInfo::getNextHost() Unable to get Network DB entry for next Host", TEST_INTERFACE);
     }
     return true;
 }

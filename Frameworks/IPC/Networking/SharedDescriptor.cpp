@@ -4,11 +4,11 @@
 
 #include <utility>
 
-#include "Frameworks/IPC/Networking/NetworkLog.h"
+#include "Frameworks/Utilities/Report.h"
 
 OpenDescriptor::~OpenDescriptor() {
     if (close(m_number) == -1) {
-        LogNetworkError("Socket::CloseConnection Failure Closing socket");
+        ReportError("Socket::CloseConnection Failure Closing socket", TEST_INTERFACE);
     }
 }
 

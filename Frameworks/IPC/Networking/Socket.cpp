@@ -6,14 +6,13 @@
 
 #include <utility>
 
-#include "Frameworks/IPC/Networking/NetworkLog.h"
+#include "Frameworks/Utilities/Report.h"
 
 namespace {
 
 bool Succeeded(int result, const char* failure) {
     if (result == -1) {
-        LogNetworkError(failure);
-        return false;
+        return ReportError(failure, TEST_INTERFACE);
     }
     return true;
 }

@@ -8,7 +8,8 @@
 #include <memory>
 
 #include "Frameworks/IPC/Networking/HostInfo.h"
-#include "Frameworks/IPC/Networking/NetworkLog.h"
+#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 
 namespace {
 
@@ -31,8 +32,7 @@ bool TCPSocket::ConnectToServer(const StdString& host, std::int32_t hostType) {
     address.sin_port = htons(static_cast<std::uint16_t>(GetPortNumber()));
     const HeldDescriptor descriptor = Hold();
     if (connect(NumberOf(descriptor), reinterpret_cast<const sockaddr*>(&address), sizeof address) == -1) {
-        LogNetworkError("TCPSocket::ConnectToServer  Unable to connect to server");
-        return false;
+        return ReportError("TCPSocket::ConnectToServer  Unable to connect to server", TEST_INTERFACE);
     }
     m_connected = true;
     return true;
@@ -43,7 +43,7 @@ std::unique_ptr<CommunicationsCommand> TCPSocket::RecieveCommand() {
     command->Clear();
     const ssize_t received = recv(NumberOf(Hold()), command->GetImage().data(), CommunicationsCommand::Size, 0);
     if (received == -1) {
-        LogNetworkError("TCPSocket::RecieveCommand  Error in receiving header information");
+        ReportError("TCPSocket::RecieveCommand  Error in receiving header information", TEST_INTERFACE);
         return nullptr;
     }
     if (received == 0) {
@@ -60,7 +60,7 @@ std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length
     const auto bytes = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     const ssize_t received = recv(NumberOf(Hold()), bytes.get(), size, 0);
     if (received == -1) {
-        LogNetworkError("TCPSocket::RecievePayload  Error in receiving payload information");
+        ReportError("TCPSocket::RecievePayload  Error in receiving payload information", TEST_INTERFACE);
         return nullptr;
     }
     auto payload = std::make_unique<PayloadContainer>(length);
@@ -71,7 +71,7 @@ std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length
 StdString TCPSocket::ReceiveString() {
     char text[LongestString + 1] = {};
     if (read(NumberOf(Hold()), text, LongestString) == -1) {
-        LogNetworkError("TCpSocket::ReceiveString Error in receiving String");
+        ReportError("TCpSocket::ReceiveString Error in receiving String", TEST_INTERFACE);
         return "NULL";
     }
     return text;
@@ -99,8 +99,7 @@ bool TCPSocket::Send(const CommunicationsCommand* command, PayloadContainer* pay
 bool TCPSocket::SendString(const StdString& text) {
     const std::string& bytes = text.Text();
     if (write(NumberOf(Hold()), bytes.data(), bytes.size()) == -1) {
-        LogNetworkError("TCPSocket::SendCommand Error in sending header information");
-        return false;
+        return ReportError("TCPSocket::SendCommand Error in sending header information", TEST_INTERFACE);
     }
     return true;
 }
@@ -108,8 +107,7 @@ bool TCPSocket::SendString(const StdString& text) {
 // A test server that has gone is an error in the log and must not end the analyzer.
 bool TCPSocket::SendBytes(const std::uint8_t* bytes, std::size_t size, const char* failure) {
     if (send(NumberOf(Hold()), bytes, size, MSG_NOSIGNAL) == -1) {
-        LogNetworkError(failure);
-        return false;
+        return ReportError(failure, TEST_INTERFACE);
     }
     return true;
 }

@@ -210,7 +210,7 @@ TEST_F(Routing, SendMessage_refuses_a_null_message_and_no_origin) {
 TEST_F(Routing, the_layers_below_report_through_the_router) {
     RecordingController& logger = AddLogger();
     router.RegisterCommand(&router, PRIME_SYSTEM);
-    Report("from below", ERROR_LOG_LEVEL, MESSAGING_CONTROL);
+    ReportError("from below", MESSAGING_CONTROL);
     EXPECT_EQ(logger.WaitForNotes(1), (Notes{"from below"}));
 }
 
