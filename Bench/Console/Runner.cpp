@@ -3,11 +3,11 @@
 #include <poll.h>
 
 #include <algorithm>
-#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <ctime>
 
+#include "Bench/Common/Program.h"
 #include "Bench/Peers/FrontEnd.h"
 #include "System/MeasurementEngine/StepType.h"
 
@@ -21,18 +21,6 @@ constexpr double StartSeconds = 120.0;
 constexpr double CycleExtraSeconds = 60.0;
 constexpr double TimesExpected = 3.0;
 constexpr int LookMilliseconds = 50;
-
-volatile sig_atomic_t g_signal = 0;
-
-void NoteSignal(int signal) { g_signal = signal; }
-
-void CatchSignals() {
-    struct sigaction action {};
-    action.sa_handler = NoteSignal;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaction(signal, &action, nullptr);
-    }
-}
 
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...) {
     char text[1024];
@@ -70,10 +58,8 @@ std::string InternalName(const std::string& displayName) {
 
 int Runner::Run() {
     std::string error;
-    CatchSignals();
     if (!Prepare(error)) {
-        std::fprintf(stderr, "run: %s\n", error.c_str());
-        return ExitWrongArgument;
+        return Refuse("run", error);
     }
     Greet();
     const std::string program = m_options.program.empty() ? m_places.program : m_options.program;
@@ -151,13 +137,14 @@ void Runner::Greet() {
 }
 
 int Runner::Follow() {
+    const volatile std::sig_atomic_t& signal = CatchSignals();
     while (true) {
         Look();
         if (m_options.cycles && m_results >= *m_options.cycles) {
-            return ExitDone;
+            return ExitSuccess;
         }
-        if (g_signal != 0) {
-            return ExitSignalBase + g_signal;
+        if (signal != 0) {
+            return ExitSignalBase + signal;
         }
         std::string reason;
         if (m_analyzer.HasEnded(reason)) {
@@ -182,7 +169,7 @@ double Runner::SecondsAllowed() const {
 int Runner::Fail(const std::string& reason) {
     m_display.EndProgress();
     std::fprintf(stderr, "run: %s\n", reason.c_str());
-    return ExitFailed;
+    return ExitFailure;
 }
 
 void Runner::ShowIndicator() {

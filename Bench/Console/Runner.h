@@ -28,11 +28,6 @@ struct Places {
     std::string bench;
 };
 
-constexpr int ExitDone = 0;
-constexpr int ExitFailed = 1;
-constexpr int ExitWrongArgument = 2;
-constexpr int ExitSignalBase = 128;
-
 class Runner {
 public:
     Runner(const Options& options, const Places& places) : m_options(options), m_places(places) {}

@@ -1,87 +1,82 @@
-#include <unistd.h>
-
-#include <csignal>
 #include <cstdio>
 
+#include "Bench/Common/CommandLine.h"
+#include "Bench/Common/Program.h"
 #include "Bench/Endurance/Flood.h"
 #include "Bench/Endurance/Soak.h"
-#include "Bench/Endurance/SoakOptions.h"
 
 namespace {
 
-constexpr int Passed = 0;
-constexpr int Failed = 1;
-constexpr int WrongArgument = 2;
+using namespace Bench;
 
 constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
 
-volatile sig_atomic_t g_signal = 0;
+struct SoakOptions {
+    SoakGoals goals;
+    FloodPlan flood{0.0, 1, 50.0};
+    double speed = 0.0;  // 0: the default of a flood or of the rest
+    std::string bench = SOAK_FOLDER;
+    std::string program = BENCH_PROGRAM;
 
-int Refuse(const std::string& error) {
-    std::fprintf(stderr, "soak: %s\n", error.c_str());
-    return WrongArgument;
+    bool IsFlood() const { return flood.seconds > 0.0; }
+    bool HasGoal() const { return goals.cycles > 0 || goals.resets > 0 || goals.days > 0.0; }
+};
+
+CommandLine SoakCommandLine(SoakOptions& options) {
+    CommandLine line("soak", "Long runs of the analyzer on the virtual board, with a front end and a test\nstation.",
+                     "It ends with one line of figures. Exit status: 0 if all was well, 1 if not, 2\n"
+                     "for a wrong argument.");
+    line.AddNumber<std::uint64_t>("--cycles N", 0, 1000000, options.goals.cycles,
+                                  "until N results sent to the front end are in the\nday files");
+    line.AddNumber<std::uint64_t>("--resets N", 0, 1000000, options.goals.resets, "until N resets");
+    line.AddNumber("--days X", 0.0, 1000.0, options.goals.days, "until X simulated days have passed");
+    line.AddNumber("--flood SECONDS", 0.0, 1000000.0, options.flood.seconds,
+                   "instead of commands and faults, random bytes on\nboth links for so many real seconds");
+    line.AddNumber("--rate N", 0.001, 100000.0, options.flood.rate,
+                   "pieces per second on each link, 0.001 to 100000\n(50)");
+    line.AddNumber<std::uint32_t>("--seed N", 0, 4294967295, options.flood.seed,
+                                  "seed of all random buttons, commands, faults,\nbytes and moments (1)");
+    line.AddNumber("--speed X", 0.1, 1000.0, options.speed,
+                   "simulated seconds per real second, 0.1 to 1000\n(20 for a flood, else 200)");
+    line.AddText("--bench DIR", "a folder", options.bench, "folder of the run (build/soak)");
+    line.AddProgram(options.program);
+    line.AddCheck([&options] {
+        return options.IsFlood() || options.HasGoal() ? ""
+                                                      : "nothing to do: give --cycles, --resets, --days or --flood";
+    });
+    return line;
 }
 
-// With a reset the analyzer goes to the test state by itself, so that the second link is up; more of the log than
-// faults is not needed.
-const Bench::SettingList Settings = {{"StartInTestMode", "true"}, {"LoggingLevel", "CRITICAL_LOG_LEVEL"}};
+// In the test state, which is entered after each reset, the test link is up. Of the log only faults are needed.
+const SettingList Settings = {{"StartInTestMode", "true"}, {"LoggingLevel", "CRITICAL_LOG_LEVEL"}};
 
-bool RunFlood(Bench::Subject& subject, const Bench::SoakOptions& options, std::string& figures, std::string& trouble) {
-    Bench::Flood flood(subject, {options.flood, options.seed, options.rate});
-    const bool isWell = flood.Run(g_signal, trouble);
-    figures = flood.Describe();
-    return isWell;
-}
-
-bool RunSoak(Bench::Subject& subject, const Bench::SoakOptions& options, std::string& figures, std::string& trouble) {
-    Bench::Soak soak(subject, options.seed, {options.cycles, options.resets, options.days});
-    const bool isWell = soak.Run(g_signal, trouble);
-    figures = soak.Describe();
-    return isWell;
-}
-
-int Run(const Bench::SoakOptions& options, const Bench::SubjectPlaces& places) {
-    const bool isFlood = options.flood > 0.0;
-    Bench::BoardSetup setup;
-    setup.speed = options.speed > 0.0 ? options.speed : isFlood ? 20.0 : 200.0;
+int Run(const SoakOptions& options, const SubjectPlaces& places) {
+    BoardSetup setup;
+    setup.speed = options.speed > 0.0 ? options.speed : options.IsFlood() ? 20.0 : 200.0;
     setup.startSeconds = StartSeconds;
-    setup.seed = options.seed;
-    Bench::Subject subject;
+    setup.seed = options.flood.seed;
+    Subject subject;
     std::string trouble;
-    std::string figures;
     if (!subject.Prepare(places, setup, Settings, trouble) || !subject.Start(trouble)) {
-        return Refuse(trouble);
+        return Refuse("soak", trouble);
     }
-    const bool isWell =
-        isFlood ? RunFlood(subject, options, figures, trouble) : RunSoak(subject, options, figures, trouble);
-    subject.Stop();
-    std::printf("%s: %s%s\n", figures.c_str(), isWell ? "passed" : "FAILED, ", isWell ? "" : trouble.c_str());
-    return isWell ? Passed : Failed;
+    const auto run = [&](auto&& course) {
+        const bool isWell = course.Run(CatchSignals(), trouble);
+        subject.Stop();
+        std::printf("%s: %s%s\n", course.Describe().c_str(), isWell ? "passed" : "FAILED, ",
+                    isWell ? "" : trouble.c_str());
+        return isWell ? ExitSuccess : ExitFailure;
+    };
+    return options.IsFlood() ? run(Flood(subject, options.flood))
+                             : run(Soak(subject, options.flood.seed, options.goals));
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-    Bench::SoakOptions options;
-    std::string error;
-    if (!Bench::ReadSoakOptions({arguments + 1, arguments + count}, options, error)) {
-        return Refuse(error);
+    SoakOptions options;
+    if (const std::optional<int> status = SoakCommandLine(options).Run(count, arguments)) {
+        return *status;
     }
-    if (options.help) {
-        std::fputs(Bench::SoakHelpText().c_str(), stdout);
-        return Passed;
-    }
-    if (!options.program.empty() && access(options.program.c_str(), X_OK) != 0) {
-        return Refuse("can't run the program " + options.program);
-    }
-    if (!(options.flood > 0.0) && options.cycles == 0 && options.resets == 0 && !(options.days > 0.0)) {
-        return Refuse("nothing to do; --help lists what there is");
-    }
-    struct sigaction action {};
-    action.sa_handler = [](int signal) { g_signal = signal; };
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaction(signal, &action, nullptr);
-    }
-    return Run(options, {options.program.empty() ? BENCH_PROGRAM : options.program, BENCH_LIBRARY, BENCH_CLIPS,
-                         BENCH_CONFIGURATION, options.bench.empty() ? SOAK_FOLDER : options.bench});
+    return Run(options, {options.program, BENCH_LIBRARY, BENCH_CLIPS, BENCH_CONFIGURATION, options.bench});
 }

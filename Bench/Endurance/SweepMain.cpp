@@ -7,22 +7,19 @@
 #include <map>
 #include <thread>
 
+#include "Bench/Common/CommandLine.h"
+#include "Bench/Common/Program.h"
 #include "Bench/Endurance/SweepCase.h"
 #include "Bench/Endurance/SweepLedger.h"
 #include "Bench/Endurance/SweepPlan.h"
-#include "Bench/Peers/Script.h"
 
 namespace {
 
 using namespace Bench;
 
-constexpr int Passed = 0;
-constexpr int Failed = 1;
-constexpr int WrongArgument = 2;
 constexpr int References = 3;
 constexpr std::uint64_t JobsOfACore = 3;  // a run waits for most of its time
 constexpr double SecondsOfAMinute = 60.0;
-constexpr double LongestMinutes = 100000.0;
 constexpr std::size_t LongestDetail = 400;
 
 struct Options {
@@ -34,58 +31,38 @@ struct Options {
     std::string program = BENCH_PROGRAM;
 };
 
-constexpr char Help[] =
-    R"(./sweep lets the Nth call of each kind fail, for every N of a start, a cycle and a reset, each in a run of its own.
-
-  --kind NAME      only that kind; may be repeated (all)
-  --most N         at most N calls of each kind, evenly spread (all)
-  --number N       the Nth call of each kind alone (all)
-  --minutes X      begin no other run after so many minutes (no limit)
-  --seed N         where the order of the calls begins (1)
-  --jobs N         runs at a time (3 for each core)
-  --speed X        simulated seconds for one real second (200)
-  --bench DIR      where the runs' files lie (build/sweep)
-  --program FILE   another program in the analyzer's place
-
-Whatever is tried first is spread over the whole course, so that a sweep may be stopped at any time.
-It ends with a table and one line of figures. Exit status: 0 if each outcome is allowed, 1 if not, 2 for a wrong argument.
-)";
-
-int Refuse(const std::string& error) {
-    std::fprintf(stderr, "sweep: %s\n", error.c_str());
-    return WrongArgument;
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text;
 }
 
-bool Take(Options& options, const std::string& name, const std::string& value) {
-    if (name == "--kind") {
+CommandLine SweepCommandLine(Options& options) {
+    CommandLine line("sweep",
+                     "Makes the Nth call of each kind fail, for every N of a start, a cycle and a\n"
+                     "reset, each in its own run.",
+                     "The first runs are spread over the whole course, so a sweep can be stopped at\n"
+                     "any time. It ends with a table and one line of figures. Exit status: 0 if each\n"
+                     "outcome is allowed, 1 if not, 2 for a wrong argument.");
+    const std::vector<std::string>& known = Board::CallKinds();
+    const auto takeKind = [&options, &known](const std::string& value) {
         options.choice.kinds.push_back(value);
-        const std::vector<std::string>& known = Board::CallKinds();
         return std::find(known.begin(), known.end(), value) != known.end();
-    }
-    if (name == "--most") {
-        return ReadCount(value, 1000000, options.choice.most);
-    }
-    if (name == "--number") {
-        return ReadCount(value, 1000000, options.choice.number) && options.choice.number > 0;
-    }
-    if (name == "--minutes") {
-        return ReadDecimal(value, LongestMinutes, options.minutes) && options.minutes > 0.0;
-    }
-    if (name == "--seed") {
-        return ReadCount(value, 0xFFFFFFFF, options.choice.seed);
-    }
-    if (name == "--jobs") {
-        return ReadCount(value, 64, options.jobs) && options.jobs > 0;
-    }
-    if (name == "--speed") {
-        return ReadDecimal(value, 1000.0, options.speed) && options.speed >= 0.1;
-    }
-    if (name == "--program") {
-        options.program = value;
-        return access(value.c_str(), X_OK) == 0;
-    }
-    options.bench = value;
-    return name == "--bench" && !value.empty();
+    };
+    line.Add("--kind NAME", "one of " + Joined(known), takeKind, "only this kind of call; may be repeated (all)");
+    line.AddNumber<std::uint64_t>("--most N", 0, 1000000, options.choice.most,
+                                  "at most N calls of each kind, evenly spread (all)");
+    line.AddNumber<std::uint64_t>("--number N", 1, 1000000, options.choice.number,
+                                  "only the Nth call of each kind (all)");
+    line.AddNumber("--minutes X", 0.001, 100000.0, options.minutes, "start no further run after X minutes (no limit)");
+    line.AddNumber<std::uint64_t>("--seed N", 0, 4294967295, options.choice.seed, "seed of the order of the calls (1)");
+    line.AddNumber<std::uint64_t>("--jobs N", 1, 64, options.jobs, "runs at a time, 1 to 64 (3 per core)");
+    line.AddNumber("--speed X", 0.1, 1000.0, options.speed, "simulated seconds per real second, 0.1 to 1000\n(200)");
+    line.AddText("--bench DIR", "a folder", options.bench, "folder of the runs (build/sweep)");
+    line.AddProgram(options.program);
+    return line;
 }
 
 // One job: trial after trial, each told at once and noted for the parent.
@@ -159,25 +136,15 @@ int ShowTable(const SweepReference& reference, const std::vector<SweepTrial>& tr
     const bool passed = tried > 0 && forbidden == 0;
     std::printf("sweep: %zu kinds, %d of %llu calls failed one by one, %d outcomes that are not allowed: %s\n",
                 table.size(), tried, static_cast<unsigned long long>(calls), forbidden, passed ? "passed" : "FAILED");
-    return passed ? Passed : Failed;
+    return passed ? ExitSuccess : ExitFailure;
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
     Options options;
-    for (int i = 1; i < count; i += 2) {
-        const std::string name = arguments[i];
-        if (name == "--help") {
-            std::fputs(Help, stdout);
-            return Passed;
-        }
-        const std::string value = i + 1 < count ? arguments[i + 1] : "";
-        if (!Take(options, name, value)) {
-            std::string error = name;
-            error.append(" \"").append(value).append("\" is not understood; --help lists what there is");
-            return Refuse(error);
-        }
+    if (const std::optional<int> status = SweepCommandLine(options).Run(count, arguments)) {
+        return *status;
     }
     const SubjectPlaces places{options.program, BENCH_ALLOCATIONS_LIBRARY BENCH_LIBRARY, BENCH_CLIPS,
                                BENCH_CONFIGURATION, options.bench};
@@ -190,7 +157,7 @@ int main(int count, char** arguments) {
     for (int time = 0; time < References; ++time) {
         if (!SweepCase(first, options.speed).Refer(reference, trouble)) {
             std::printf("sweep: FAILED, %s\n", trouble.c_str());
-            return Failed;
+            return ExitFailure;
         }
         for (const auto& [kind, calls] : reference.calls) {
             counts[kind].push_back(calls);
@@ -204,7 +171,7 @@ int main(int count, char** arguments) {
     SweepLedger ledger(trials.size());
     if (!ledger.IsMade()) {
         std::printf("sweep: FAILED, no memory\n");
-        return Failed;
+        return ExitFailure;
     }
     RunTrials(options, places, reference, trials, ledger);
     return ShowTable(reference, trials, ledger);

@@ -10,10 +10,11 @@
 #include <fstream>
 #include <sstream>
 
+#include "Bench/Common/CommandLine.h"
+#include "Bench/Common/Program.h"
 #include "Bench/Measure/CycleWatch.h"
 #include "Bench/Measure/Figures.h"
 #include "Bench/Measure/LampToDisk.h"
-#include "Bench/Measure/MeasureOptions.h"
 #include "Bench/Measure/ProcessView.h"
 
 namespace {
@@ -36,9 +37,28 @@ constexpr int EndOfReadingMilliseconds = 20;
 
 void Tell(const std::string& text) { std::fprintf(stderr, "%s\n", text.c_str()); }
 
-int Fail(const std::string& error) {
-    Tell("measure: " + error);
-    return 2;
+struct MeasureOptions {
+    int cycles = 3;
+    int resets = 7;
+    int records = 25;
+    int starts = 5;
+    std::string arm;  // the stripped program; empty: not measured
+    std::string bench = BENCH_FOLDER;
+};
+
+CommandLine MeasureCommandLine(MeasureOptions& options) {
+    CommandLine line("measure",
+                     "Measures the analyzer's memory, time and processor use on the virtual board, in\nreal time.",
+                     "Exit status: 0 if every figure is met, 1 if one is missed, 2 if one can't be\nmeasured.");
+    constexpr int Max = 10000;
+    line.AddNumber("--cycles N", 1, Max, options.cycles, "whole cycles of two and a half minutes (3)");
+    line.AddNumber("--resets N", 1, Max, options.resets, "from RESET_SYSTEM to IDLE_STATE, 12 s each (7)");
+    line.AddNumber("--records N", 1, Max, options.records,
+                   "short cycles, from the last reading to the flushed\nrecord (25)");
+    line.AddNumber("--starts N", 1, Max, options.starts, "readings of the memory, each of its own start (5)");
+    line.AddText("--arm FILE", "a file", options.arm, "the stripped program for the instrument's processor");
+    line.AddText("--bench DIR", "a folder", options.bench, "folder of the runs (build/measure)");
+    return line;
 }
 
 // While it lives, this process and what it starts run on one processor, as the instrument has, and ahead of all other
@@ -281,19 +301,14 @@ bool Measure(const MeasureOptions& options, Figures& figures, std::string& error
 
 int main(int count, char** arguments) {
     MeasureOptions options;
-    options.bench = BENCH_FOLDER;
+    if (const std::optional<int> status = MeasureCommandLine(options).Run(count, arguments)) {
+        return *status;
+    }
     std::string error;
-    if (!ReadMeasureOptions({arguments + 1, arguments + count}, options, error)) {
-        return Fail(error);
-    }
-    if (options.help) {
-        std::fputs(MeasureHelp().c_str(), stdout);
-        return 0;
-    }
     Figures figures;
     if (!Measure(options, figures, error)) {
-        return Fail(error);
+        return Refuse("measure", error);
     }
     std::printf("%s%s\n", figures.Table().c_str(), figures.LastLine().c_str());
-    return figures.AllMet() ? 0 : 1;
+    return figures.AllMet() ? ExitSuccess : ExitFailure;
 }

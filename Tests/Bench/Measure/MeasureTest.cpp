@@ -6,23 +6,15 @@
 #include "Bench/Measure/CycleWaits.h"
 #include "Bench/Measure/Figures.h"
 #include "Bench/Measure/LampToDisk.h"
-#include "Bench/Measure/MeasureOptions.h"
 #include "Bench/Measure/ProcessView.h"
 #include "Bench/Measure/RoundTrip.h"
+#include "Tests/Support/ProgramRun.h"
 #include "Tests/Support/ReadFile.h"
 
 namespace {
 
 using Bench::Figures;
-using Bench::MeasureOptions;
 using Bench::Median;
-
-std::string ErrorOf(const std::vector<std::string>& arguments) {
-    MeasureOptions options;
-    std::string error;
-    EXPECT_FALSE(Bench::ReadMeasureOptions(arguments, options, error));
-    return error;
-}
 
 }  // namespace
 
@@ -45,29 +37,24 @@ TEST(Figures, are_met_up_to_and_with_their_limit) {
     EXPECT_EQ(figures.LastLine(), "footprint: size 1.5 MB; time 2.25 s; 1 of 2 missed");
 }
 
-TEST(MeasureOptions, take_counts_and_paths) {
-    MeasureOptions options;
-    std::string error;
-    EXPECT_TRUE(Bench::ReadMeasureOptions(
-        {"--cycles", "1", "--resets", "2", "--records", "10000", "--starts", "9", "--arm", "/a", "--bench", "/b"},
-        options, error));
-    EXPECT_EQ(options.cycles, 1);
-    EXPECT_EQ(options.resets, 2);
-    EXPECT_EQ(options.records, 10000);
-    EXPECT_EQ(options.starts, 9);
-    EXPECT_EQ(options.arm, "/a");
-    EXPECT_EQ(options.bench, "/b");
-    EXPECT_TRUE(Bench::ReadMeasureOptions({"--help"}, options, error));
-    EXPECT_TRUE(options.help);
-}
-
-TEST(MeasureOptions, name_what_is_wrong) {
-    EXPECT_EQ(ErrorOf({"--cycles", "0"}), "--cycles takes a number from 1 to 10000, not \"0\"");
-    EXPECT_EQ(ErrorOf({"--resets", "10001"}), "--resets takes a number from 1 to 10000, not \"10001\"");
-    EXPECT_EQ(ErrorOf({"--records", "5x"}), "--records takes a number from 1 to 10000, not \"5x\"");
-    EXPECT_EQ(ErrorOf({"--cycles"}), "--cycles takes a number from 1 to 10000, not \"\"");
-    EXPECT_EQ(ErrorOf({"--bench"}), "--bench takes a path");
-    EXPECT_EQ(ErrorOf({"--cycle", "1"}), "unknown argument \"--cycle\"; --help lists them");
+TEST(MeasureProgram, refuses_wrong_arguments) {
+    const struct {
+        const char* arguments;
+        const char* error;
+    } rows[] = {
+        {"--cycles 0", "--cycles: invalid value \"0\" (expected a whole number from 1 to 10000)"},
+        {"--resets=10001", "--resets: invalid value \"10001\" (expected a whole number from 1 to 10000)"},
+        {"--records 5x", "--records: invalid value \"5x\" (expected a whole number from 1 to 10000)"},
+        {"--starts", "--starts: no value (expected a whole number from 1 to 10000)"},
+        {"--bench ''", "--bench: invalid value \"\" (expected a folder)"},
+        {"--cycle 1", "unknown argument \"--cycle\" (see --help)"},
+        {"--arm /nowhere/x", "can't find the stripped program /nowhere/x"},
+    };
+    for (const auto& row : rows) {
+        const ProgramRun run = RunProgram("bench-measure", row.arguments);
+        EXPECT_EQ(run.status, 2) << row.arguments;
+        EXPECT_EQ(run.text, std::string("measure: ") + row.error + "\n");
+    }
 }
 
 TEST(ProcessView, sees_what_this_process_takes) {

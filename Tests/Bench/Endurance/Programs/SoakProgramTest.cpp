@@ -27,15 +27,17 @@ protected:
 }  // namespace
 
 TEST_F(SoakProgram, refuses_what_it_does_not_take_by_name) {
-    ExpectRefusal("--cats 1", "unknown argument \"--cats\"; --help lists what there is");
-    ExpectRefusal("--flood x", "--flood does not take \"x\", but seconds, from 0 to 1000000");
-    ExpectRefusal("--rate 0", "--rate does not take \"0\", but pieces a second, up to 100000");
-    ExpectRefusal("--seed -1", "--seed does not take \"-1\", but a whole number from 0 to 4294967295");
-    ExpectRefusal("--speed 1001", "--speed does not take \"1001\", but a number from 0.1 to 1000");
-    ExpectRefusal("--bench", "--bench does not take \"\", but a folder");
-    ExpectRefusal("--program ''", "--program does not take \"\", but a file");
-    ExpectRefusal("--flood 1 --program /nowhere/x", "can't run the program /nowhere/x");
-    ExpectRefusal("", "nothing to do; --help lists what there is");
+    ExpectRefusal("--cats 1", "unknown argument \"--cats\" (see --help)");
+    ExpectRefusal("--flood x", "--flood: invalid value \"x\" (expected a number from 0 to 1000000)");
+    ExpectRefusal("--rate 0", "--rate: invalid value \"0\" (expected a number from 0.001 to 100000)");
+    ExpectRefusal("--cycles -1", "--cycles: invalid value \"-1\" (expected a whole number from 0 to 1000000)");
+    ExpectRefusal("--resets=x", "--resets: invalid value \"x\" (expected a whole number from 0 to 1000000)");
+    ExpectRefusal("--days 1001", "--days: invalid value \"1001\" (expected a number from 0 to 1000)");
+    ExpectRefusal("--seed -1", "--seed: invalid value \"-1\" (expected a whole number from 0 to 4294967295)");
+    ExpectRefusal("--speed 1001", "--speed: invalid value \"1001\" (expected a number from 0.1 to 1000)");
+    ExpectRefusal("--bench", "--bench: no value (expected a folder)");
+    ExpectRefusal("--program /nowhere/x", "--program: invalid value \"/nowhere/x\" (expected an executable file)");
+    ExpectRefusal("", "nothing to do: give --cycles, --resets, --days or --flood");
 }
 
 TEST_F(SoakProgram, fails_where_the_analyzer_ends_by_itself) {
