@@ -116,25 +116,10 @@ bool MeasurementControl::ReadConfiguration() {
     return steps != nullptr && m_steps.Load(*steps);
 }
 
-// All but the count of priming revolutions, which only priming hands over.
+// The count of priming revolutions is not among them: only priming hands it over. The LED runs at whole hertz.
 void MeasurementControl::ApplyConfiguration() {
-    m_stepController.SetEmitterChannel(static_cast<std::int32_t>(m_settings.emitterChannel));
+    m_stepController.SetSettings(m_settings);
     m_stepController.SetEmitterFrequency(TruncateTo<std::int32_t>(m_settings.emitterDefaultFrequency));
-    m_stepController.SetEmitterDutyCycle(m_settings.emitterDefaultDutyCycle);
-    m_stepController.SetFindHomeSpeed(m_settings.findHomeSpeed);
-    m_stepController.SetCellConstant(m_settings.colorimeterCellConstant);
-    m_stepController.SetSampleSwitchDelay(m_settings.sampleSwitchDelay);
-    m_stepController.SetSampleSwitchDutyCycle(m_settings.sampleSwitchDutyCycle);
-    m_stepController.SetDarkHighReject(m_settings.darkHighRejectNum);
-    m_stepController.SetDarkLowReject(m_settings.darkLowRejectNum);
-    m_stepController.SetReferenceHighReject(m_settings.refHighRejectNum);
-    m_stepController.SetReferenceLowReject(m_settings.refLowRejectNum);
-    m_stepController.SetSampleHighReject(m_settings.sampleHighRejectNum);
-    m_stepController.SetSampleLowReject(m_settings.sampleLowRejectNum);
-    m_stepController.SetDetectorOutputLevel(m_settings.detectorOutputLevel);
-    m_stepController.SetDetectorOutputLevelDeviation(m_settings.detectorOutputLevelDev);
-    m_stepController.SetLEDDutyCycleAdjustStep(m_settings.ledDutycycleAdjustStep);
-    m_stepController.SetLEDSettleTime(m_settings.ledSettleTime);
 }
 
 bool MeasurementControl::PerformMeasurement() { return RunMeasurementCycle() && SendResults(); }

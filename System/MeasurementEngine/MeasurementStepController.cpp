@@ -24,7 +24,12 @@ constexpr float PrimeDutyCycle = 50.0F;
 
 }  // namespace
 
-MeasurementStepController::MeasurementStepController() = default;
+// Refuses to make the emitter until it is given the settings.
+MeasurementStepController::MeasurementStepController() {
+    SetEmitterChannel(-1);
+    SetEmitterFrequency(-1.0);
+    SetEmitterDutyCycle(-1.0);
+}
 
 MeasurementStepController::~MeasurementStepController() { ReleaseSystems(); }
 
@@ -60,10 +65,10 @@ void MeasurementStepController::ExecuteLEDAdjustment(const StepParameters& step)
     SetUpLEDController(*controller, step);
     controller->Start();
     controller->Join();
-    m_emitterDutyCycle = controller->GetDutyCycle();
+    m_settings.emitterDefaultDutyCycle = controller->GetDutyCycle();
     m_ledAdjustTime = controller->GetAdjustTime();
     MessageController::SendStatusMessage("LED Adjustment Results: " +
-                                         LEDResultText(m_emitterDutyCycle, m_ledAdjustTime));
+                                         LEDResultText(m_settings.emitterDefaultDutyCycle, m_ledAdjustTime));
 }
 
 // Without one of its two workers the controller refuses to start.
@@ -77,11 +82,11 @@ void MeasurementStepController::SetUpLEDController(MeasurementLEDController& con
     controller.SetDetector(m_detector.get());
     controller.SetEmitter(m_emitter.get());
     controller.SetDarkCount(m_darkCount);
-    controller.SetDutyCycle(m_emitterDutyCycle);
-    controller.SetTargetLevel(m_detectorOutputLevel);
-    controller.SetDeviation(m_detectorOutputLevelDeviation);
-    controller.SetAdjustStep(m_ledDutyCycleAdjustStep);
-    controller.SetSettleTime(m_ledSettleTime);
+    controller.SetDutyCycle(m_settings.emitterDefaultDutyCycle);
+    controller.SetTargetLevel(m_settings.detectorOutputLevel);
+    controller.SetDeviation(m_settings.detectorOutputLevelDev);
+    controller.SetAdjustStep(m_settings.ledDutycycleAdjustStep);
+    controller.SetSettleTime(m_settings.ledSettleTime);
     controller.SetStep(&step);
 }
 
@@ -109,19 +114,20 @@ void MeasurementStepController::TakeCounts(StepType stepType) {
     DetectorProcessing& detector = m_detector != nullptr ? *m_detector : none;
     switch (stepType) {
         case DARK_COUNT_MEASUREMENT_STEP:
-            m_darkCount = detector.GetTrimmedMean(m_darkHighReject, m_darkLowReject);
-            m_darkDeviation = detector.GetTrimmedDeviation(m_darkHighReject, m_darkLowReject);
+            m_darkCount = detector.GetTrimmedMean(m_settings.darkHighRejectNum, m_settings.darkLowRejectNum);
+            m_darkDeviation = detector.GetTrimmedDeviation(m_settings.darkHighRejectNum, m_settings.darkLowRejectNum);
             break;
         case REFERENCE_OPTICAL_MEASUREMENT_STEP:
-            m_referenceCount = detector.GetTrimmedMean(m_referenceHighReject, m_referenceLowReject);
+            m_referenceCount = detector.GetTrimmedMean(m_settings.refHighRejectNum, m_settings.refLowRejectNum);
             // Over all samples, unlike the other two: the reference light is judged with its outliers.
             m_referenceDeviation = detector.GetRawDeviation();
-            m_emitterDutyCycle = MeasurementLEDController::EstimateDutyCycle(m_referenceCount, m_emitterDutyCycle,
-                                                                             m_darkCount, m_detectorOutputLevel);
+            m_settings.emitterDefaultDutyCycle = MeasurementLEDController::EstimateDutyCycle(
+                m_referenceCount, m_settings.emitterDefaultDutyCycle, m_darkCount, m_settings.detectorOutputLevel);
             break;
         case SAMPLE_OPTICAL_MEASUREMENT_STEP:
-            m_sampleCount = detector.GetTrimmedMean(m_sampleHighReject, m_sampleLowReject);
-            m_sampleDeviation = detector.GetTrimmedDeviation(m_sampleHighReject, m_sampleLowReject);
+            m_sampleCount = detector.GetTrimmedMean(m_settings.sampleHighRejectNum, m_settings.sampleLowRejectNum);
+            m_sampleDeviation =
+                detector.GetTrimmedDeviation(m_settings.sampleHighRejectNum, m_settings.sampleLowRejectNum);
             break;
         default:
             break;
@@ -143,7 +149,9 @@ double MeasurementStepController::GetTransmittance() const {
 
 double MeasurementStepController::GetAbsorbance() const { return Absorbance(GetTransmittance()); }
 
-double MeasurementStepController::GetChlorine() const { return Chlorine(m_cellConstant, GetAbsorbance()); }
+double MeasurementStepController::GetChlorine() const {
+    return Chlorine(m_settings.colorimeterCellConstant, GetAbsorbance());
+}
 
 bool MeasurementStepController::PrimeFluidics() {
     const bool primed = InitializeReAgentDeliverySystem() && InitializeSampleDeliverySystem() && TurnPrimed();

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "System/MeasurementEngine/DetectorInformation.h"
+#include "System/MeasurementEngine/MeasurementSettings.h"
 #include "System/MeasurementEngine/StepParameters.h"
 
 class DetectorProcessing;
@@ -49,28 +50,31 @@ public:
     double GetDarkDeviation() const { return m_darkDeviation; }
     double GetReferenceDeviation() const { return m_referenceDeviation; }
     double GetSampleDeviation() const { return m_sampleDeviation; }
-    double GetLEDDutyCycle() const { return m_emitterDutyCycle; }       // percent
-    std::uint32_t GetLEDAdjustTime() const { return m_ledAdjustTime; }  // milliseconds
+    double GetLEDDutyCycle() const { return m_settings.emitterDefaultDutyCycle; }  // percent
+    std::uint32_t GetLEDAdjustTime() const { return m_ledAdjustTime; }             // milliseconds
 
-    // Before InitializeSystems. Percent, hertz, milliseconds, degrees a second.
+    // Before InitializeSystems. All settings but the count of priming revolutions, which only SetPrimeCount gives.
+    void SetSettings(const MeasurementSettings& settings) { m_settings = settings; }
     void SetPrimeCount(std::uint32_t revolutions) { m_primeCount = revolutions; }
-    void SetEmitterChannel(std::int32_t channel) { m_emitterChannel = channel; }
-    void SetEmitterFrequency(double frequency) { m_emitterFrequency = frequency; }
-    void SetEmitterDutyCycle(double dutyCycle) { m_emitterDutyCycle = dutyCycle; }
-    void SetCellConstant(double cellConstant) { m_cellConstant = cellConstant; }
-    void SetSampleSwitchDelay(std::uint32_t delay) { m_sampleSwitchDelay = delay; }
-    void SetSampleSwitchDutyCycle(double dutyCycle) { m_sampleSwitchDutyCycle = dutyCycle; }
-    void SetFindHomeSpeed(double speed) { m_findHomeSpeed = speed; }
-    void SetDarkHighReject(std::uint32_t count) { m_darkHighReject = count; }
-    void SetDarkLowReject(std::uint32_t count) { m_darkLowReject = count; }
-    void SetReferenceHighReject(std::uint32_t count) { m_referenceHighReject = count; }
-    void SetReferenceLowReject(std::uint32_t count) { m_referenceLowReject = count; }
-    void SetSampleHighReject(std::uint32_t count) { m_sampleHighReject = count; }
-    void SetSampleLowReject(std::uint32_t count) { m_sampleLowReject = count; }
-    void SetDetectorOutputLevel(double level) { m_detectorOutputLevel = level; }
-    void SetDetectorOutputLevelDeviation(double percent) { m_detectorOutputLevelDeviation = percent; }
-    void SetLEDDutyCycleAdjustStep(double percent) { m_ledDutyCycleAdjustStep = percent; }
-    void SetLEDSettleTime(std::uint32_t time) { m_ledSettleTime = time; }
+
+    // One setting each: percent, hertz, milliseconds, degrees a second.
+    void SetEmitterChannel(std::int32_t channel) { m_settings.emitterChannel = static_cast<std::uint32_t>(channel); }
+    void SetEmitterFrequency(double frequency) { m_settings.emitterDefaultFrequency = frequency; }
+    void SetEmitterDutyCycle(double dutyCycle) { m_settings.emitterDefaultDutyCycle = dutyCycle; }
+    void SetCellConstant(double cellConstant) { m_settings.colorimeterCellConstant = cellConstant; }
+    void SetSampleSwitchDelay(std::uint32_t delay) { m_settings.sampleSwitchDelay = delay; }
+    void SetSampleSwitchDutyCycle(double dutyCycle) { m_settings.sampleSwitchDutyCycle = dutyCycle; }
+    void SetFindHomeSpeed(double speed) { m_settings.findHomeSpeed = speed; }
+    void SetDarkHighReject(std::uint32_t count) { m_settings.darkHighRejectNum = count; }
+    void SetDarkLowReject(std::uint32_t count) { m_settings.darkLowRejectNum = count; }
+    void SetReferenceHighReject(std::uint32_t count) { m_settings.refHighRejectNum = count; }
+    void SetReferenceLowReject(std::uint32_t count) { m_settings.refLowRejectNum = count; }
+    void SetSampleHighReject(std::uint32_t count) { m_settings.sampleHighRejectNum = count; }
+    void SetSampleLowReject(std::uint32_t count) { m_settings.sampleLowRejectNum = count; }
+    void SetDetectorOutputLevel(double level) { m_settings.detectorOutputLevel = level; }
+    void SetDetectorOutputLevelDeviation(double percent) { m_settings.detectorOutputLevelDev = percent; }
+    void SetLEDDutyCycleAdjustStep(double percent) { m_settings.ledDutycycleAdjustStep = percent; }
+    void SetLEDSettleTime(std::uint32_t time) { m_settings.ledSettleTime = time; }
 
 private:
     bool InitializeDetectorSystem();
@@ -105,24 +109,8 @@ private:
     double m_sampleDeviation = 0.0;
 
     std::uint32_t m_primeCount = 0;
-    std::int32_t m_emitterChannel = -1;
-    double m_emitterFrequency = -1.0;
-    double m_emitterDutyCycle = -1.0;
-    double m_cellConstant = 0.0;
-    std::uint32_t m_sampleSwitchDelay = 0;
-    double m_sampleSwitchDutyCycle = 0.0;
-    double m_findHomeSpeed = 360.0;
-    std::uint32_t m_darkHighReject = 0;
-    std::uint32_t m_darkLowReject = 0;
-    std::uint32_t m_referenceHighReject = 0;
-    std::uint32_t m_referenceLowReject = 0;
-    std::uint32_t m_sampleHighReject = 0;
-    std::uint32_t m_sampleLowReject = 0;
-    double m_detectorOutputLevel = 0.0;
-    double m_detectorOutputLevelDeviation = 0.0;
-    double m_ledDutyCycleAdjustStep = 0.0;
-    std::uint32_t m_ledAdjustTime = 0;
-    std::uint32_t m_ledSettleTime = 0;
+    MeasurementSettings m_settings;
+    std::uint32_t m_ledAdjustTime = 0;  // milliseconds
 
     std::unique_ptr<StepperDriverBase> m_stirMotor;
     std::unique_ptr<StepperDriverMotor> m_pumpMotor;

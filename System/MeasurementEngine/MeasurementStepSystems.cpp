@@ -38,6 +38,11 @@ std::unique_ptr<StepperDriverMotor> MakePumpMotor() {
     return motor;
 }
 
+struct SystemTexts {
+    const char* noDevice;
+    const char* noWorker;
+};
+
 // The device first: it closes and gives its lines back while the worker still stands.
 template <typename Device, typename Worker>
 void Release(std::unique_ptr<Device>& device, std::unique_ptr<Worker>& worker) {
@@ -46,6 +51,25 @@ void Release(std::unique_ptr<Device>& device, std::unique_ptr<Worker>& worker) {
         worker->ReleaseThread();
         worker.reset();
     }
+}
+
+// Keeps the device, makes its worker and gives it the device. A null device or no memory for the worker fails.
+template <typename Device, typename Worker>
+bool MakeSystem(std::unique_ptr<Device> made, std::unique_ptr<Device>& device, std::unique_ptr<Worker>& worker,
+                void (Worker::*setDevice)(Device*), const SystemTexts& texts) {
+    device = std::move(made);
+    if (device == nullptr) {
+        LogError(texts.noDevice);
+        return false;
+    }
+    worker = TryMake<Worker>();
+    if (worker == nullptr) {
+        LogError(texts.noWorker);
+        Release(device, worker);
+        return false;
+    }
+    (worker.get()->*setDevice)(device.get());
+    return true;
 }
 
 }  // namespace
@@ -71,107 +95,70 @@ void MeasurementStepController::ReleaseStirBarSystem() { Release(m_stirMotor, m_
 
 bool MeasurementStepController::InitializeDetectorSystem() {
     ReleaseDetectorSystem();
-    m_spiDevice = TryMake<SpiDevice>();
-    if (m_spiDevice == nullptr) {
-        LogError("MeasurementStepController::InitializeDetectorSystem  Unable to create detector System");
-        return false;
-    }
-    m_detector = TryMake<DetectorProcessing>();
-    if (m_detector == nullptr) {
-        LogError("MeasurementStepController::InitializeDetectorSystem  Unable to create detector Threading System");
-        ReleaseDetectorSystem();
-        return false;
-    }
-    m_detector->SetSpiDevice(m_spiDevice.get());
-    return true;
+    return MakeSystem(
+        TryMake<SpiDevice>(), m_spiDevice, m_detector, &DetectorProcessing::SetSpiDevice,
+        {"MeasurementStepController::InitializeDetectorSystem  Unable to create detector System",
+         "MeasurementStepController::InitializeDetectorSystem  Unable to create detector Threading System"});
 }
 
 bool MeasurementStepController::InitializeEmitterSystem() {
     ReleaseEmitterSystem();
-    if (m_emitterChannel < 0 || m_emitterDutyCycle < 0.0 || m_emitterFrequency < 0.0) {
+    const auto channel = static_cast<std::int32_t>(m_settings.emitterChannel);
+    const double frequency = m_settings.emitterDefaultFrequency;
+    const double dutyCycle = m_settings.emitterDefaultDutyCycle;
+    if (channel < 0 || dutyCycle < 0.0 || frequency < 0.0) {
         LogError("MeasurementStepController::InitializeEmitterSystem  initial values not set");
         return false;
     }
-    // A channel that the digit of its name can't hold is refused by the channel itself.
-    m_ledPwm = TryMake<PwmChannel>(TruncateTo<std::uint8_t>(m_emitterChannel), static_cast<float>(m_emitterFrequency),
-                                   static_cast<float>(m_emitterDutyCycle));
-    if (m_ledPwm == nullptr) {
-        LogError("MeasurementStepController::InitializeEmitterSystem  Unable to create LED emitter System");
-        return false;
-    }
-    m_emitter = TryMake<EmitterProcessing>();
-    if (m_emitter == nullptr) {
-        LogError("MeasurementStepController::InitializeEmitterSystem  Unable to create LED emitter Threading System");
-        ReleaseEmitterSystem();
-        return false;
-    }
-    m_emitter->SetPwm(m_ledPwm.get());
-    return true;
+    // A channel above 255 becomes 255, which the PWM refuses.
+    return MakeSystem(
+        TryMake<PwmChannel>(TruncateTo<std::uint8_t>(channel), static_cast<float>(frequency),
+                            static_cast<float>(dutyCycle)),
+        m_ledPwm, m_emitter, &EmitterProcessing::SetPwm,
+        {"MeasurementStepController::InitializeEmitterSystem  Unable to create LED emitter System",
+         "MeasurementStepController::InitializeEmitterSystem  Unable to create LED emitter Threading System"});
 }
 
 bool MeasurementStepController::InitializeReAgentDeliverySystem() {
     ReleaseReAgentDeliverySystem();
-    m_pumpMotor = MakePumpMotor();
-    if (m_pumpMotor == nullptr) {
-        LogError("MeasurementStepController::InitializeReAgentDeliverySystem  Unable to create fluid delivery motor");
-        return false;
-    }
-    m_reagent = TryMake<ReAgentDeliveryProcessing>();
-    if (m_reagent == nullptr) {
-        LogError(
-            "MeasurementStepController::InitializeReAgentDeliverySystem  Unable to create fluid delivery Threading "
-            "System");
-        ReleaseReAgentDeliverySystem();
-        return false;
-    }
-    m_reagent->SetMotor(m_pumpMotor.get());
-    return true;
+    return MakeSystem(
+        MakePumpMotor(), m_pumpMotor, m_reagent, &ReAgentDeliveryProcessing::SetMotor,
+        {"MeasurementStepController::InitializeReAgentDeliverySystem  Unable to create fluid delivery motor",
+         "MeasurementStepController::InitializeReAgentDeliverySystem  Unable to create fluid delivery "
+         "Threading System"});
 }
 
 bool MeasurementStepController::InitializeSampleDeliverySystem() {
     ReleaseSampleDeliverySystem();
-    m_valve = TryMake<ValvePWM>(ValveChannel, ValveFrequency);
-    if (m_valve == nullptr) {
-        LogError("MeasurementStepController::InitializeSampleDeliverySystem  Unable to create sample delivery motor");
-        return false;
+    auto valve = TryMake<ValvePWM>(ValveChannel, ValveFrequency);
+    if (valve != nullptr) {
+        if (!valve->Initialize()) {
+            LogError(
+                "MeasurementStepController::InitializeSampleDeliverySystem  Unable to initialize sample delivery "
+                "motor");
+            return false;
+        }
+        // The valve takes the same word as a signed one: -1 in the settings is a negative delay, which means no wait.
+        valve->SetSwitchValues(static_cast<std::int32_t>(m_settings.sampleSwitchDelay),
+                               static_cast<float>(m_settings.sampleSwitchDutyCycle));
     }
-    if (!m_valve->Initialize()) {
-        LogError(
-            "MeasurementStepController::InitializeSampleDeliverySystem  Unable to initialize sample delivery motor");
-        ReleaseSampleDeliverySystem();
-        return false;
-    }
-    // The valve reads the word as signed: -1 in the settings is a negative delay, which means no wait.
-    m_valve->SetSwitchValues(static_cast<std::int32_t>(m_sampleSwitchDelay),
-                             static_cast<float>(m_sampleSwitchDutyCycle));
-    m_sample = TryMake<SampleDeliveryProcessing>();
-    if (m_sample == nullptr) {
-        LogError(
-            "MeasurementStepController::InitializeSampleDeliverySystem  Unable to create sample delivery Threading "
-            "System");
-        ReleaseSampleDeliverySystem();
-        return false;
-    }
-    m_sample->SetValve(m_valve.get());
-    return true;
+    return MakeSystem(
+        std::move(valve), m_valve, m_sample, &SampleDeliveryProcessing::SetValve,
+        {"MeasurementStepController::InitializeSampleDeliverySystem  Unable to create sample delivery motor",
+         "MeasurementStepController::InitializeSampleDeliverySystem  Unable to create sample delivery "
+         "Threading System"});
 }
 
 bool MeasurementStepController::InitializeStirBarSystem() {
     ReleaseStirBarSystem();
-    m_stirMotor = TryMake<StepperDriverBase>(StirChannel);
-    if (m_stirMotor == nullptr) {
-        LogError("MeasurementStepController::InitializeStirBarSystem  Unable to create stirbar motor");
-        return false;
+    auto motor = TryMake<StepperDriverBase>(StirChannel);
+    if (motor != nullptr) {
+        motor->SetUpEnablePin(StirEnable);
     }
-    m_stirMotor->SetUpEnablePin(StirEnable);
-    m_stir = TryMake<StirBarProcessing>();
-    if (m_stir == nullptr) {
-        LogError("MeasurementStepController::InitializeStirBarSystem  Unable to create stirbar Threading System");
-        ReleaseStirBarSystem();
-        return false;
-    }
-    m_stir->SetMotor(m_stirMotor.get());
-    return true;
+    return MakeSystem(
+        std::move(motor), m_stirMotor, m_stir, &StirBarProcessing::SetMotor,
+        {"MeasurementStepController::InitializeStirBarSystem  Unable to create stirbar motor",
+         "MeasurementStepController::InitializeStirBarSystem  Unable to create stirbar Threading System"});
 }
 
 bool MeasurementStepController::FindReAgentHome() {
@@ -183,7 +170,7 @@ bool MeasurementStepController::FindReAgentHome() {
     bool found = false;
     if (m_pumpMotor != nullptr && m_reagent != nullptr) {
         m_reagent->SetMotor(m_pumpMotor.get());
-        found = m_reagent->FindHomePosition(m_findHomeSpeed);
+        found = m_reagent->FindHomePosition(m_settings.findHomeSpeed);
     }
     if (temporary) {
         ReleaseReAgentDeliverySystem();

@@ -179,7 +179,7 @@ TEST_F(StepController, without_the_emitters_values_the_emitter_is_refused) {
 }
 
 TEST_F(StepController, an_emitter_channel_beyond_all_digits_is_refused_by_the_channel) {
-    controller.SetEmitterChannel(260);  // its low eight bits would be the valve's channel
+    controller.SetEmitterChannel(259);  // its low eight bits are the valve's channel
     testing::internal::CaptureStderr();
     EXPECT_TRUE(controller.InitializeSystems());
     EXPECT_EQ(testing::internal::GetCapturedStderr().substr(0, 17), "wrong pwm channel");
