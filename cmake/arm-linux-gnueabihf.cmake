@@ -1,7 +1,7 @@
-# The instrument's processor: 32-bit ARM, hard float, by Debian's cross compiler and the libraries that come with it.
-# What is built runs here too: qemu by name runs the tests and what the build itself needs, and programs that those start
-# are handed to it by the kernel (binfmt_misc). All find their libraries beside the compiler's; the same libraries of
-# another version, which a machine may have in its own folders, would not go with that loader.
+# The instrument's processor: 32-bit ARM, hard float, by Debian's cross compiler and its libraries. qemu runs the tests and
+# the programs that the build itself needs; the kernel starts the programs that those start by qemu too (binfmt_misc).
+# All take the cross compiler's libraries; the ARM libraries of the machine's own folders may be of another version, which
+# does not fit that loader. The converters between encodings come from another package (scripts/arm.sh).
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
@@ -9,4 +9,5 @@ set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_STRIP arm-linux-gnueabihf-strip)
 set(compilers /usr/arm-linux-gnueabihf)
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    qemu-arm-static -L ${compilers} -E QEMU_LD_PREFIX=${compilers} -E LD_LIBRARY_PATH=${compilers}/lib)
+    qemu-arm-static -L ${compilers} -E QEMU_LD_PREFIX=${compilers} -E LD_LIBRARY_PATH=${compilers}/lib
+    -E GCONV_PATH=/usr/local/lib/arm-linux-gnueabihf/gconv)
