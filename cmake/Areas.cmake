@@ -11,7 +11,7 @@ function(add_area name folder)
   endif()
 endfunction()
 
-# What every test includes is read once: half of the time that a test takes to compile is that of these headers.
+# Precompiles what every test includes, which is half of a test's compile time.
 function(add_test_headers)
   file(CONFIGURE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/TestHeaders.cpp CONTENT "// The headers that all tests share.\n")
   add_library(test_headers OBJECT ${CMAKE_CURRENT_BINARY_DIR}/TestHeaders.cpp)
@@ -21,20 +21,22 @@ function(add_test_headers)
                             <functional> <map> <memory> <string> <vector>)
 endfunction()
 
-# The programs whose tests are labelled "units": of the product's own layers, without the controllers that start programs
-# and the links, on which the whole analyzer works with all its threads.
+# The test programs with the label "units": those of the product's own layers. The others test controllers that start
+# programs, and the links, with which the whole analyzer works with all its threads.
 add_custom_target(unit-tests)
 set(UNITS "^(Frameworks|Drivers|System/(Messages|MeasurementEngine|SystemMonitor|LoggingControl|DeviceMonitor)$)")
 
-# add_area_tests(NAME FOLDER LIBRARIES...): one test program from every source in FOLDER. Name the board last among the
-# libraries, so that it stands between the program and libc.
+# add_area_tests(NAME FOLDER [libraries] [NATIVE_ONLY tests]): one test program from every source in FOLDER. Name the board
+# last among the libraries, so that it comes between the program and libc. The NATIVE_ONLY tests get the label "native".
 function(add_area_tests name folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
   if(NOT sources)
     return()
   endif()
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" NATIVE_ONLY)
+  set(libraries ${arg_UNPARSED_ARGUMENTS})
   add_executable(${name} ${sources})
-  target_link_libraries(${name} PRIVATE project_options sanitizer_options test_options ${ARGN}
+  target_link_libraries(${name} PRIVATE project_options sanitizer_options test_options ${libraries}
                         GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE SOURCE_FOLDER="${CMAKE_SOURCE_DIR}" BINARY_FOLDER="${CMAKE_BINARY_DIR}"
                              CLIPS_FOLDER="${CLIPS_FOLDER}"
@@ -46,8 +48,15 @@ function(add_area_tests name folder)
     set(label units)
     add_dependencies(unit-tests ${name})
   endif()
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300 PROPERTIES TIMEOUT 300 LABELS ${label})
-  if("board" IN_LIST ARGN)
+  set(others "*")
+  if(arg_NATIVE_ONLY)
+    list(JOIN arg_NATIVE_ONLY ":" native)
+    set(others "-${native}")
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300 TEST_FILTER ${native} TEST_LIST ${name}_native
+                         PROPERTIES TIMEOUT 300 LABELS native)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 300 TEST_FILTER ${others} PROPERTIES TIMEOUT 300 LABELS ${label})
+  if("board" IN_LIST libraries)
     add_dependencies(${name} bench-tools)
   endif()
 endfunction()
