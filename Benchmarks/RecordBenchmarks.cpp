@@ -16,7 +16,7 @@
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "System/LoggingControl/LoggingControl.h"
 #include "System/LoggingControl/RecordFormats.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/MeasurementMessage.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "Bench/Common/Program.h"
 #include "Bench/Peers/FrontEnd.h"
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 
 namespace Bench {
 

@@ -4,7 +4,7 @@
 
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
+#include "System/Messages/RemoteIndicatorAudioControlMessage.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "Drivers/Print.h"
 #include "Frameworks/Configuration/SystemOperationFile.h"
 #include "Frameworks/Messaging/MessageController.h"
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
 
 std::atomic<bool> cardChanged{false};
 

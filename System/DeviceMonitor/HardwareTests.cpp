@@ -11,7 +11,7 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/DeviceMonitor/AudioRoutines.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "System/LoggingControl/RecordFormats.h"
 #include "System/LoggingControl/SystemLogFormat.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/MeasurementEngine/MeasurementStepDataMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/MeasurementStepDataMessage.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include "Frameworks/Messaging/LogInfo.h"
 #include "Frameworks/Messaging/MeasurementStatusInfo.h"
-#include "System/MeasurementEngine/MeasurementResults.h"
-#include "System/MeasurementEngine/StepResults.h"
+#include "System/Messages/MeasurementResults.h"
+#include "System/Messages/StepResults.h"
 
 StdString MeasurementColumns();
 StdString StepColumns();

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "System/MeasurementEngine/DetectorInformation.h"
 #include "System/MeasurementEngine/StepWorker.h"
+#include "System/Messages/DetectorInformation.h"
 
 class SpiDevice;
 

@@ -13,10 +13,10 @@
 #include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/EngineLog.h"
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
-#include "System/TestInterface/TestPWMMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/EngineLog.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/MeasurementMessage.h"
 
 MeasurementControl::MeasurementControl() {
     if (pthread_mutex_init(&m_runMutex, nullptr) != 0) {

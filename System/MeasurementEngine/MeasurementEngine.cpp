@@ -5,12 +5,12 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/EngineLog.h"
-#include "System/MeasurementEngine/GUIResponseMessage.h"
 #include "System/MeasurementEngine/LiftRequests.h"
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
-#include "System/TestInterface/TestPWMMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/GUIResponseMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
 
 namespace {
 

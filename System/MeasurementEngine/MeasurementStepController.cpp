@@ -10,11 +10,11 @@
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
 #include "System/MeasurementEngine/MeasurementLEDController.h"
-#include "System/MeasurementEngine/MeasurementResults.h"
-#include "System/MeasurementEngine/MeasurementStepDataMessage.h"
 #include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
 #include "System/MeasurementEngine/StirBarProcessing.h"
+#include "System/Messages/MeasurementResults.h"
+#include "System/Messages/MeasurementStepDataMessage.h"
 
 // Executing steps and priming; the hardware is made and released in MeasurementStepSystems.cpp.
 

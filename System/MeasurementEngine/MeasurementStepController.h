@@ -5,9 +5,9 @@
 
 #include <memory>
 
-#include "System/MeasurementEngine/DetectorInformation.h"
 #include "System/MeasurementEngine/MeasurementSettings.h"
-#include "System/MeasurementEngine/StepParameters.h"
+#include "System/Messages/DetectorInformation.h"
+#include "System/Messages/StepParameters.h"
 
 class DetectorProcessing;
 class EmitterProcessing;

@@ -8,7 +8,7 @@
 
 #include "Frameworks/Configuration/InfoContainer.h"
 #include "Frameworks/Xml/XMLData.h"
-#include "System/MeasurementEngine/StepParameters.h"
+#include "System/Messages/StepParameters.h"
 
 class StepDefinition : public XMLData {
 public:

@@ -6,7 +6,7 @@
 #include <atomic>
 
 #include "Frameworks/Threading/ThreadBase.h"
-#include "System/MeasurementEngine/StepParameters.h"
+#include "System/Messages/StepParameters.h"
 
 class StepWorker : public ThreadBase {
 public:

@@ -6,9 +6,9 @@
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "System/Messages/RemoteIndicatorAudioControlMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "System/SystemMonitor/RemoteIndicatorAckTimer.h"
 
-#include "System/SystemMonitor/AckTimerExpiredMessage.h"
+#include "System/Messages/AckTimerExpiredMessage.h"
 
 RemoteIndicatorAckTimer::RemoteIndicatorAckTimer() {
     SetThreadName(ControllerNames[SYSTEM_MONITOR] + "_RemoteIndicatorAckTimer");

@@ -5,10 +5,10 @@
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
 
 namespace {
 

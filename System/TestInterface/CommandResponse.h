@@ -3,8 +3,8 @@
 #pragma once
 
 #include "Frameworks/IPC/Networking/TCPClient.h"
-#include "System/MeasurementEngine/AdcStatusInfo.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/AdcStatusInfo.h"
+#include "System/Messages/MeasurementMessage.h"
 
 class CommandResponse : public CommunicationsCommand, public PayloadContainer {
 public:

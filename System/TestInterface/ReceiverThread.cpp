@@ -2,7 +2,7 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
-#include "System/TestInterface/TestCommandMessage.h"
+#include "System/Messages/TestCommandMessage.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
-#include "System/TestInterface/TestPWMMessage.h"
-#include "System/TestInterface/TimerCompleteMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
+#include "System/Messages/TimerCompleteMessage.h"
 
 namespace {
 

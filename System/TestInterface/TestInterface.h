@@ -7,9 +7,9 @@
 #include <memory>
 
 #include "Frameworks/Messaging/ThreadControl.h"
+#include "System/Messages/TestCommandMessage.h"
 #include "System/TestInterface/CommandResponse.h"
 #include "System/TestInterface/ReceiverThread.h"
-#include "System/TestInterface/TestCommandMessage.h"
 #include "System/TestInterface/TestInterfaceTimer.h"
 
 class TestInterface final : public ThreadControl {

@@ -4,11 +4,11 @@
 
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
 #include "System/TestInterface/TestInterface.h"
-#include "System/TestInterface/TestPWMMessage.h"
 
 namespace {
 

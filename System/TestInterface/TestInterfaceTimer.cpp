@@ -1,6 +1,6 @@
 #include "System/TestInterface/TestInterfaceTimer.h"
 
-#include "System/TestInterface/TimerCompleteMessage.h"
+#include "System/Messages/TimerCompleteMessage.h"
 
 TestInterfaceTimer::TestInterfaceTimer() { SetThreadName(ControllerNames[TEST_INTERFACE] + "_TestInterfaceTimer"); }
 

@@ -6,7 +6,7 @@
 
 #include "Frameworks/IPC/Networking/TCPClient.h"
 #include "Frameworks/Threading/ThreadBase.h"
-#include "System/UserInterfaceDataControl/UserInterfaceDataMessage.h"
+#include "System/Messages/UserInterfaceDataMessage.h"
 
 class ReceiverThreadForGUI final : public ThreadBase {
 public:

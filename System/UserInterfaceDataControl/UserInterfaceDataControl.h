@@ -5,8 +5,8 @@
 
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
 #include "Frameworks/Messaging/ThreadControl.h"
-#include "System/MeasurementEngine/GUIResponseMessage.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/GUIResponseMessage.h"
+#include "System/Messages/MeasurementMessage.h"
 #include "System/UserInterfaceDataControl/CommunicationProtocol.h"
 #include "System/UserInterfaceDataControl/ReceiverThreadForGUI.h"
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <sstream>
 
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 #include "Tests/Support/ReadFile.h"
 #include "Tests/Support/SystemFixture.h"
 

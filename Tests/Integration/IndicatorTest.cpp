@@ -5,8 +5,8 @@
 #include <cerrno>
 #include <limits>
 
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
 #include "Tests/Support/LitLeds.h"
 #include "Tests/Support/Silence.h"
 #include "Tests/Support/SystemFixture.h"

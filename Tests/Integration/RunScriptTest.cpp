@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 #include "Tests/Support/BenchRun.h"
 #include "Tests/Support/SampleConfiguration.h"
 

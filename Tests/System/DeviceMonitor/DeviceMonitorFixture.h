@@ -12,7 +12,7 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
 #include "System/DeviceMonitor/DeviceMonitor.h"
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
 #include "Tests/Support/BoardFixture.h"
 #include "Tests/System/DeviceMonitor/Witness.h"
 

@@ -10,9 +10,9 @@
 #include "Bench/Board/Board.h"
 #include "Frameworks/Messaging/LogInfoMessage.h"
 #include "Frameworks/Messaging/ThreadControl.h"
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
+#include "System/Messages/RemoteIndicatorAudioControlMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
 
 using Texts = std::vector<std::string>;
 

@@ -20,8 +20,8 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
 #include "System/LoggingControl/LoggingControl.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/MeasurementEngine/MeasurementStepDataMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/MeasurementStepDataMessage.h"
 #include "Tests/Support/BoardFixture.h"
 
 using Texts = std::vector<std::string>;

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cerrno>
 
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/MeasurementMessage.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/MeasurementEngine/CycleFixture.h"
 

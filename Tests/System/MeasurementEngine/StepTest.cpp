@@ -4,7 +4,7 @@
 #include "Frameworks/Configuration/SystemConfigurationFile.h"
 #include "Frameworks/Xml/XmlDocument.h"
 #include "System/MeasurementEngine/StepDefinition.h"
-#include "System/MeasurementEngine/StepResults.h"
+#include "System/Messages/StepResults.h"
 #include "Tests/Frameworks/Configuration/SettingsText.h"
 #include "Tests/Support/ReportedLines.h"
 

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "Frameworks/Configuration/SingletonBase.h"
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 
 namespace {
 

@@ -2,21 +2,21 @@
 
 #include <memory>
 
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
-#include "System/MeasurementEngine/GUIResponseMessage.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/MeasurementEngine/MeasurementStepDataMessage.h"
-#include "System/RemoteIndicatorControl/RemoteIndicatorCalculateCableLength.h"
-#include "System/SystemMonitor/AckTimerExpiredMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
-#include "System/TestInterface/TestPWMMessage.h"
-#include "System/TestInterface/TimerCompleteMessage.h"
-#include "System/UserInterfaceDataControl/UserInterfaceDataMessage.h"
+#include "System/Messages/AckTimerExpiredMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/GUIResponseMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/MeasurementStepDataMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
+#include "System/Messages/RemoteIndicatorAudioControlMessage.h"
+#include "System/Messages/RemoteIndicatorCalculateCableLength.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
+#include "System/Messages/TimerCompleteMessage.h"
+#include "System/Messages/UserInterfaceDataMessage.h"
 
 namespace {
 

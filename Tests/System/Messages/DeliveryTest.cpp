@@ -4,13 +4,13 @@
 #include <set>
 
 #include "Frameworks/Messaging/MessageController.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/SystemMonitor/AckTimerExpiredMessage.h"
+#include "System/Messages/AckTimerExpiredMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/TestPWMMessage.h"
+#include "System/Messages/TimerCompleteMessage.h"
 #include "System/SystemMonitor/RemoteIndicatorAckTimer.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
 #include "System/TestInterface/TestInterfaceTimer.h"
-#include "System/TestInterface/TestPWMMessage.h"
-#include "System/TestInterface/TimerCompleteMessage.h"
 #include "Tests/Support/CapturingController.h"
 
 namespace {

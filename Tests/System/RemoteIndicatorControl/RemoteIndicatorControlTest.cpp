@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <tuple>
 
-#include "System/DeviceMonitor/RemoteIndicatorAudioControlMessage.h"
-#include "System/RemoteIndicatorControl/RemoteIndicatorCalculateCableLength.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "System/Messages/RemoteIndicatorAudioControlMessage.h"
+#include "System/Messages/RemoteIndicatorCalculateCableLength.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
 #include "Tests/Support/ControllerOnBoard.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/Support/LitLeds.h"

@@ -3,11 +3,11 @@
 #include <cmath>
 #include <limits>
 
-#include "System/DeviceMonitor/PeriodicHardwareTestMessage.h"
-#include "System/MeasurementEngine/MeasurementMessage.h"
-#include "System/SystemMonitor/AckTimerExpiredMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorControlMessage.h"
-#include "System/SystemMonitor/RemoteIndicatorTestMessage.h"
+#include "System/Messages/AckTimerExpiredMessage.h"
+#include "System/Messages/MeasurementMessage.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
+#include "System/Messages/RemoteIndicatorControlMessage.h"
+#include "System/Messages/RemoteIndicatorTestMessage.h"
 #include "Tests/Support/ControllerOnBoard.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/Support/ImpossibleStack.h"

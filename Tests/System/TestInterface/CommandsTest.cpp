@@ -3,7 +3,7 @@
 
 #include <bit>
 
-#include "System/MeasurementEngine/MeasurementMessage.h"
+#include "System/Messages/MeasurementMessage.h"
 #include "Tests/System/TestInterface/LinkFixture.h"
 
 namespace {

@@ -4,10 +4,10 @@
 
 #include <cerrno>
 
-#include "System/TestInterface/AdcStatusMessage.h"
-#include "System/TestInterface/TestDigitalInputPinsMessage.h"
-#include "System/TestInterface/TestDigitalOutputPinsMessage.h"
-#include "System/TestInterface/TestPWMMessage.h"
+#include "System/Messages/AdcStatusMessage.h"
+#include "System/Messages/TestDigitalInputPinsMessage.h"
+#include "System/Messages/TestDigitalOutputPinsMessage.h"
+#include "System/Messages/TestPWMMessage.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/Support/ImpossibleStack.h"
 #include "Tests/System/TestInterface/ControllerFixture.h"

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "Frameworks/Messaging/DataMessageOf.h"
-#include "System/MeasurementEngine/StepResults.h"
+#include "System/Messages/StepResults.h"
 
 class MeasurementStepDataMessage : public DataMessageOf<MeasurementStepDataMessage, MEASUREMENT_STEP_DATA_MESSAGE> {
 public:

@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 
 namespace {
 

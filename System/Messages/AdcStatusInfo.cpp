@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/AdcStatusInfo.h"
+#include "System/Messages/AdcStatusInfo.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "System/TestInterface/TestCommandMessage.h"
+#include "System/Messages/TestCommandMessage.h"
 
 #include <gtest/gtest.h>
 

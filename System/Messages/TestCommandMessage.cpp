@@ -1,4 +1,4 @@
-#include "System/TestInterface/TestCommandMessage.h"
+#include "System/Messages/TestCommandMessage.h"
 
 TestCommandMessage& TestCommandMessage::operator=(const TestCommandMessage& other) {
     if (this == &other) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
-#include "System/MeasurementEngine/MeasurementResults.h"
+#include "System/Messages/MeasurementResults.h"
 
 class MeasurementMessage : public DataMessageOf<MeasurementMessage, MEASUREMENT_DATA_MESSAGE> {
 public:

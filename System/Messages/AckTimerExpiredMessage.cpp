@@ -1,4 +1,4 @@
-#include "System/SystemMonitor/AckTimerExpiredMessage.h"
+#include "System/Messages/AckTimerExpiredMessage.h"
 
 bool AckTimerExpiredMessage::SendToOwner(std::unique_ptr<AckTimerExpiredMessage> message) {
     message->SetDestination(SYSTEM_MONITOR);

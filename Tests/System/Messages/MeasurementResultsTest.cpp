@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/MeasurementResults.h"
+#include "System/Messages/MeasurementResults.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <limits>
 
 #include "Frameworks/Xml/XmlDocument.h"
-#include "System/MeasurementEngine/AdcStatusInfo.h"
-#include "System/MeasurementEngine/DetectorInformation.h"
+#include "System/Messages/AdcStatusInfo.h"
+#include "System/Messages/DetectorInformation.h"
 
 namespace {
 

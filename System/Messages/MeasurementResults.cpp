@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/MeasurementResults.h"
+#include "System/Messages/MeasurementResults.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/MeasurementStepDataMessage.h"
+#include "System/Messages/MeasurementStepDataMessage.h"
 
 MeasurementStepDataMessage& MeasurementStepDataMessage::operator=(const MeasurementStepDataMessage& other) {
     if (this != &other) {

@@ -1,4 +1,4 @@
-#include "System/MeasurementEngine/StepParameters.h"
+#include "System/Messages/StepParameters.h"
 
 bool StepParameters::Fill(const ItemInfoContainer* items) {
     if (items == nullptr) {

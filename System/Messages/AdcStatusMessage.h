@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
-#include "System/MeasurementEngine/AdcStatusInfo.h"
+#include "System/Messages/AdcStatusInfo.h"
 
 class AdcStatusMessage : public DataMessageOf<AdcStatusMessage, ADC_STATUS_MESSAGE> {
 public:

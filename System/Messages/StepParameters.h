@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "Frameworks/Configuration/ItemInfoContainer.h"
-#include "System/MeasurementEngine/StepType.h"
+#include "System/Messages/StepType.h"
 
 struct StepParameters {
     // Reads the nine items of a step. A missing item ends the process with a line that names it. False for a null

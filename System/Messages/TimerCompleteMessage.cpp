@@ -1,4 +1,4 @@
-#include "System/TestInterface/TimerCompleteMessage.h"
+#include "System/Messages/TimerCompleteMessage.h"
 
 bool TimerCompleteMessage::SendToOwner(std::unique_ptr<TimerCompleteMessage> message) {
     message->SetDestination(TEST_INTERFACE);

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Frameworks/Xml/XMLData.h"
-#include "System/MeasurementEngine/DetectorInformation.h"
-#include "System/MeasurementEngine/StepParameters.h"
+#include "System/Messages/DetectorInformation.h"
+#include "System/Messages/StepParameters.h"
 
 class StepResults : public XMLData {
 public:
