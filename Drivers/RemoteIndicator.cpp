@@ -12,8 +12,7 @@ namespace {
 constexpr const char* SoundDirectory = "/usr/share/vorn/bin/";
 constexpr std::int32_t Volume = 95;  // percent
 
-constexpr std::uint32_t BlueOnBothSides = 1;  // ColorCode
-constexpr float GoodLEDVolts = 0.5F;          // what a lit LED has to exceed
+constexpr float GoodLEDVolts = 0.5F;  // what a lit LED has to exceed
 constexpr int GoodLEDsOfGoodIndicator = 3;
 
 constexpr std::uint32_t LoopVoltageChannel = 0;

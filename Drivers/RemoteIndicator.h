@@ -14,6 +14,8 @@
 
 class RemoteIndicator : public Speaker {
 public:
+    static constexpr std::uint32_t BlueOnBothSides = 1;  // ColorCode
+
     // Sets the mixer up and claims the six lines. Where it fails, so does every change of LEDs after it.
     bool Init(const RemoteIndicatorSettings& settings);
 

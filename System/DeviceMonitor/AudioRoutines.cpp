@@ -9,14 +9,14 @@
 namespace {
 
 struct AudioRoutine {
-    std::int32_t action;
+    AudioAction action;
     unsigned seconds;  // of sleep after sending
     const char* failure;
 };
 
-constexpr AudioRoutine TurnOff{0, 3, "DeviceMonitor::TurnOffAudio - Turning off audio failed"};
-constexpr AudioRoutine Play{1, 1, "DeviceMonitor::PlayAudio - Audio could not be started"};
-constexpr AudioRoutine Restart{2, 3, "DeviceMonitor::RestartAudio - Audio could not be restarted"};
+constexpr AudioRoutine TurnOff{STOP_AUDIO, 3, "DeviceMonitor::TurnOffAudio - Turning off audio failed"};
+constexpr AudioRoutine Play{PLAY_AUDIO, 1, "DeviceMonitor::PlayAudio - Audio could not be started"};
+constexpr AudioRoutine Restart{RESTART_AUDIO, 3, "DeviceMonitor::RestartAudio - Audio could not be restarted"};
 
 bool Request(const AudioRoutine& routine, const StdString& fileName = StdString()) {
     auto message = TryMake<RemoteIndicatorAudioControlMessage>();

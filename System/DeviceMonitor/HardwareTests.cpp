@@ -11,21 +11,21 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/DeviceMonitor/AudioRoutines.h"
+#include "System/Messages/PeriodicHardwareTestMessage.h"
 #include "System/Messages/RemoteIndicatorControlMessage.h"
 
 namespace {
 
 using Test = bool (HardwareTests::*)();
 
-// By selector, from 1, and in the order of a run of all.
+// By selector, from BOARD_VOLTAGES_TEST on, and in the order of a run of all.
 constexpr Test Tests[] = {
     &HardwareTests::CheckBoardVoltages,
     &HardwareTests::TestAudioAmplifier,
     &HardwareTests::TestReagentMotor,
     &HardwareTests::TestStirMotor,
 };
-constexpr std::int32_t TestCount = std::size(Tests);
-constexpr std::int32_t AllTests = TestCount + 1;
+static_assert(BOARD_VOLTAGES_TEST + std::size(Tests) == ALL_HARDWARE_TESTS);
 
 struct Rail {
     int channel;
@@ -69,17 +69,14 @@ constexpr MotorStage StirStage{2, std::nullopt, {1, 15}, std::nullopt, 0.03F};
 constexpr float MotorDutyCycle = 50.0F;    // percent
 constexpr float MotorFrequency = 1000.0F;  // hertz
 
-constexpr std::int32_t AmberStatus = 2;
-constexpr std::int32_t AnalyzerStatusAlone = 1;
-
 void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, DEVICE_MONITOR); }
 
 // Under the top controller's id and not the monitor's own: the analyzer's status is the word of the whole system.
 void RequestAmberAnalyzer() {
     auto message = TryMake<RemoteIndicatorControlMessage>();
     if (message != nullptr) {
-        message->SetAnalyzerStatus(AmberStatus);
-        message->SetStatusSelect(AnalyzerStatusAlone);
+        message->SetAnalyzerStatus(ALERT_STATUS);
+        message->SetStatusSelect(ANALYZER_STATUS);
     }
     MessageController::SendMessage(std::move(message), SYSTEM_CONTROL);
 }
@@ -158,10 +155,11 @@ bool RunInSilence(bool (*test)()) {
 }  // namespace
 
 bool HardwareTests::Run(std::int32_t selector) {
-    if (selector == AllTests) {
+    if (selector == ALL_HARDWARE_TESTS) {
         return std::all_of(std::begin(Tests), std::end(Tests), [this](Test test) { return (this->*test)(); });
     }
-    return selector >= 1 && selector <= TestCount && (this->*Tests[selector - 1])();
+    return selector >= BOARD_VOLTAGES_TEST && selector < ALL_HARDWARE_TESTS &&
+           (this->*Tests[selector - BOARD_VOLTAGES_TEST])();
 }
 
 bool HardwareTests::CheckBoardVoltages() {

@@ -8,8 +8,7 @@
 
 class HardwareTests {
 public:
-    // 1 board voltages, 2 audio amplifier, 3 reagent motor stage, 4 stir motor stage, 5 all of them up to the first
-    // that fails. Any other counts as failed.
+    // A HardwareTestSelector; a run of all ends at the first test that fails. Any other selector counts as failed.
     bool Run(std::int32_t selector);
 
     // The verdict; a test that can't be carried out has failed.

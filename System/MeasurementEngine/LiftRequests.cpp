@@ -25,7 +25,6 @@ constexpr std::uint32_t ConverterIds = 14;  // two ids a channel
 constexpr std::uint32_t FirstMultiplexerId = 10086;
 constexpr std::uint32_t MultiplexerIds = 16;
 constexpr std::uint32_t BankCount = 4;
-constexpr std::uint32_t FunctionsPerChannel = 3;
 constexpr float FirstFrequency = 1000.0F;
 constexpr float FirstDutyCycle = 50.0F;
 
@@ -86,12 +85,12 @@ void WaitForNextSample(const TimeSpec& interval, const TimeSpec& began) {
 
 void SetPwm(PwmChannel& channel, std::uint32_t function, StdString value) {
     switch (function) {
-        case 0:
+        case ENABLE_PWM_FUNCTION:
             if (!channel.Enable(value.ToBool())) {
                 LogError("MeasurementEngine::LIFTPWM - failed to enable/disable PWM");
             }
             break;
-        case 1:
+        case FREQUENCY_PWM_FUNCTION:
             if (!channel.SetFrequency(value.ToFloat())) {
                 LogError("MeasurementEngine::LIFTPWM - failed to set PWM frequency");
             }
@@ -176,9 +175,9 @@ void LIFTDigitalOutput(const TestDigitalOutputPinsMessage& request) {
 }
 
 void LIFTPWM(const TestPWMMessage& request) {
-    PwmChannel* channel = LiftPwm(request.GetId() / FunctionsPerChannel);
+    PwmChannel* channel = LiftPwm(request.GetId() / PwmFunctionCount);
     if (channel != nullptr && !request.GetValue().IsEmpty()) {
-        SetPwm(*channel, request.GetId() % FunctionsPerChannel, request.GetValue());
+        SetPwm(*channel, request.GetId() % PwmFunctionCount, request.GetValue());
     }
     auto answer = TryMake<TestPWMMessage>();
     if (answer != nullptr) {

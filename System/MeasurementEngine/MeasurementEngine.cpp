@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr std::int32_t EnteredIdle = -1;
-constexpr std::int32_t EnteredRunning = -2;
 constexpr unsigned SettleSeconds = 10;  // of an instrument that leaves running between two cycles
 constexpr unsigned RetrySeconds = 1;
 
@@ -91,7 +89,7 @@ void MeasurementEngine::MoveToIdle() {
     if (!m_control.AbortMeasurement() && GetState() == RUNNING_STATE) {
         sleep(SettleSeconds);
     }
-    TellFrontEnd(EnteredIdle, "Entered IDLE STATE");
+    TellFrontEnd(ENTERED_IDLE, "Entered IDLE STATE");
     SetState(IDLE_STATE);
 }
 
@@ -99,7 +97,7 @@ void MeasurementEngine::MoveToRunning() {
     if (GetState() == RUNNING_STATE) {
         return;
     }
-    TellFrontEnd(EnteredRunning, "Entered RUNNING STATE");
+    TellFrontEnd(ENTERED_RUNNING, "Entered RUNNING STATE");
     SetState(RUNNING_STATE);
 }
 

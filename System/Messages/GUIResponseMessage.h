@@ -1,10 +1,13 @@
-// What the measurement engine tells the front end about its state: -1 it entered idle, -2 it entered running.
+// A change of the measurement engine's state, for the front end.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
+enum GUIResponseStatus : std::int32_t { ENTERED_IDLE = -1, ENTERED_RUNNING = -2 };
+
 class GUIResponseMessage : public DataMessageOf<GUIResponseMessage, GUI_RESPONSE_DATA_MESSAGE> {
 public:
+    // A GUIResponseStatus.
     std::int32_t GetStatus() const { return m_status; }
     void SetStatus(std::int32_t status) { m_status = status; }
 

@@ -3,10 +3,18 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
+enum HardwareTestSelector : std::int32_t {
+    BOARD_VOLTAGES_TEST = 1,
+    AUDIO_AMPLIFIER_TEST = 2,
+    REAGENT_MOTOR_TEST = 3,
+    STIR_MOTOR_TEST = 4,
+    ALL_HARDWARE_TESTS = 5,
+};
+
 class PeriodicHardwareTestMessage
     : public DataMessageOf<PeriodicHardwareTestMessage, PERIODIC_HARDWARE_TEST_DATA_MESSAGE> {
 public:
-    // 1 board voltages, 2 audio amplifier, 3 and 4 the motor stages, 5 all four.
+    // A HardwareTestSelector.
     std::int32_t GetTestSelector() const { return m_testSelector; }
     void SetTestSelector(std::int32_t testSelector) { m_testSelector = testSelector; }
 

@@ -1,12 +1,18 @@
-// What the remote indicator's sound is to do while the device monitor tests the audio amplifier and the motors.
+// What the sound of the remote indicator must do while the device monitor tests the audio amplifier and the motors.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
+enum AudioAction : std::int32_t {
+    STOP_AUDIO = 0,
+    PLAY_AUDIO = 1,     // the named file
+    RESTART_AUDIO = 2,  // the sound of the current colors
+};
+
 class RemoteIndicatorAudioControlMessage
     : public DataMessageOf<RemoteIndicatorAudioControlMessage, REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE> {
 public:
-    // 0 stop, 1 play the named file, 2 restart what was playing.
+    // An AudioAction.
     std::int32_t GetAction() const { return m_action; }
     void SetAction(std::int32_t action) { m_action = action; }
 

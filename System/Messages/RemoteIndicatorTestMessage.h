@@ -3,9 +3,19 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
+enum IndicatorTestId : std::int32_t {
+    WHOLE_INDICATOR_TEST = 0,
+    BLUE_ANALYZER_LED_TEST = 1,
+    AMBER_ANALYZER_LED_TEST = 2,
+    RED_ANALYZER_LED_TEST = 3,
+    BLUE_WATER_LED_TEST = 4,
+    AMBER_WATER_LED_TEST = 5,
+    RED_WATER_LED_TEST = 6,
+};
+
 class RemoteIndicatorTestMessage : public DataMessageOf<RemoteIndicatorTestMessage, REMOTE_INDICATOR_TEST_MESSAGE> {
 public:
-    // 0 the indicator as a whole, 1 to 6 its LEDs.
+    // An IndicatorTestId.
     std::int32_t GetTestId() const { return m_testId; }
     void SetTestId(std::int32_t testId) { m_testId = testId; }
 

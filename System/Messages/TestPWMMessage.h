@@ -3,9 +3,17 @@
 
 #include "Frameworks/Messaging/DataMessageOf.h"
 
+enum PwmFunction : std::uint16_t {
+    ENABLE_PWM_FUNCTION = 0,
+    FREQUENCY_PWM_FUNCTION = 1,
+    DUTY_CYCLE_PWM_FUNCTION = 2,
+};
+
+inline constexpr std::uint16_t PwmFunctionCount = 3;
+
 class TestPWMMessage : public DataMessageOf<TestPWMMessage, TEST_PWM_DATA_MESSAGE> {
 public:
-    // Channel times 3 plus function: 0 enable, 1 frequency, 2 duty cycle.
+    // The channel times PwmFunctionCount, plus a PwmFunction.
     std::uint16_t GetId() const { return m_id; }
     void SetId(std::uint16_t id) { m_id = id; }
 

@@ -12,11 +12,10 @@
 
 namespace {
 
-constexpr std::uint32_t BlueOnBothSides = 1;  // ColorCode
 constexpr std::int32_t NoColor = -1;
 constexpr std::int32_t StatusCount = 4;
 
-// The ColorCode of a pair of statuses: 0 off, 1 normal, 2 alert, 3 alarm or failure.
+// The ColorCode of a pair of statuses.
 constexpr std::int32_t ColorTable[StatusCount][StatusCount] = {
     //      water 0        1        2        3
     /* analyzer 0 */ {0, NoColor, NoColor, NoColor},
@@ -32,12 +31,6 @@ constexpr DataMessageType Subscriptions[] = {
     REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
 };
 
-enum StatusSelect : std::int32_t { BOTH_STATUSES = 0, ANALYZER_STATUS = 1 };  // any other: the water's
-enum AudioAction : std::int32_t { STOP_AUDIO = 0, PLAY_AUDIO = 1, RESTART_AUDIO = 2 };
-
-constexpr std::int32_t WholeIndicatorTest = 0;
-constexpr std::int32_t FirstLEDTest = 1;
-constexpr std::int32_t LastLEDTest = 6;
 constexpr std::int32_t GapOfNamedFile = 1000;  // microseconds
 
 bool IsStatus(std::int32_t status) { return status >= 0 && status < StatusCount; }
@@ -86,7 +79,7 @@ bool RemoteIndicatorControl::MakeDevice() {
     m_device = TryMake<RemoteIndicator>();
     RemoteIndicatorSettings settings;
     return m_device != nullptr && ReadSettings(settings) && m_device->Init(settings) &&
-           m_device->SetLEDColors(BlueOnBothSides);
+           m_device->SetLEDColors(RemoteIndicator::BlueOnBothSides);
 }
 
 bool RemoteIndicatorControl::DoRegistration() {
@@ -135,8 +128,10 @@ bool RemoteIndicatorControl::ProcessDataMessage(DataMessage* message) {
         case REMOTE_INDICATOR_TEST_MESSAGE:
             Test(static_cast<const RemoteIndicatorTestMessage&>(*message));
             break;
-        default:
+        case REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE:
             ControlAudio(static_cast<const RemoteIndicatorAudioControlMessage&>(*message));
+            break;
+        default:
             break;
     }
     return true;
@@ -180,9 +175,9 @@ void RemoteIndicatorControl::CalculateCableLength() {
 // The reply doesn't say which test it answers: its test id stays 0.
 void RemoteIndicatorControl::Test(const RemoteIndicatorTestMessage& message) {
     const std::int32_t id = message.GetTestId();
-    const std::int32_t led = id >= FirstLEDTest && id <= LastLEDTest ? id - FirstLEDTest : 0;
-    const bool good = id == WholeIndicatorTest ? m_device->IndicatorIsGood()  //
-                                               : m_device->LEDIsGood(static_cast<std::uint32_t>(led));
+    const std::int32_t led = id >= BLUE_ANALYZER_LED_TEST && id <= RED_WATER_LED_TEST ? id - BLUE_ANALYZER_LED_TEST : 0;
+    const bool good = id == WHOLE_INDICATOR_TEST ? m_device->IndicatorIsGood()  //
+                                                 : m_device->LEDIsGood(static_cast<std::uint32_t>(led));
     auto reply = TryMake<RemoteIndicatorTestMessage>();
     if (reply == nullptr) {
         return;

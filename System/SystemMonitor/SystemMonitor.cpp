@@ -37,10 +37,6 @@ constexpr const char* TestFailures[SystemMonitor::TestCount] = {
     "Red water LED is non-functional!",       //
 };
 
-enum WaterStatus : std::int32_t { NORMAL_WATER = 1, ALERT_WATER = 2, ALARM_WATER = 3 };
-
-constexpr std::int32_t WaterStatusAlone = 2;
-constexpr std::int32_t WholeIndicatorTest = 0;
 constexpr std::int32_t NoTestMode = 0;
 constexpr std::int32_t PeriodicTestMode = 5;
 constexpr std::uint8_t GoodTestsOfGoodPass = 3;
@@ -76,7 +72,8 @@ bool SystemMonitor::Init() {
         Log("System Monitor - DoRegistration failed!", ERROR_LOG_LEVEL);
         return false;
     }
-    m_testSequence = {0, 1, 2, 3, 4, 5, 6};
+    m_testSequence = {WHOLE_INDICATOR_TEST, BLUE_ANALYZER_LED_TEST, AMBER_ANALYZER_LED_TEST, RED_ANALYZER_LED_TEST,
+                      BLUE_WATER_LED_TEST,  AMBER_WATER_LED_TEST,   RED_WATER_LED_TEST};
     for (const std::int32_t test : m_testSequence) {
         m_testResults.at(static_cast<std::size_t>(test)) = false;
     }
@@ -152,11 +149,11 @@ bool SystemMonitor::ProcessDataMessage(DataMessage* message) {
 // that level; what is no number is normal.
 void SystemMonitor::ProcessMeasurement(const MeasurementMessage& message) {
     const auto chlorine = static_cast<float>(message.GetMeasurementResults().GetChlorine());
-    std::int32_t waterStatus = NORMAL_WATER;
+    std::int32_t waterStatus = NORMAL_STATUS;
     if (m_alarmLevel <= chlorine) {
-        waterStatus = ALARM_WATER;
+        waterStatus = ALARM_STATUS;
     } else if (m_alertLevel <= chlorine) {
-        waterStatus = ALERT_WATER;
+        waterStatus = ALERT_STATUS;
     }
     auto request = TryMake<RemoteIndicatorControlMessage>();
     if (request == nullptr) {
@@ -164,7 +161,7 @@ void SystemMonitor::ProcessMeasurement(const MeasurementMessage& message) {
     }
     request->SetSubType(REQUEST_SUB_TYPE);
     request->SetWaterStatus(waterStatus);
-    request->SetStatusSelect(WaterStatusAlone);
+    request->SetStatusSelect(WATER_STATUS);
     MessageController::SendMessage(std::move(request), SYSTEM_MONITOR);
     m_ackTimer->SetDuration(static_cast<std::uint32_t>(m_ackTimeout));
     if (!m_ackTimer->Start()) {
@@ -195,9 +192,9 @@ void SystemMonitor::ScoreTest(std::int32_t testId, bool good) {
 
 void SystemMonitor::ClosePass() {
     const bool connected = passCounter >= GoodTestsOfGoodPass;
-    m_testResults[WholeIndicatorTest] = connected;
+    m_testResults[WHOLE_INDICATOR_TEST] = connected;
     if (!connected) {
-        Log(TestFailures[WholeIndicatorTest], ERROR_LOG_LEVEL);
+        Log(TestFailures[WHOLE_INDICATOR_TEST], ERROR_LOG_LEVEL);
     }
     passCounter = 0;
 }
@@ -207,7 +204,7 @@ void SystemMonitor::ProcessHardwareTestResponse(const PeriodicHardwareTestMessag
         return;
     }
     if (message.GetVerdict() != 0) {
-        SendTestRequest(WholeIndicatorTest);
+        SendTestRequest(WHOLE_INDICATOR_TEST);
     } else {
         m_testMode = NoTestMode;
     }
