@@ -3,52 +3,54 @@
 
 # As in cmake/arm-linux-gnueabihf.cmake.
 compilers=/usr/arm-linux-gnueabihf
-converters=/usr/local/lib/arm-linux-gnueabihf/gconv
+libraries=/usr/local/arm-linux-gnueabihf
 qemu_arm=(qemu-arm-static -L "$compilers" -E "QEMU_LD_PREFIX=$compilers" -E "LD_LIBRARY_PATH=$compilers/lib"
-    -E "GCONV_PATH=$converters")
+    -E "GCONV_PATH=$libraries/usr/lib/arm-linux-gnueabihf/gconv")
 
 arm_needs() {
     need_packages arm-linux-gnueabihf-g++=g++-arm-linux-gnueabihf qemu-arm-static=qemu-user-static \
         update-binfmts=binfmt-support $compilers/include/stdio.h=libc6-dev-armhf-cross \
-        /usr/src/googletest/CMakeLists.txt=googletest &&
-        need_converters
+        /usr/src/googletest/CMakeLists.txt=googletest || return 1
+    # Of libc6 only the converters between encodings (gconv), which the cross package lacks.
+    need_libraries lib/arm-linux-gnueabihf/gconv/gconv-modules=libc6 include/CLI/CLI.hpp=libcli11-dev \
+        lib/arm-linux-gnueabihf/libpugixml.so.1=libpugixml1v5 include/pugixml.hpp=libpugixml-dev
 }
 
-# Debian's cross packages lack libc's converters between encodings (gconv modules). The package of armhf has them, but
-# installs only beside this machine's libc of the very same version. So only its modules are unpacked.
-need_converters() {
-    [[ ! -f $converters/gconv-modules ]] || return 0
+# Unpacks packages of armhf that have no cross package. Installed normally, they would bring armhf's libc6, which needs a
+# libc6 of this machine of the very same version.
+need_libraries() {  # FILE=PACKAGE...
+    local row missing=()
+    for row in "$@"; do
+        [[ -e $libraries/usr/${row%%=*} ]] || missing+=("${row#*=}")
+    done
+    [[ ${#missing[@]} -eq 0 ]] && return 0
     if [[ $(id -u) -ne 0 ]]; then
-        echo "Missing: $converters. As root: ./test --arm-units" >&2
+        echo "Missing in $libraries: ${missing[*]}. As root: ./test --arm-units" >&2
         return 1
     fi
-    echo "Installing the converters of libc6:armhf in $converters" >&2
-    retry install_converters
+    echo "Unpacking ${missing[*]} for armhf in $libraries" >&2
+    retry unpack_libraries "${missing[@]}"
 }
 
-install_converters() {
-    local work version
-    work=$(mktemp -d /tmp/converters.XXXXXX)
-    version=$(dpkg-query -W -f '${Version}' libc6-armhf-cross)
-    version=${version%%-*}  # upstream's
-    if download_converters "$work" && dpkg-deb -x "$work"/libc6_*.deb "$work/tree"; then
-        if [[ $(dpkg-deb -f "$work"/libc6_*.deb Version) == "$version"-* ]]; then
-            mkdir -p "${converters%/*}" && rm -rf "$converters" && mv "$work/tree/usr/lib/arm-linux-gnueabihf/gconv" "$converters"
-        else
-            echo "./test: libc6:armhf is not version $version, as libc6-armhf-cross is" >&2
-        fi
-    fi
+unpack_libraries() {  # PACKAGE...
+    local work result=0
+    work=$(mktemp -d /tmp/armhf.XXXXXX)
+    mkdir "$work/tree"
+    [[ ! -d $libraries ]] || cp -a "$libraries/." "$work/tree"
+    download_armhf "$work" "$@" && find "$work" -maxdepth 1 -name '*.deb' -exec dpkg-deb -x {} "$work/tree" ';' &&
+        rm -rf "$libraries" && mv "$work/tree" "$libraries" || result=1
     rm -rf "$work"
-    [[ -f $converters/gconv-modules ]]
+    return "$result"
 }
 
-# With package lists of its own, so that this machine's apt does not learn another architecture.
-download_converters() {  # FOLDER
-    mkdir -p "$1/lists/partial" "$1/cache/archives/partial" && touch "$1/status" || return 1
-    local options=(-o APT::Architecture=armhf -o APT::Architectures=armhf -o Dir::State::lists="$1/lists"
-        -o Dir::State::status="$1/status" -o Dir::Cache="$1/cache" -o APT::Sandbox::User=root)
+# Uses its own package lists, so that this machine's apt does not learn another architecture.
+download_armhf() {  # FOLDER PACKAGE...
+    local folder=$1
+    local options=(-o APT::Architecture=armhf -o APT::Architectures=armhf -o Dir::State::lists="$folder/lists"
+        -o Dir::State::status="$folder/status" -o Dir::Cache="$folder/cache" -o APT::Sandbox::User=root)
+    mkdir -p "$folder/lists/partial" "$folder/cache/archives/partial" && touch "$folder/status" || return 1
     "${apt[@]}" "${options[@]}" update >&2 || echo "Continuing with the package lists that could be read" >&2
-    (cd "$1" && "${apt[@]}" "${options[@]}" download libc6 >&2)
+    (cd "$folder" && "${apt[@]}" "${options[@]}" download "${@:2}" >&2)
 }
 
 # Returns whether the kernel starts ARM programs by qemu, as programs need that start others. Registers qemu if it can.
