@@ -1,13 +1,15 @@
 #include "Frameworks/Utilities/TimeSpec.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <ctime>
 #include <tuple>
 
 namespace {
 
-constexpr std::int32_t LargestNanoSeconds = 999999999;
+constexpr std::int32_t MaxNanoSeconds = 999999999;
 constexpr std::uint32_t NanoSecondsPerTenth = 100000;
+
+std::int32_t Limited(std::int32_t nanoSeconds) { return std::clamp(nanoSeconds, 0, MaxNanoSeconds); }
 
 std::int64_t TotalNanoSeconds(const TimeSpec& time) {
     return std::int64_t{time.GetSeconds()} * NanoSecondsPerSecond + time.GetNanoSeconds();
@@ -18,6 +20,11 @@ std::int64_t NanoSecondsOfTenths(std::uint32_t tenths) { return std::int64_t{ten
 }  // namespace
 
 TimeSpec::TimeSpec() { GetTime(); }
+
+TimeSpec::TimeSpec(std::int32_t seconds, std::int32_t nanoSeconds)
+    : m_seconds(seconds), m_nanoSeconds(Limited(nanoSeconds)) {}
+
+void TimeSpec::SetNanoSeconds(std::int32_t nanoSeconds) { m_nanoSeconds = Limited(nanoSeconds); }
 
 void TimeSpec::SetTenthMilliSeconds(std::uint32_t tenths) {
     const std::int64_t total = NanoSecondsOfTenths(tenths);
@@ -41,8 +48,7 @@ TimeSpec& TimeSpec::operator+=(const TimeSpec& other) {
 }
 
 TimeSpec& TimeSpec::operator+=(std::uint32_t nanoSeconds) {
-    if (nanoSeconds <= LargestNanoSeconds &&
-        m_nanoSeconds + static_cast<std::int32_t>(nanoSeconds) <= LargestNanoSeconds) {
+    if (nanoSeconds <= MaxNanoSeconds && m_nanoSeconds + static_cast<std::int32_t>(nanoSeconds) <= MaxNanoSeconds) {
         m_nanoSeconds += static_cast<std::int32_t>(nanoSeconds);
     }
     return *this;
@@ -54,7 +60,7 @@ TimeSpec& TimeSpec::operator-=(const TimeSpec& other) {
 }
 
 TimeSpec& TimeSpec::operator-=(std::uint32_t nanoSeconds) {
-    if (nanoSeconds > LargestNanoSeconds) {
+    if (nanoSeconds > MaxNanoSeconds) {
         return *this;
     }
     const auto count = static_cast<std::int32_t>(nanoSeconds);
@@ -86,7 +92,7 @@ bool TimeSpec::Sleep(const TimeSpec* request, TimeSpec* remainder, bool retry) {
     if (request == nullptr || remainder == nullptr) {
         return false;
     }
-    if (request->m_seconds <= 0 || request->m_nanoSeconds <= 0 || request->m_nanoSeconds > LargestNanoSeconds) {
+    if (request->m_seconds <= 0 || request->m_nanoSeconds <= 0 || request->m_nanoSeconds > MaxNanoSeconds) {
         return false;
     }
     timespec wanted{};

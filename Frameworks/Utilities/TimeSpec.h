@@ -9,7 +9,7 @@ inline constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
 class TimeSpec {
 public:
     TimeSpec();  // now, with retry
-    TimeSpec(std::int32_t seconds, std::int32_t nanoSeconds) : m_seconds(seconds), m_nanoSeconds(nanoSeconds) {}
+    TimeSpec(std::int32_t seconds, std::int32_t nanoSeconds);
     TimeSpec(const TimeSpec&) = default;
     TimeSpec& operator=(const TimeSpec&) = default;
     virtual ~TimeSpec() = default;
@@ -17,7 +17,7 @@ public:
     virtual bool GetRetry() const { return m_retry; }
     virtual void SetRetryOn() { m_retry = true; }
     virtual void SetTenthMilliSeconds(std::uint32_t tenths);  // of the low 16 bits
-    virtual void SetNanoSeconds(std::int32_t nanoSeconds) { m_nanoSeconds = nanoSeconds; }
+    virtual void SetNanoSeconds(std::int32_t nanoSeconds);    // limited to 0 to 999,999,999
     virtual void SetSeconds(std::int32_t seconds) { m_seconds = seconds; }
     virtual void SetRetryOff() { m_retry = false; }
 
