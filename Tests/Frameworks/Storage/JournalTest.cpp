@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "Frameworks/Storage/Journal/JournalEventMessage.h"
 #include "Frameworks/Storage/Journal/JournalSystemController.h"
 
 namespace {
@@ -75,15 +74,4 @@ TEST(JournalSystemController, gives_the_two_times_of_the_entry_in_its_buffer) {
 TEST(CircularBuffer, has_a_file_that_is_not_mapped) {
     EXPECT_FALSE(CircularBuffer().GetMappedFile().IsMapped());
     EXPECT_EQ(CircularBuffer().GetMappedFile().GetName(), "");
-}
-
-TEST(JournalEventMessage, has_no_type_and_its_clone_has_its_text) {
-    JournalEventMessage message;
-    message.SetText("valve opened");
-    EXPECT_EQ(message.GetDataType(), -1);
-    const std::unique_ptr<MessageBase> clone = message.Clone();
-    const auto* copy = dynamic_cast<const JournalEventMessage*>(clone.get());
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(copy->GetText(), "valve opened");
-    EXPECT_EQ(copy->GetDataType(), -1);
 }
