@@ -28,8 +28,6 @@ std::string_view CDataContent(std::string_view section) {
 
 bool XmlDocument::SetDocumentText(const char* text) {
     m_result.clear();
-    // A text from memory has no file whose form could be kept.
-    m_form = XmlFileForm{};
     const std::string_view content = text == nullptr ? std::string_view() : std::string_view(text);
     const bool fits = content.size() <= LongestText;
     if (!fits) {

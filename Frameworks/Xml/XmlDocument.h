@@ -28,7 +28,8 @@ public:
     XmlDocument& operator=(const XmlDocument&) = delete;
     ~XmlDocument() = default;
 
-    // Replaces the text (null counts as empty) and indexes it. True if it is well formed.
+    // Replaces the text (null counts as empty) and indexes it. Returns true if it is well formed. A later save writes
+    // it in the encoding and with the byte order mark of the last load.
     bool SetDocumentText(const char* text);
     const std::string& GetDocumentText() const { return m_text; }
 
@@ -92,7 +93,7 @@ private:
     std::uint32_t m_parent = 0;
     std::uint32_t m_main = 0;   // 0: before the first child of the parent
     std::uint32_t m_child = 0;  // remembered child of the main element
-    XmlFileForm m_form;         // of the file that was loaded
+    XmlFileForm m_form;         // of the last load
     XmlIndex m_index;
     // The element whose attributes were last asked for, 0 if the text has changed since, and those attributes.
     mutable std::uint32_t m_attributesOf = 0;

@@ -242,10 +242,13 @@ TEST_F(XmlFile, a_text_from_memory_without_declaration_is_saved_as_utf_8) {
     EXPECT_EQ(m_document.GetResult(), "<write encoding=\"UTF-8\" length=\"9\"/>");
 }
 
-TEST_F(XmlFile, a_text_from_memory_does_not_take_the_form_of_the_file_before_it) {
+TEST_F(XmlFile, a_text_from_memory_is_saved_in_the_form_of_the_last_load) {
     Load(LittleMark + Utf16(u"<r/>", false));
     m_document.SetDocumentText("<s/>");
-    EXPECT_EQ(Saved(), "<s/>");
+    EXPECT_EQ(Saved(), LittleMark + Utf16(u"<s/>", false));
+    Load("<?xml encoding=\"iso-8859-1\"?><r/>");
+    m_document.SetDocumentText("<r>\xC3\xA4</r>");
+    EXPECT_EQ(Saved(), "<r>\xE4</r>");
 }
 
 TEST_F(XmlFile, an_empty_document_writes_an_empty_file) {
