@@ -157,6 +157,11 @@ TEST(StdString, ToUnsigned_reads_decimal_numbers_as_far_as_a_long_goes) {
     EXPECT_EQ(StdString("4294967295").ToUnsigned(), sizeof(long) == 4 ? 0x7FFFFFFFU : 0xFFFFFFFFU);
 }
 
+TEST(StdString, reads_minus_1_as_the_same_32_bits_with_and_without_sign) {
+    EXPECT_EQ(StdString("-1").ToInteger(), -1);
+    EXPECT_EQ(StdString("-1").ToUnsigned(), 0xFFFFFFFFU);
+}
+
 TEST(StdString, ToInteger_and_ToUnsigned_are_the_same_routine_and_change_the_text) {
     StdString text(" 0XFFFFFFFF ");
     EXPECT_EQ(text.ToUnsigned(), 0xFFFFFFFFU);
