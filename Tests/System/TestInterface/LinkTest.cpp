@@ -124,6 +124,16 @@ TEST_F(TestLink, is_tried_as_often_as_the_settings_say_before_it_starts_anew) {
     EXPECT_EQ(std::count(lines.begin(), end, "Socket::CloseConnection Failure Shutting down socket"), 2);
 }
 
+TEST_F(TestLink, is_tried_once_without_a_retry_count) {
+    Board().UnmapPort(1200);
+    configuration.Remove("ConnectionRetryCount");
+    StartIdle();
+    Send(MOVE_TO_TEST);
+    WaitFor(Exiting);
+    const std::vector<std::string> lines = Lines();
+    EXPECT_EQ(std::count(lines.begin(), std::find(lines.begin(), lines.end(), Exiting), NotConnected), 1);
+}
+
 // No pause where neither attempts nor a wait are asked for: the receiver ends and is made anew at once.
 TEST_F(TestLink, without_attempts_starts_anew_without_pause) {
     configuration.Set("ConnectionRetryCount", "0");
