@@ -31,17 +31,9 @@ void FanOut(const MessageBase& message, const std::vector<ThreadControl*>& subsc
 
 }  // namespace
 
-MessagingControl::MessagingControl() {
-    SetThreadName(ControllerNames[MESSAGING_CONTROL]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+MessagingControl::MessagingControl() { StartAs(ControllerNames[MESSAGING_CONTROL]); }
 
-bool MessagingControl::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return ThreadControl::Init() && DoRegistration();
-}
+bool MessagingControl::Init() { return InitController() && DoRegistration(); }
 
 bool MessagingControl::RegisterCommand(ThreadControl* thread, CommandType command) {
     const MutexLock lock(m_tablesMutex);
@@ -121,9 +113,4 @@ void MessagingControl::FlushPendingLog(const Subscribers& subscribers) {
         MessageBase::Send(std::move(pending));
     }
     m_pendingLog.clear();
-}
-
-bool MessagingControl::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return true;
 }

@@ -18,7 +18,6 @@ public:
     bool RegisterDataMessage(ThreadControl* thread, DataMessageType type) override;  // false: registered already
     bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
     ThreadControl* GetThreadByName(const StdString& name);  // null for a name that never registered for a command
 

@@ -24,13 +24,18 @@ StdString KindAndName(const MessageBase& message) {
 
 }  // namespace
 
-ThreadControl::~ThreadControl() { delete m_buffer.load(); }
-
 bool ThreadControl::Init() {
     SetState(INITIALIZING_STATE);
     const bool result = ThreadBase::Init();
     Buffer();
     return result;
+}
+
+void ThreadControl::LogInitializing() { Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL); }
+
+bool ThreadControl::InitController() {
+    LogInitializing();
+    return ThreadControl::Init();
 }
 
 std::int32_t ThreadControl::Run() {
@@ -80,6 +85,19 @@ bool ThreadControl::ProcessMessage() {
     }
     return m_currentMessage->IsCommand() ? ProcessCommandMessage(static_cast<CommandMessage*>(m_currentMessage.get()))
                                          : ProcessDataMessage(static_cast<DataMessage*>(m_currentMessage.get()));
+}
+
+bool ThreadControl::ProcessCommandMessage(CommandMessage* message) {
+    if (message == nullptr) {
+        return false;
+    }
+    FollowStateCommand(message->GetCommandType());
+    return true;
+}
+
+bool ThreadControl::ProcessTimeOut() {
+    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    return true;
 }
 
 void ThreadControl::Kill() {
@@ -153,7 +171,8 @@ bool ThreadControl::RegisterForDataMessage(DataMessageType type) {
 MessageBuffer& ThreadControl::MakeBuffer() {
     const MutexLock lock(m_bufferMutex);
     if (m_buffer == nullptr) {
-        m_buffer = new MessageBuffer(GetThreadName());
+        m_ownedBuffer = std::make_unique<MessageBuffer>(GetThreadName());
+        m_buffer = m_ownedBuffer.get();
     }
     return *m_buffer;
 }
@@ -174,5 +193,13 @@ bool ThreadControl::FollowStateCommand(CommandType command) {
             return true;
         default:
             return false;
+    }
+}
+
+void JoinThread(const ThreadBase& thread, const char* failure, LogLevel level, ControllerType origin) {
+    const pthread_t id = thread.GetThreadId();
+    // NOLINTNEXTLINE(bugprone-posix-return): see the header
+    if (id != 0 && pthread_join(id, nullptr) < 0) {
+        MessageController::LogMessage(failure, level, origin);
     }
 }

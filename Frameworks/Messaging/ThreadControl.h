@@ -15,7 +15,7 @@
 class ThreadControl : public ThreadBase {
 public:
     ThreadControl() = default;
-    ~ThreadControl() override;
+    ~ThreadControl() override = default;
 
     std::int32_t Run() override;
     void Kill() override;
@@ -32,11 +32,11 @@ public:
     // The router's alone; false in any other controller.
     virtual bool RegisterCommand(ThreadControl* thread, CommandType command);
     virtual bool RegisterDataMessage(ThreadControl* thread, DataMessageType type);
-    // False for null. The message is freed when they return.
-    virtual bool ProcessCommandMessage(CommandMessage* message) = 0;
+    // The message is freed when they return. The default follows the four MOVE_TO commands; false for null.
+    virtual bool ProcessCommandMessage(CommandMessage* message);
     virtual bool ProcessDataMessage(DataMessage* message) = 0;
-    // After a silence of the time-out.
-    virtual bool ProcessTimeOut() = 0;
+    // After a silence of the time-out. The default logs it and returns true.
+    virtual bool ProcessTimeOut();
 
     // Milliseconds of silence in the queue after which ProcessTimeOut runs; -1: never.
     void SetTimeOut(std::int32_t milliSeconds) { m_timeOut = milliSeconds; }
@@ -60,6 +60,9 @@ public:
     bool RegisterForDataMessage(DataMessageType type);
 
 protected:
+    // How the Init of a controller begins: the log line, then ThreadControl::Init.
+    bool InitController();
+    void LogInitializing();
     // Enters the state that one of the four MOVE_TO commands asks for; false for any other command.
     bool FollowStateCommand(CommandType command);
 
@@ -77,10 +80,15 @@ private:
     bool DrainQueue();
 
     Mutex m_bufferMutex;  // creation of the buffer only
+    std::unique_ptr<MessageBuffer> m_ownedBuffer GUARDED_BY(m_bufferMutex);
     std::atomic<MessageBuffer*> m_buffer{nullptr};
     std::int32_t m_timeOut = -1;
     std::unique_ptr<MessageBase> m_currentMessage;
 };
+
+// Waits for the end of a thread, if it was started. Only a negative result is logged: pthread_join reports errors as
+// positive numbers, which have never been logged.
+void JoinThread(const ThreadBase& thread, const char* failure, LogLevel level, ControllerType origin);
 
 inline void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) {
     if (IsLogged(DEBUG_LOG_LEVEL)) {

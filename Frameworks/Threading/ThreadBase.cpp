@@ -37,6 +37,13 @@ void ThreadBase::ReleaseThread() {
     }
 }
 
+void ThreadBase::StartAs(const StdString& name) {
+    SetThreadName(name);
+    if (!CreateThread()) {
+        ReleaseThread();
+    }
+}
+
 void ThreadBase::SetPriority(std::int32_t priority) {
     m_currentPriority = priority == -1 ? m_maximumPriority : priority;
     pthread_setschedprio(m_threadId, m_currentPriority);

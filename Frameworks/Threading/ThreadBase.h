@@ -29,6 +29,8 @@ public:
     // Starts a thread of default attributes. False where the system refuses one, which is logged.
     bool CreateThread();
     void ReleaseThread();  // detaches the thread, if there is one
+    // Names the thread and starts it: the last call of a constructor. A failure is logged and leaves the id at 0.
+    void StartAs(const StdString& name);
 
     StdString GetThreadName() const { return m_threadName; }
     const StdString& ThreadName() const { return m_threadName; }        // for as long as the thread's object stands

@@ -73,18 +73,12 @@ void CheckTwoHours() {
 
 DeviceMonitor::DeviceMonitor() {
     watchedCard = &m_card;
-    SetThreadName(ControllerNames[DEVICE_MONITOR]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
+    StartAs(ControllerNames[DEVICE_MONITOR]);
 }
 
 DeviceMonitor::~DeviceMonitor() { watchedCard = nullptr; }
 
-bool DeviceMonitor::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return ThreadControl::Init() && DoRegistration();
-}
+bool DeviceMonitor::Init() { return InitController() && DoRegistration(); }
 
 bool DeviceMonitor::DoRegistration() {
     if (RegisterForDataMessage(PERIODIC_HARDWARE_TEST_DATA_MESSAGE)) {
@@ -97,11 +91,10 @@ bool DeviceMonitor::DoRegistration() {
 }
 
 bool DeviceMonitor::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
+    if (!ThreadControl::ProcessCommandMessage(message)) {
         return false;
     }
     const CommandType command = message->GetCommandType();
-    FollowStateCommand(command);
     if (command == MOVE_TO_RUNNING) {
         SetTimeOut(TickMilliseconds);  // for good: no later state takes it back
     } else if (command == COLLECT_MEASUREMENT) {
@@ -124,7 +117,7 @@ bool DeviceMonitor::ProcessDataMessage(DataMessage* message) {
 }
 
 bool DeviceMonitor::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    ThreadControl::ProcessTimeOut();
     CheckTwoHours();
     return true;
 }

@@ -54,18 +54,12 @@ const LoggingControl::KindTexts LoggingControl::Texts[KindCount] = {
      "LoggingControl::ProcessDataMessage :: Problem writting status data to file"},
 };
 
-LoggingControl::LoggingControl() {
-    SetThreadName(ControllerNames[LOGGING_CONTROL]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+LoggingControl::LoggingControl() { StartAs(ControllerNames[LOGGING_CONTROL]); }
 
 bool LoggingControl::Init() {
     openlog(Identity, Options, LOG_USER);
     setlogmask(AllPriorities);
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    if (!ThreadControl::Init()) {
+    if (!InitController()) {
         return false;
     }
     DoRegistration();
@@ -115,14 +109,6 @@ bool LoggingControl::ReadConfiguration() {
     return true;
 }
 
-bool LoggingControl::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
-        return false;
-    }
-    FollowStateCommand(message->GetCommandType());
-    return true;
-}
-
 bool LoggingControl::ProcessDataMessage(DataMessage* message) {
     if (message == nullptr) {
         return false;
@@ -163,11 +149,6 @@ bool LoggingControl::ProcessDataMessage(DataMessage* message) {
         default:
             break;
     }
-    return true;
-}
-
-bool LoggingControl::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
     return true;
 }
 

@@ -16,9 +16,7 @@ public:
 
     bool Init() override;
     bool DoRegistration() override;  // always true
-    bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
 private:
     enum Kind { MEASUREMENT_KIND, STEP_KIND, STATUS_KIND, KindCount };

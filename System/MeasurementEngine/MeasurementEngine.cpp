@@ -29,28 +29,15 @@ void TellFrontEnd(std::int32_t status, const char* text) {
 
 }  // namespace
 
-MeasurementEngine::MeasurementEngine() {
-    SetThreadName(ControllerNames[MEASUREMENT_ENGINE]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+MeasurementEngine::MeasurementEngine() { StartAs(ControllerNames[MEASUREMENT_ENGINE]); }
 
-bool MeasurementEngine::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return ThreadControl::Init() && DoRegistration();
-}
+bool MeasurementEngine::Init() { return InitController() && DoRegistration(); }
 
 void MeasurementEngine::Kill() {
     if (GetState() != IDLE_STATE) {
         m_control.AbortMeasurement();
     }
     ThreadControl::Kill();
-}
-
-bool MeasurementEngine::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return true;
 }
 
 bool MeasurementEngine::ProcessCommandMessage(CommandMessage* message) {

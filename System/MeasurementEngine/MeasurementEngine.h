@@ -16,7 +16,6 @@ public:
     bool DoRegistration() override { return true; }
     bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
 private:
     void MoveToIdle();

@@ -59,16 +59,10 @@ bool ReadSettings(RemoteIndicatorSettings& settings) {
 
 }  // namespace
 
-RemoteIndicatorControl::RemoteIndicatorControl() {
-    SetThreadName(ControllerNames[REMOTE_INDICATOR_CONTROL]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+RemoteIndicatorControl::RemoteIndicatorControl() { StartAs(ControllerNames[REMOTE_INDICATOR_CONTROL]); }
 
 bool RemoteIndicatorControl::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    if (ThreadControl::Init() && DoRegistration() && MakeDevice()) {
+    if (InitController() && DoRegistration() && MakeDevice()) {
         return true;
     }
     Log("RemoteIndicatorControl - Init method failed!", ERROR_LOG_LEVEL);
@@ -89,19 +83,6 @@ bool RemoteIndicatorControl::DoRegistration() {
         Log("RemoteIndicatorControl::DoRegistration failed!", ERROR_LOG_LEVEL);
     }
     return registered;
-}
-
-bool RemoteIndicatorControl::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
-        return false;
-    }
-    FollowStateCommand(message->GetCommandType());
-    return true;
-}
-
-bool RemoteIndicatorControl::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return true;
 }
 
 // Replies come back to this controller too, since it subscribed to their type: only requests are served.

@@ -19,9 +19,7 @@ public:
     // Shows blue on both sides. False, and the thread ends, where the indicator can't be had.
     bool Init() override;
     bool DoRegistration() override;
-    bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
 private:
     bool MakeDevice();

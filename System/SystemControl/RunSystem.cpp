@@ -1,6 +1,5 @@
 #include "System/SystemControl/RunSystem.h"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include "Frameworks/Messaging/CommandMessage.h"
@@ -11,14 +10,8 @@ namespace {
 
 constexpr unsigned SecondsBeforeReset = 15;
 
-// pthread_join tells an error by a positive number, so only a negative one is ever reported. A SystemControl whose
-// thread could not be created has nothing to join.
 void Join(const SystemControl& system, const char* failure) {
-    const pthread_t thread = system.GetThreadId();
-    // NOLINTNEXTLINE(bugprone-posix-return)
-    if (thread != 0 && pthread_join(thread, nullptr) < 0) {
-        MessageController::LogMessage(failure, EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
-    }
+    JoinThread(system, failure, EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
 }
 
 void RunGeneration() {

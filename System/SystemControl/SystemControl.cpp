@@ -1,6 +1,5 @@
 #include "System/SystemControl/SystemControl.h"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include "Frameworks/Configuration/SingletonBase.h"
@@ -46,16 +45,10 @@ constexpr std::size_t ControllersToCreate = 1 + std::size(Controllers);
 
 }  // namespace
 
-SystemControl::SystemControl() {
-    SetThreadName(ControllerNames[SYSTEM_CONTROL]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+SystemControl::SystemControl() { StartAs(ControllerNames[SYSTEM_CONTROL]); }
 
 bool SystemControl::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    if (!ThreadControl::Init() || !LoadSystemConfiguration() || !ReadConfiguration() ||
+    if (!InitController() || !LoadSystemConfiguration() || !ReadConfiguration() ||
         SingletonBase::GetSystemConfiguration() == nullptr) {
         return false;
     }
@@ -149,23 +142,15 @@ void SystemControl::RegisterAllCommands(ThreadControl* thread) {
 }
 
 bool SystemControl::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
+    if (!ThreadControl::ProcessCommandMessage(message)) {
         return false;
     }
     switch (message->GetCommandType()) {
-        case MOVE_TO_IDLE:
-            SetState(IDLE_STATE);
-            break;
         case MOVE_TO_RUNNING:
-            SetState(RUNNING_STATE);
             SendCommand(COLLECT_MEASUREMENT);
             break;
         case MOVE_TO_SHUTDOWN:
-            SetState(SHUTDOWN_STATE);
-            SetTimeOut(-1);
-            break;
         case MOVE_TO_TEST:
-            SetState(TEST_STATE);
             SetTimeOut(-1);
             break;
         case RESET_SYSTEM:
@@ -193,7 +178,7 @@ bool SystemControl::ProcessDataMessage(DataMessage* message) {
 // The automatic start. The sleeps hold this thread on purpose: its own MOVE_TO_RUNNING is handled behind them and sends
 // one more COLLECT_MEASUREMENT.
 bool SystemControl::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    ThreadControl::ProcessTimeOut();
     if (!m_autoStart || GetState() != IDLE_STATE) {
         return true;
     }
@@ -241,11 +226,7 @@ std::int32_t SystemControl::Exit() {
 void SystemControl::JoinThreads() {
     for (auto controller = m_controllers.rbegin(); controller != m_controllers.rend(); ++controller) {
         Log("Ending Thread for - " + (*controller)->GetThreadName(), DEBUG_LOG_LEVEL);
-        const pthread_t thread = (*controller)->GetThreadId();
-        // NOLINTNEXTLINE(bugprone-posix-return): errors are positive, and only a negative one has ever been reported
-        if (thread != 0 && pthread_join(thread, nullptr) < 0) {
-            MessageController::LogMessage("thread_join error returned", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
-        }
+        JoinThread(**controller, "thread_join error returned", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
     }
     while (!m_controllers.empty()) {
         m_controllers.pop_back();

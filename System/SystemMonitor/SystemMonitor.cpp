@@ -56,16 +56,10 @@ void SendTestRequest(std::int32_t testId) {
 
 }  // namespace
 
-SystemMonitor::SystemMonitor() {
-    SetThreadName(ControllerNames[SYSTEM_MONITOR]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+SystemMonitor::SystemMonitor() { StartAs(ControllerNames[SYSTEM_MONITOR]); }
 
 bool SystemMonitor::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    if (!ThreadControl::Init()) {
+    if (!InitController()) {
         return false;
     }
     if (!DoRegistration()) {
@@ -102,14 +96,6 @@ bool SystemMonitor::ReadConfiguration() {
     m_alarmLevel = section->RequireValue("AlarmLevel").ToFloat();
     m_alertLevel = section->RequireValue("AlertLevel").ToFloat();
     m_ackTimeout = section->RequireValue("AckTimeout").ToInteger();
-    return true;
-}
-
-bool SystemMonitor::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
-        return false;
-    }
-    FollowStateCommand(message->GetCommandType());
     return true;
 }
 
@@ -212,7 +198,7 @@ void SystemMonitor::ProcessHardwareTestResponse(const PeriodicHardwareTestMessag
 
 // The indicator as a whole is tested once after a start; the passes after that go over its LEDs.
 bool SystemMonitor::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    ThreadControl::ProcessTimeOut();
     ++m_currentTest;
     if (m_currentTest == m_testSequence.cend()) {
         m_currentTest = std::next(m_testSequence.cbegin());

@@ -23,7 +23,6 @@ public:
     bool Init() override;
     // Registers what it can; false where any type was refused.
     bool DoRegistration() override;
-    bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
     // The next LED test. Nothing drives it yet: the wait of this thread has no limit.
     bool ProcessTimeOut() override;

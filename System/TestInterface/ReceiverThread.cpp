@@ -17,12 +17,7 @@ void Post(std::unique_ptr<TestCommandMessage> message) {
 
 }  // namespace
 
-ReceiverThread::ReceiverThread() {
-    SetThreadName(ControllerNames[TEST_INTERFACE] + "_ReceiverThread");
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+ReceiverThread::ReceiverThread() { StartAs(ControllerNames[TEST_INTERFACE] + "_ReceiverThread"); }
 
 std::int32_t ReceiverThread::Run() {
     bool keepGoing = Init();

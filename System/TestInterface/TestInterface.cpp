@@ -40,12 +40,7 @@ bool IsResponse(const DataMessage& message) { return message.GetSubType() == RES
 
 }  // namespace
 
-TestInterface::TestInterface() {
-    SetThreadName(ControllerNames[TEST_INTERFACE]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+TestInterface::TestInterface() { StartAs(ControllerNames[TEST_INTERFACE]); }
 
 TestInterface::~TestInterface() { EndReceiver(); }
 
@@ -59,8 +54,7 @@ void TestInterface::Kill() {
 }
 
 bool TestInterface::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    ThreadControl::Init();
+    InitController();
     DoRegistration();
     GatherConfiguration();
     return true;
@@ -153,11 +147,6 @@ bool TestInterface::ProcessDataMessage(DataMessage* message) {
         default:
             break;
     }
-    return true;
-}
-
-bool TestInterface::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
     return true;
 }
 

@@ -24,7 +24,6 @@ public:
     bool DoRegistration() override;
     bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
 private:
     enum Phase : std::int32_t {

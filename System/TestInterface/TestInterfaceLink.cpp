@@ -1,7 +1,6 @@
 // How the test interface comes to its link and loses it.
 #include <utility>
 
-#include "Frameworks/Messaging/MessageController.h"
 #include "System/TestInterface/TestInterface.h"
 
 bool TestInterface::CreateReceiver() {
@@ -54,11 +53,8 @@ void TestInterface::LinkEnded() {
 }
 
 void TestInterface::Join(const ReceiverThread& receiver) {
-    // NOLINTNEXTLINE(bugprone-posix-return): errors are positive, and only a negative one has ever been reported
-    if (pthread_join(receiver.GetThreadId(), nullptr) < 0) {
-        MessageController::LogMessage("TestInterface::ProcessDataMessage  Error within pthread_join",
-                                      EMERGENCY_LOG_LEVEL, TEST_INTERFACE);
-    }
+    JoinThread(receiver, "TestInterface::ProcessDataMessage  Error within pthread_join", EMERGENCY_LOG_LEVEL,
+               TEST_INTERFACE);
 }
 
 bool TestInterface::HandClientToResponse() {

@@ -12,10 +12,7 @@ constexpr char NoText[] = "NULL";
 }  // namespace
 
 ReceiverThreadForGUI::ReceiverThreadForGUI() {
-    SetThreadName(ControllerNames[USER_INTERFACE_DATA_CONTROL] + "ReceiverThreadForGUI");
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
+    StartAs(ControllerNames[USER_INTERFACE_DATA_CONTROL] + "ReceiverThreadForGUI");
 }
 
 bool ReceiverThreadForGUI::Init() {

@@ -1,6 +1,5 @@
 #include "System/UserInterfaceDataControl/UserInterfaceDataControl.h"
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include "Drivers/Print.h"
@@ -50,15 +49,10 @@ void PrintUnknown(const GuiCommand& command) {
 
 }  // namespace
 
-UserInterfaceDataControl::UserInterfaceDataControl() {
-    SetThreadName(ControllerNames[USER_INTERFACE_DATA_CONTROL]);
-    if (!CreateThread()) {
-        ReleaseThread();
-    }
-}
+UserInterfaceDataControl::UserInterfaceDataControl() { StartAs(ControllerNames[USER_INTERFACE_DATA_CONTROL]); }
 
 bool UserInterfaceDataControl::Init() {
-    Log("Initializing Thread for - " + GetThreadName(), DEBUG_LOG_LEVEL);
+    LogInitializing();
     sleep(SecondsForFrontEnd);
     m_receiver = std::make_unique<ReceiverThreadForGUI>();
     return ThreadControl::Init() && DoRegistration();
@@ -79,14 +73,6 @@ bool UserInterfaceDataControl::ProcessMessage() {
     return true;
 }
 
-bool UserInterfaceDataControl::ProcessCommandMessage(CommandMessage* message) {
-    if (message == nullptr) {
-        return false;
-    }
-    FollowStateCommand(message->GetCommandType());
-    return true;
-}
-
 bool UserInterfaceDataControl::ProcessDataMessage(DataMessage* message) {
     if (message == nullptr) {
         return false;
@@ -103,11 +89,6 @@ bool UserInterfaceDataControl::ProcessDataMessage(DataMessage* message) {
         default:
             return true;
     }
-}
-
-bool UserInterfaceDataControl::ProcessTimeOut() {
-    Log("Processing TimeOut for - " + GetThreadName(), DEBUG_LOG_LEVEL);
-    return true;
 }
 
 bool UserInterfaceDataControl::SendMeasurement(const MeasurementMessage* message) {
@@ -190,12 +171,8 @@ std::int32_t UserInterfaceDataControl::Exit() {
         return result;
     }
     m_receiver->Kill();
-    const pthread_t thread = m_receiver->GetThreadId();
-    // NOLINTNEXTLINE(bugprone-posix-return): errors are positive, and only a negative one has ever been reported
-    if (thread != 0 && pthread_join(thread, nullptr) < 0) {
-        MessageController::LogMessage("UserInterfaceDataControl::Exit  Error within pthread_join", EMERGENCY_LOG_LEVEL,
-                                      TEST_INTERFACE);
-    }
+    JoinThread(*m_receiver, "UserInterfaceDataControl::Exit  Error within pthread_join", EMERGENCY_LOG_LEVEL,
+               TEST_INTERFACE);
     m_receiver.reset();
     return result;
 }

@@ -19,9 +19,7 @@ public:
     bool DoRegistration() override;
     // Any answer: a frame that didn't go out and a command that nobody knows don't end this thread.
     bool ProcessMessage() override;
-    bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;
-    bool ProcessTimeOut() override;
 
 private:
     // False where the front end didn't get it.
