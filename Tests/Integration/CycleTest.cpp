@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "Frameworks/Utilities/Version.h"
 #include "System/Messages/StepType.h"
 #include "Tests/Support/ReadFile.h"
 #include "Tests/Support/SystemFixture.h"
@@ -69,7 +70,8 @@ TEST_F(Cycle, from_power_up_the_second_result_is_the_samples_chlorine) {
     const std::vector<std::string> rows = Rows("Measurement.csv");
     EXPECT_EQ(rows[0],
               "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,"
-              "Measurement Index,Seconds,Nano Seconds,Version (0.2.1.19)");
+              "Measurement Index,Seconds,Nano Seconds,Version (" +
+                  GetVersionText().Text() + ")");
     EXPECT_NEAR(std::stod(Field(rows[2], ChlorineColumn)), 0.60, 0.02);
     EXPECT_EQ(Field(rows[1], 7), "1");
     EXPECT_EQ(Field(rows[2], 7), "2");

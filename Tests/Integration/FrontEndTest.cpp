@@ -1,6 +1,7 @@
 // The whole system with a front end at the other end of its link.
 #include <csignal>
 
+#include "Frameworks/Utilities/Version.h"
 #include "Tests/Integration/FrontEndFixture.h"
 #include "Tests/Support/ProductProcess.h"
 
@@ -31,7 +32,7 @@ TEST_F(WithFrontEnd, buttons_move_every_controller_and_the_engine_answers) {
     EXPECT_TRUE(Wait("InstrumentStatus", "Aborted Measurement Cycle").has_value());
     EXPECT_TRUE(Wait("CMD", "-1").has_value());
     WaitFor("Changing to IDLE_STATE State for - MeasurementEngine");
-    EXPECT_EQ(frontEnd->Screen().version, "0.2.1.19");
+    EXPECT_EQ(frontEnd->Screen().version, GetVersionText().Text());
 }
 
 // The button works in idle alone, and the engine primes while running alone.

@@ -179,7 +179,7 @@ TEST_F(PeerPrograms, front_end_at_a_terminal_shows_a_panel_and_takes_keys) {
     ASSERT_TRUE(terminal.Shows("prime: no analyzer is connected"));
     const auto client = Connect(port);
     ASSERT_TRUE(terminal.Shows("| connected "));
-    client->Write("InstrumentStatus~Executing Sanity Check Step;SoftwareVersion~0.2.1.19`CMD~-2`");
+    client->Write("InstrumentStatus~Executing Sanity Check Step;SoftwareVersion~1.2.3.45`CMD~-2`");
     EXPECT_TRUE(terminal.Shows("| Status    Executing Sanity Check Step"));
     EXPECT_TRUE(terminal.Shows("| State     running"));
     constexpr struct {

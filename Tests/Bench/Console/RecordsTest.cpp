@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* Columns =
     "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,Measurement "
-    "Index,Seconds,Nano Seconds,Version (0.2.1.19)";
+    "Index,Seconds,Nano Seconds,Version (1.2.3.45)";
 constexpr const char* Record =
     "UTC 2027-01-01 00:02:11,46388.0015162037,0.249877,0.599705,1499.500000,2001234.250000,1126543.750000,2,1798761731,"
     "123456789";

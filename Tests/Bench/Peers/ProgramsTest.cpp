@@ -171,10 +171,10 @@ TEST_F(FrontEndCommands, show_tells_the_screen_in_one_line) {
     client->Write(
         "ChlorineValue~0.60;DateValue~@Friday May 01,01:02:03 am\n;InstrumentStatus~a\x1B"
         "b;"
-        "SoftwareVersion~0.2.1.19;CMD~-2`");
+        "SoftwareVersion~1.2.3.45;CMD~-2`");
     ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
     EXPECT_EQ(RunLine(program, "show").text,
-              "show: value \"0.60\" date \"Friday May 01,01:02:03 am\" status \"a\\x1Bb\" version \"0.2.1.19\" "
+              "show: value \"0.60\" date \"Friday May 01,01:02:03 am\" status \"a\\x1Bb\" version \"1.2.3.45\" "
               "state running");
 }
 
@@ -266,7 +266,7 @@ TEST(FrontEndPanel, shows_every_value_and_every_button) {
     screen.chlorine = "0.60";
     screen.date = "@Friday May 01,01:02:03 am\n";
     screen.status = "Executing \x1B[2J" + std::string(100, 'x');
-    screen.version = "0.2.1.19";
+    screen.version = "1.2.3.45";
     screen.command = "-1";
     EXPECT_EQ(PanelLines(screen, true, "idle sent"),
               (std::vector<std::string>{
@@ -275,7 +275,7 @@ TEST(FrontEndPanel, shows_every_value_and_every_button) {
                   "|           Friday May 01,01:02:03 am                          |",
                   "| Status    Executing \\x1B[2Jxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx |",
                   "| State     idle                                               |",
-                  "| Version   0.2.1.19                                           |",
+                  "| Version   1.2.3.45                                           |",
                   "| connected                                                    |",
                   "+--------------------------------------------------------------+",
                   "[i] idle  [r] running  [x] reset  [p] prime  [q] quit   idle sent",

@@ -1,3 +1,4 @@
+#include "Frameworks/Utilities/Version.h"
 #include "Tests/System/LoggingControl/LoggingControlFixture.h"
 
 namespace {
@@ -6,14 +7,16 @@ constexpr char MeasurementFile[] = "2012-12-31_Measurement.csv";
 constexpr char StepFile[] = "2012-12-31_Step.csv";
 constexpr char StatusFile[] = "2012-12-31_Status.csv";
 
-constexpr char MeasurementColumnLine[] =
+const std::string MeasurementColumnLine =
     "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,Measurement Index,Seconds,"
-    "Nano Seconds,Version (0.2.1.19)\r\n";
-constexpr char StepColumnLine[] =
+    "Nano Seconds,Version (" +
+    GetVersionText().Text() + ")\r\n";
+const std::string StepColumnLine =
     "Text Date / Time,Xcel Time,Sample,Text Step Description,Step Index,Sample Index,Motor Angle,Motor Speed,Seconds,"
-    "Nano Seconds,Version (0.2.1.19)\r\n";
-constexpr char StatusColumnLine[] =
-    "Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,Version (0.2.1.19)\r\n";
+    "Nano Seconds,Version (" +
+    GetVersionText().Text() + ")\r\n";
+const std::string StatusColumnLine =
+    "Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,Version (" + GetVersionText().Text() + ")\r\n";
 
 constexpr char WrittingMeasurement[] =
     "LoggingControl::ProcessDataMessage :: Problem writting measurement data to file";

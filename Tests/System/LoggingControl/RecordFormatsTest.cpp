@@ -1,3 +1,4 @@
+#include "Frameworks/Utilities/Version.h"
 #include "System/LoggingControl/RecordFormats.h"
 
 #include <gtest/gtest.h>
@@ -66,18 +67,20 @@ protected:
 TEST_F(RecordFormats, have_the_columns_of_a_measurement) {
     EXPECT_EQ(MeasurementColumns().Text(),
               "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,Measurement "
-              "Index,Seconds,Nano Seconds,Version (0.2.1.19)\r\n");
+              "Index,Seconds,Nano Seconds,Version (" +
+                  GetVersionText().Text() + ")\r\n");
 }
 
 TEST_F(RecordFormats, have_the_columns_of_a_step) {
     EXPECT_EQ(StepColumns().Text(),
               "Text Date / Time,Xcel Time,Sample,Text Step Description,Step Index,Sample Index,Motor Angle,Motor "
-              "Speed,Seconds,Nano Seconds,Version (0.2.1.19)\r\n");
+              "Speed,Seconds,Nano Seconds,Version (" +
+                  GetVersionText().Text() + ")\r\n");
 }
 
 TEST_F(RecordFormats, have_the_columns_of_a_status) {
-    EXPECT_EQ(StatusColumns().Text(),
-              "Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,Version (0.2.1.19)\r\n");
+    EXPECT_EQ(StatusColumns().Text(), "Text Date / Time,Xcel Time,Status Message,Seconds,Nano Seconds,Version (" +
+                                          GetVersionText().Text() + ")\r\n");
 }
 
 TEST_F(RecordFormats, write_a_measurement_with_local_text_time_and_UTC_serial_day) {

@@ -62,7 +62,8 @@ TEST_F(FrontEndProtocol, measurement_is_value_and_date_with_a_line_feed) {
 TEST_F(FrontEndProtocol, status_is_text_and_version) {
     protocol.SetInstrumentStatus("Executing LED Adjustment Step");
     protocol.SetSoftwareVersion(GetVersionText());
-    EXPECT_EQ(protocol.Serialize(), "InstrumentStatus~Executing LED Adjustment Step;SoftwareVersion~0.2.1.19`");
+    EXPECT_EQ(protocol.Serialize(),
+              "InstrumentStatus~Executing LED Adjustment Step;SoftwareVersion~" + GetVersionText().Text() + "`");
 }
 
 TEST_F(FrontEndProtocol, entering_idle_is_the_command_alone) {
@@ -288,8 +289,8 @@ TEST(FrontEndCommand, built_one_is_understood) {
 }
 
 TEST(FrontEndFrame, is_taken_apart_into_its_pairs_and_an_empty_one) {
-    EXPECT_EQ(CommunicationProtocol::ParseFrame("InstrumentStatus~a;SoftwareVersion~0.2.1.19`"),
-              (std::vector<GuiPair>{{"InstrumentStatus", "a"}, {"SoftwareVersion", "0.2.1.19"}, {"", ""}}));
+    EXPECT_EQ(CommunicationProtocol::ParseFrame("InstrumentStatus~a;SoftwareVersion~1.2.3.45`"),
+              (std::vector<GuiPair>{{"InstrumentStatus", "a"}, {"SoftwareVersion", "1.2.3.45"}, {"", ""}}));
 }
 
 TEST(FrontEndFrame, field_without_a_value_has_an_empty_one) {

@@ -100,8 +100,9 @@ TEST(LinkDocuments, frames_to_the_front_end_are_those_of_the_analyzer) {
 
 TEST(LinkDocuments, frames_to_the_front_end_are_read_by_it) {
     EXPECT_EQ(Shown(FrontEndExample("measurement")), "ChlorineValue=0.53|DateValue=@Tuesday March 05,02:14:07 pm\n|");
-    EXPECT_EQ(Shown(FrontEndExample("status")),
-              "InstrumentStatus=Waiting for Next Measurement Initiation|SoftwareVersion=0.2.1.19|");
+    EXPECT_EQ(
+        Shown(FrontEndExample("status")),
+        "InstrumentStatus=Waiting for Next Measurement Initiation|SoftwareVersion=" + GetVersionText().Text() + "|");
     EXPECT_EQ(Shown(FrontEndExample("idle")), "CMD=-1|");
     EXPECT_EQ(Shown(FrontEndExample("running")), "CMD=-2|");
 }

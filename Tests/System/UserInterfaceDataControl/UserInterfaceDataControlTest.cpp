@@ -1,4 +1,5 @@
 // The controller of the front end's link, seen from the front end and from the log.
+#include "Frameworks/Utilities/Version.h"
 #include "System/UserInterfaceDataControl/UserInterfaceDataControl.h"
 
 #include <csignal>
@@ -178,7 +179,7 @@ TEST_F(FrontEndLink, measurement_in_any_other_state_makes_no_traffic) {
     Barrier();
     EXPECT_FALSE(Get().ProcessDataMessage(Measurement(0.53, SomeMarchDay).get()));
     Post(Status("behind them"));
-    ExpectFrames({"InstrumentStatus~behind them;SoftwareVersion~0.2.1.19"});
+    ExpectFrames({"InstrumentStatus~behind them;SoftwareVersion~" + GetVersionText().Text()});
 }
 
 TEST_F(FrontEndLink, status_goes_out_with_the_version_in_every_state) {
@@ -187,7 +188,8 @@ TEST_F(FrontEndLink, status_goes_out_with_the_version_in_every_state) {
     for (const CommandType state : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
         Enter(state);
         Post(Status(CommandNames[state].CString()));
-        frames.push_back("InstrumentStatus~" + CommandNames[state].Text() + ";SoftwareVersion~0.2.1.19");
+        frames.push_back("InstrumentStatus~" + CommandNames[state].Text() + ";SoftwareVersion~" +
+                         GetVersionText().Text());
     }
     ExpectFrames(frames);
 }
@@ -227,7 +229,7 @@ TEST_F(FrontEndLink, without_memory_nothing_is_sent) {
     EXPECT_FALSE(resultWithoutMemory(command.get()));
     EXPECT_EQ(SentCommands(), Texts{});
     Post(Status("behind them"));
-    ExpectFrames({"InstrumentStatus~behind them;SoftwareVersion~0.2.1.19"});
+    ExpectFrames({"InstrumentStatus~behind them;SoftwareVersion~" + GetVersionText().Text()});
 }
 
 TEST_F(FrontEndLink, code_1_moves_to_idle_where_it_is_not) {
@@ -310,7 +312,7 @@ TEST_F(FrontEndLink, false_results_do_not_end_it) {
     HearIn(MOVE_TO_IDLE, "3~");
     testing::internal::GetCapturedStdout();
     Post(Status("still here"));
-    ExpectFrames({"InstrumentStatus~still here;SoftwareVersion~0.2.1.19"});
+    ExpectFrames({"InstrumentStatus~still here;SoftwareVersion~" + GetVersionText().Text()});
 }
 
 TEST_F(FrontEndLink, code_may_be_hexadecimal_and_end_at_a_zero_byte) {
@@ -367,7 +369,7 @@ TEST_F(FrontEndLink, the_word_NULL_ends_the_receiver_and_not_the_sender) {
     EXPECT_TRUE(Board().WaitUntil([threads] { return ThreadCount() == threads - 1; }));
     EXPECT_TRUE(frontEnd->Send("3~"));
     Post(Status("still here"));
-    ExpectFrames({"InstrumentStatus~still here;SoftwareVersion~0.2.1.19"});
+    ExpectFrames({"InstrumentStatus~still here;SoftwareVersion~" + GetVersionText().Text()});
     EXPECT_EQ(SentCommands(), Texts{});
     EXPECT_EQ(Errors(), Texts{});
 }

@@ -28,7 +28,7 @@ void OneCycle() {
     Say("End of Measurement Cycle: LED DutyCycle = 28.571429%% and LED Adjust Time = 2500ms");
     std::ofstream file(BenchPath("card/2026-12-31_Measurement.csv"));
     file << "Text Date / Time,Xcel Time,Absorbance,Chlorine,Dark Count,Reference Count,Sample Count,Measurement "
-            "Index,Seconds,Nano Seconds,Version (0.2.1.19)\r\n"
+            "Index,Seconds,Nano Seconds,Version (1.2.3.45)\r\n"
          << "UTC 2026-12-31 23:57:05,    46387.9979745370,0.249877,0.599705,1499.500000,2001234.250000,1126543.750000,"
             "1,1798761425,1\r\n";
 }
