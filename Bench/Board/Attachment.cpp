@@ -1,11 +1,8 @@
 #include "Bench/Board/Attachment.h"
 
-#include <dlfcn.h>
-
-#include <atomic>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 #include "Bench/Board/Real.h"
@@ -15,12 +12,14 @@ namespace Bench {
 namespace {
 
 constexpr const char* FolderVariable = "VERNICOR_BENCH";
+constexpr int MaxFiles = 4096;
 
 std::atomic<BoardState*> attached{nullptr};
-// For as long as the process lives, exit handlers included. Nobody reads it, but a leak checker has to find it.
+OpenFile openFiles[MaxFiles];
+// Lives as long as the process, exit handlers included. Only a leak checker reads it.
 [[gnu::used]] Board* preloaded = nullptr;
 
-// A preloaded program is on its board before its own first line runs.
+// Attaches a preloaded program to its board before the program's first line runs.
 [[gnu::constructor]] void Begin() {
     Real::FindAll();
     const char* folder = std::getenv(FolderVariable);
@@ -37,30 +36,7 @@ std::atomic<BoardState*> attached{nullptr};
     AttachThisProcess(*preloaded);
 }
 
-// ---- Open files.
-constexpr int MaximalFiles = 4096;
-
-struct OpenFileState {
-    std::atomic<std::uint32_t> node{0};
-    std::atomic<std::uint32_t> seenEdges{0};
-    std::atomic<int> access{0};  // O_RDONLY, O_WRONLY or O_RDWR
-    std::atomic<Cut> cut{Cut::Whole};
-    std::atomic<std::uint64_t> received{0};
-};
-
-OpenFileState openFiles[MaximalFiles];
-
-std::uint32_t Pack(Node node) {
-    return static_cast<std::uint32_t>(node.family) << 24U | std::uint32_t{node.file} << 16U |
-           std::uint32_t{node.first} << 8U | node.second;
-}
-
-Node Unpack(std::uint32_t packed) {
-    return {static_cast<Family>(packed >> 24U), static_cast<std::uint8_t>(packed >> 16U),
-            static_cast<std::uint8_t>(packed >> 8U), static_cast<std::uint8_t>(packed)};
-}
-
-bool IsHeld(int file) { return file >= 0 && file < MaximalFiles; }
+OpenFile* SlotOf(int file) { return file >= 0 && file < MaxFiles ? &openFiles[file] : nullptr; }
 
 }  // namespace
 
@@ -70,72 +46,54 @@ void AttachThisProcess(const Board& board) { attached.store(&board.State(), std:
 
 void DetachThisProcess() {
     attached.store(nullptr, std::memory_order_release);
-    for (OpenFileState& file : openFiles) {
-        file.node.store(0, std::memory_order_relaxed);
+    for (OpenFile& file : openFiles) {
+        file.node.store(Node{}, std::memory_order_relaxed);
     }
 }
 
+BoardFile FindFile(int file) {
+    BoardState* state = AttachedState();
+    OpenFile* open = SlotOf(file);
+    const Node node = state == nullptr || open == nullptr ? Node{} : open->node.load(std::memory_order_acquire);
+    return node.family == Family::None ? BoardFile{} : BoardFile{state, file, node, open};
+}
+
+BoardFile FindSocket(int file) {
+    const BoardFile found = FindFile(file);
+    return found.node.family == Family::Socket ? found : BoardFile{};
+}
+
 void RememberFile(int file, Node node, int access) {
-    if (IsHeld(file)) {
-        openFiles[file].access.store(access, std::memory_order_relaxed);
-        openFiles[file].seenEdges.store(~0U, std::memory_order_relaxed);  // a new file has its event pending
-        openFiles[file].cut.store(Cut::Whole, std::memory_order_relaxed);
-        openFiles[file].received.store(0, std::memory_order_relaxed);
-        openFiles[file].node.store(Pack(node), std::memory_order_release);
+    if (OpenFile* open = SlotOf(file); open != nullptr) {
+        open->access.store(access, std::memory_order_relaxed);
+        open->cut.store(Cut::Whole, std::memory_order_relaxed);
+        open->received.store(0, std::memory_order_relaxed);
+        open->node.store(node, std::memory_order_release);
     }
 }
 
 void ForgetFile(int file) {
-    if (IsHeld(file)) {
-        openFiles[file].node.store(0, std::memory_order_release);
+    if (OpenFile* open = SlotOf(file); open != nullptr) {
+        open->node.store(Node{}, std::memory_order_release);
     }
 }
 
 void CopyFile(int from, int to) {
-    if (IsHeld(to)) {
-        openFiles[to].seenEdges.store(SeenEdges(from), std::memory_order_relaxed);
-        openFiles[to].access.store(FileAccess(from), std::memory_order_relaxed);
-        openFiles[to].node.store(Pack(FileNode(from)), std::memory_order_release);
-    }
-}
-
-Node FileNode(int file) { return IsHeld(file) ? Unpack(openFiles[file].node.load(std::memory_order_acquire)) : Node{}; }
-
-int FileAccess(int file) { return IsHeld(file) ? openFiles[file].access.load(std::memory_order_relaxed) : 0; }
-
-std::uint32_t SeenEdges(int file) {
-    return IsHeld(file) ? openFiles[file].seenEdges.load(std::memory_order_relaxed) : 0;
-}
-
-void SetSeenEdges(int file, std::uint32_t count) {
-    if (IsHeld(file)) {
-        openFiles[file].seenEdges.store(count, std::memory_order_relaxed);
-    }
-}
-
-Cut SocketCut(int file) { return IsHeld(file) ? openFiles[file].cut.load() : Cut::Whole; }
-
-void SetSocketCut(int file, Cut cut) {
-    if (IsHeld(file)) {
-        openFiles[file].cut.store(cut);
-    }
-}
-
-std::uint64_t SocketReceived(int file) { return IsHeld(file) ? openFiles[file].received.load() : 0; }
-
-void AddSocketReceived(int file, std::uint64_t count) {
-    if (IsHeld(file)) {
-        openFiles[file].received.fetch_add(count);
+    const OpenFile* source = SlotOf(from);
+    OpenFile* copy = SlotOf(to);
+    if (source != nullptr && copy != nullptr) {
+        copy->seenEdges.store(source->seenEdges.load(), std::memory_order_relaxed);
+        copy->access.store(source->access.load(), std::memory_order_relaxed);
+        copy->node.store(source->node.load(), std::memory_order_release);
+    } else {
+        ForgetFile(to);
     }
 }
 
 bool CardFilesOpen() {
-    for (const OpenFileState& file : openFiles) {
-        if (Unpack(file.node.load(std::memory_order_acquire)).family == Family::Card) {
-            return true;
-        }
-    }
-    return false;
+    return std::any_of(std::begin(openFiles), std::end(openFiles), [](const OpenFile& file) {
+        return file.node.load(std::memory_order_acquire).family == Family::Card;
+    });
 }
 
 }  // namespace Bench

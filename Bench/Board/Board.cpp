@@ -52,9 +52,9 @@ constexpr const char* Files[] = {
     "/dev/mmcblk0p1",
 };
 
-std::string Because(const std::string& text, int error) { return text + ": " + std::strerror(error); }
+std::string WithReason(const std::string& text, int error) { return text + ": " + std::strerror(error); }
 
-// The real files that stand for the board's at power-on.
+// Creates the files of the bench folder that show the board's files at power-on.
 void MakeTree(const BoardState& state) {
     const std::string folder = state.folder;
     std::error_code ignored;
@@ -65,15 +65,16 @@ void MakeTree(const BoardState& state) {
         fs::create_directories(folder + part, ignored);
     }
     for (const char* file : Files) {
-        MakeShadowFile(state, file);
+        SetShadowFile(state, file, true);
     }
     for (int input = 0; input < IioInputs; ++input) {
-        MakeShadowFile(state, ("/sys/bus/iio/devices/iio:device0/in_voltage" + std::to_string(input) + "_raw").c_str());
+        const std::string file = "/sys/bus/iio/devices/iio:device0/in_voltage" + std::to_string(input) + "_raw";
+        SetShadowFile(state, file.c_str(), true);
     }
     WriteMountTable(state);
 }
 
-bool InitialiseMutex(pthread_mutex_t& mutex) {
+bool InitializeMutex(pthread_mutex_t& mutex) {
     pthread_mutexattr_t attributes;
     if (pthread_mutexattr_init(&attributes) != 0) {
         return false;
@@ -85,24 +86,24 @@ bool InitialiseMutex(pthread_mutex_t& mutex) {
     return done;
 }
 
-// Maps the state file; null with the reason where it can't be.
+// Maps the state file. Returns null with the reason if that fails.
 void* MapState(const std::string& folder, int flags, std::string& error) {
     const std::string path = folder + StateFile;
     const int file = Real::open(path.c_str(), flags | O_CLOEXEC, 0644);
     if (file < 0) {
-        error = Because(path, errno);
+        error = WithReason(path, errno);
         return nullptr;
     }
     void* address = MAP_FAILED;
     struct stat64 status {};
     if ((flags & O_CREAT) != 0 && Real::ftruncate64(file, sizeof(BoardState)) != 0) {
-        error = Because(path, errno);
+        error = WithReason(path, errno);
     } else if (Real::fstat64(file, &status) != 0 || status.st_size != static_cast<off64_t>(sizeof(BoardState))) {
         error = path + ": is no board of this version";
     } else {
-        // By its public name: the thread sanitizer must see which memory comes and goes.
+        // By its public name, because the thread sanitizer must see the mapping.
         address = ::mmap64(nullptr, sizeof(BoardState), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        error = address == MAP_FAILED ? Because(path, errno) : "";
+        error = address == MAP_FAILED ? WithReason(path, errno) : "";
     }
     Real::close(file);
     return address == MAP_FAILED ? nullptr : address;
@@ -131,19 +132,19 @@ std::unique_ptr<Board> Board::Create(const std::string& folder, const BoardSetup
         error = folder + ": the path is too long";
         return nullptr;
     }
-    // A new file, not the old one emptied: whoever still has an old board mapped keeps that one.
+    // A new file instead of the old one emptied: a process that still maps the old board keeps it.
     Real::unlink((absolute.string() + StateFile).c_str());
     void* memory = MapState(absolute.string(), O_RDWR | O_CREAT, error);
     if (memory == nullptr) {
         return nullptr;
     }
     auto* state = new (memory) BoardState;
-    if (!InitialiseMutex(state->mutex)) {
-        error = folder + ": can't make the lock of the board";
+    if (!InitializeMutex(state->mutex)) {
+        error = folder + ": can't create the board's lock";
         ::munmap(memory, sizeof(BoardState));
         return nullptr;
     }
-    InitialiseState(*state, absolute.c_str(), setup);
+    InitializeState(*state, absolute.c_str(), setup);
     MakeTree(*state);
     state->size = sizeof(BoardState);
     state->magic = Magic;
@@ -165,18 +166,18 @@ std::unique_ptr<Board> Board::Open(const std::string& folder, std::string& error
 }
 
 void Board::Reset(const BoardSetup& setup) {
-    const BoardLock lock(*m_state);
-    InitialiseState(*m_state, m_folder.c_str(), setup);
-    MakeTree(*m_state);
-    Changed(*m_state);
+    const BoardLock state(*m_state);
+    InitializeState(*state, m_folder.c_str(), setup);
+    MakeTree(*state);
+    Changed(*state);
 }
 
 double Board::Speed() const { return static_cast<double>(m_state->clock.speed.load()) / 1e6; }
 
 void Board::SetSpeed(double speed) {
-    const BoardLock lock(*m_state);
-    SetClockSpeed(m_state->clock, speed);
-    Changed(*m_state);
+    const BoardLock state(*m_state);
+    SetClockSpeed(state->clock, speed);
+    Changed(*state);
 }
 
 void Board::HoldSpeed(bool hold) { m_state->clock.held.store(hold); }
@@ -186,48 +187,34 @@ double Board::Seconds() const { return static_cast<double>(MonotonicNow(m_state-
 std::int64_t Board::WallNanoSeconds() const { return WallNow(m_state->clock); }
 
 void Board::JumpClock(double seconds) {
-    const BoardLock lock(*m_state);
-    JumpClockAt(m_state->clock, MonotonicNow(m_state->clock), static_cast<std::int64_t>(seconds * 1e9));
+    const BoardLock state(*m_state);
+    JumpClockAt(state->clock, MonotonicNow(state->clock), static_cast<std::int64_t>(seconds * 1e9));
 }
 
-InstrumentState Board::Instrument() const {
-    const BoardLock lock(*m_state);
-    return m_state->instrument;
-}
+InstrumentState Board::Instrument() const { return BoardLock(*m_state)->instrument; }
+InstrumentSettings Board::Settings() const { return EffectiveSettings(*BoardLock(*m_state)); }
+InstrumentInputs Board::Inputs() const { return InputsOf(*BoardLock(*m_state)); }
 
-InstrumentSettings Board::Settings() const {
-    const BoardLock lock(*m_state);
-    return EffectiveSettings(*m_state);
-}
-
-InstrumentInputs Board::Inputs() const {
-    const BoardLock lock(*m_state);
-    return InputsOf(*m_state);
-}
-
-void Board::SetInstrument(const InstrumentState& state) {
-    const BoardLock lock(*m_state);
-    m_state->instrument = state;
-    Changed(*m_state);
+void Board::SetInstrument(const InstrumentState& instrument) {
+    const BoardLock state(*m_state);
+    state->instrument = instrument;
+    Changed(*state);
 }
 
 void Board::SetSettings(const InstrumentSettings& settings) {
-    const BoardLock lock(*m_state);
-    m_state->settings = settings;
-    Changed(*m_state);
+    const BoardLock state(*m_state);
+    state->settings = settings;
+    Changed(*state);
 }
 
-void Board::SetAudioPlaying(bool playing) {
-    const BoardLock lock(*m_state);
-    m_state->audioPlaying = playing;
-}
+void Board::SetAudioPlaying(bool playing) { BoardLock(*m_state)->audioPlaying = playing; }
 
 std::vector<TraceEntry> Board::TraceWithTimes() const {
-    const BoardLock lock(*m_state);
+    const BoardLock state(*m_state);
     std::vector<TraceEntry> list;
-    const std::uint64_t first = m_state->traced > TraceLength ? m_state->traced - TraceLength : 0;
-    for (std::uint64_t i = std::max(first, m_state->traceStart); i < m_state->traced; ++i) {
-        const TraceRecord& record = m_state->trace[i % TraceLength];
+    const std::uint64_t first = state->traced > TraceLength ? state->traced - TraceLength : 0;
+    for (std::uint64_t i = std::max(first, state->traceStart); i < state->traced; ++i) {
+        const TraceRecord& record = state->trace[i % TraceLength];
         list.push_back(
             {static_cast<double>(record.time) / 1e9, record.text, static_cast<double>(record.deviceTime) / 1e9});
     }
@@ -242,18 +229,15 @@ std::vector<std::string> Board::Trace() const {
     return list;
 }
 
-std::uint64_t Board::TraceCount() const {
-    const BoardLock lock(*m_state);
-    return m_state->traced;
-}
+std::uint64_t Board::TraceCount() const { return BoardLock(*m_state)->traced; }
 
 void Board::ClearTrace() {
-    const BoardLock lock(*m_state);
-    m_state->traceStart = m_state->traced;
+    const BoardLock state(*m_state);
+    state->traceStart = state->traced;
 }
 
 bool Board::WaitUntil(const std::function<bool()>& condition, double realSeconds) const {
-    constexpr std::int64_t Slice = 100000000;  // what changes by the passing of time alone is looked at this often
+    constexpr std::int64_t Slice = 100000000;  // a change that only the passing of time causes is seen this late
     const std::int64_t end = RealNanoSeconds() + static_cast<std::int64_t>(realSeconds * 1e9);
     for (;;) {
         const std::uint32_t seen = m_state->changes.load();

@@ -1,4 +1,5 @@
-// The card in its slot: what mount, umount and its files answer, and the mount table.
+#include "Bench/Board/BoardCard.h"
+
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -31,16 +32,16 @@ void CopyMountPoint(const char* target, char (&mountPoint)[PathLength]) {
     }
 }
 
-int MountError(const BoardState& state, const char* source, const char* resolvedTarget, const char* type,
+int MountError(const BoardState& state, const char* source, const char* realTarget, const char* type,
                unsigned long flags) {
-    if (std::strcmp(source, PartitionPath) != 0 || !CardPresent(state)) {
+    if (std::strcmp(source, PartitionPath) != 0 || !state.card.inserted) {
         return ENOENT;
     }
     if (std::strcmp(type, "vfat") != 0) {
         return ENODEV;
     }
     struct stat64 status {};
-    if (Real::stat64(resolvedTarget, &status) != 0) {
+    if (Real::stat64(realTarget, &status) != 0) {
         return ENOENT;
     }
     if (!S_ISDIR(status.st_mode)) {
@@ -54,24 +55,13 @@ int MountError(const BoardState& state, const char* source, const char* resolved
 
 }  // namespace
 
-bool CardPresent(const BoardState& state) { return state.card.inserted; }
-
 void SetCardInserted(BoardState& state, bool inserted) {
-    constexpr int SwitchBank = 3;
-    constexpr int SwitchPin = 9;
-    const bool before = PinLevel(state, SwitchBank, SwitchPin);
-    state.card.inserted = inserted;
-    const bool after = PinLevel(state, SwitchBank, SwitchPin);
-    if (before != after) {
-        NoteEdge(state.pins[SwitchBank][SwitchPin], after);
+    {
+        const EdgeWatch watch(state, CardSwitch);
+        state.card.inserted = inserted;
     }
-    if (inserted) {
-        MakeShadowFile(state, DiskPath);
-        MakeShadowFile(state, PartitionPath);
-    } else {
-        RemoveShadowFile(state, PartitionPath);
-        RemoveShadowFile(state, DiskPath);
-    }
+    SetShadowFile(state, DiskPath, inserted);
+    SetShadowFile(state, PartitionPath, inserted);
     Changed(state);
 }
 
@@ -93,16 +83,15 @@ void WriteMountTable(const BoardState& state) {
     }
 }
 
-int MountCard(BoardState& state, const char* source, const char* target, const char* resolvedTarget, const char* type,
+int MountCard(BoardState& state, const char* source, const char* target, const char* realTarget, const char* type,
               unsigned long flags) {
-    const int error = MountError(state, source, resolvedTarget, type, flags);
+    const int error = MountError(state, source, realTarget, type, flags);
     if (error == 0) {
         CopyMountPoint(target, state.card.mountPoint);
         state.card.mounted = true;
         WriteMountTable(state);
     }
-    TraceAct(state, "mount %s %s %s %lu%s%s", source, target, type, flags, error == 0 ? "" : " !",
-             error == 0 ? "" : ErrorName(error));
+    Trace(state, error, "mount %s %s %s %lu", source, target, type, flags);
     return error;
 }
 
@@ -119,12 +108,12 @@ int UnmountCard(BoardState& state, const char* target, bool inUse) {
         state.card.mountPoint[0] = '\0';
         WriteMountTable(state);
     }
-    TraceAct(state, "umount %s%s%s", target, error == 0 ? "" : " !", error == 0 ? "" : ErrorName(error));
+    Trace(state, error, "umount %s", target);
     return error;
 }
 
 int CardAccessError(const BoardState& state, bool writing) {
-    if (!CardPresent(state)) {
+    if (!state.card.inserted) {
         return EIO;
     }
     if (writing && state.card.writeProtected) {
@@ -133,89 +122,63 @@ int CardAccessError(const BoardState& state, bool writing) {
     return writing && state.card.full ? ENOSPC : 0;
 }
 
-void MakeShadowFile(const BoardState& state, const char* path) {
+void SetShadowFile(const BoardState& state, const char* path, bool exists) {
     char full[FullPathLength];
     FullPath(state, path, full);
+    if (!exists) {
+        Real::unlink(full);
+        return;
+    }
     const int file = Real::open(full, O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
     if (file >= 0) {
         Real::close(file);
     }
 }
 
-void RemoveShadowFile(const BoardState& state, const char* path) {
+void SetShadowFolder(const BoardState& state, const char* path, std::initializer_list<const char*> files, bool exists) {
     char full[FullPathLength];
     FullPath(state, path, full);
-    Real::unlink(full);
-}
-
-void MakeShadowDirectory(const BoardState& state, const char* path, std::initializer_list<const char*> files) {
-    char full[FullPathLength];
-    FullPath(state, path, full);
-    Real::mkdir(full, 0755);
+    if (exists) {
+        Real::mkdir(full, 0755);
+    }
     for (const char* file : files) {
         char name[PathLength];
         std::snprintf(name, sizeof(name), "%s/%s", path, file);
-        MakeShadowFile(state, name);
+        SetShadowFile(state, name, exists);
     }
-}
-
-void RemoveShadowDirectory(const BoardState& state, const char* path, std::initializer_list<const char*> files) {
-    for (const char* file : files) {
-        char name[PathLength];
-        std::snprintf(name, sizeof(name), "%s/%s", path, file);
-        RemoveShadowFile(state, name);
+    if (!exists) {
+        Real::rmdir(full);
     }
-    char full[FullPathLength];
-    FullPath(state, path, full);
-    Real::rmdir(full);
 }
 
 CardView Board::Card() const {
-    const BoardLock lock(*m_state);
-    const CardState& card = m_state->card;
-    CardView view;
-    view.inserted = card.inserted;
-    view.mounted = card.mounted;
-    view.mountPoint = card.mountPoint;
-    view.full = card.full;
-    view.writeProtected = card.writeProtected;
-    view.slowMilliseconds = card.slowMilliseconds;
-    view.totalBlocks = card.totalBlocks;
-    view.freeBlocks = card.freeBlocks;
-    view.blockSize = card.blockSize;
-    return view;
+    const BoardLock state(*m_state);
+    const CardState& card = state->card;
+    return {.inserted = card.inserted,
+            .mounted = card.mounted,
+            .mountPoint = card.mountPoint,
+            .full = card.full,
+            .writeProtected = card.writeProtected,
+            .slowMilliseconds = card.slowMilliseconds,
+            .totalBlocks = card.totalBlocks,
+            .freeBlocks = card.freeBlocks,
+            .blockSize = card.blockSize};
 }
 
-void Board::InsertCard() {
-    const BoardLock lock(*m_state);
-    SetCardInserted(*m_state, true);
-}
-
-void Board::PullCard() {
-    const BoardLock lock(*m_state);
-    SetCardInserted(*m_state, false);
-}
-
-void Board::SetCardFull(bool full) {
-    const BoardLock lock(*m_state);
-    m_state->card.full = full;
-}
-
-void Board::SetCardWriteProtected(bool writeProtected) {
-    const BoardLock lock(*m_state);
-    m_state->card.writeProtected = writeProtected;
-}
+void Board::InsertCard() { SetCardInserted(*BoardLock(*m_state), true); }
+void Board::PullCard() { SetCardInserted(*BoardLock(*m_state), false); }
+void Board::SetCardFull(bool full) { BoardLock(*m_state)->card.full = full; }
+void Board::SetCardWriteProtected(bool writeProtected) { BoardLock(*m_state)->card.writeProtected = writeProtected; }
 
 void Board::SetCardSlow(int milliseconds) {
-    const BoardLock lock(*m_state);
-    m_state->card.slowMilliseconds = std::max(milliseconds, 0);
+    BoardLock(*m_state)->card.slowMilliseconds = milliseconds > 0 ? milliseconds : 0;
 }
 
 void Board::SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize) {
-    const BoardLock lock(*m_state);
-    m_state->card.totalBlocks = totalBlocks;
-    m_state->card.freeBlocks = freeBlocks;
-    m_state->card.blockSize = blockSize;
+    const BoardLock state(*m_state);
+    state->card.totalBlocks = totalBlocks;
+    state->card.freeBlocks = freeBlocks;
+    state->card.blockSize = blockSize;
 }
 
 }  // namespace Bench

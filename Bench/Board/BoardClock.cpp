@@ -1,4 +1,5 @@
-// Simulated time: two anchors and a factor. Read by every time hook, so without lock and without allocation.
+#include "Bench/Board/BoardClock.h"
+
 #include <linux/futex.h>
 #include <sys/syscall.h>
 
@@ -6,7 +7,6 @@
 #include <cerrno>
 #include <climits>
 
-#include "Bench/Board/BoardState.h"
 #include "Bench/Board/Real.h"
 
 namespace Bench {
@@ -69,7 +69,7 @@ private:
 std::int64_t RealNanoSeconds() {
     timespec now{};
     Real::clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<std::int64_t>(now.tv_sec) * NanoSecondsPerSecond + now.tv_nsec;
+    return NanoSecondsOf(now);
 }
 
 std::int64_t MonotonicNow(const ClockState& clock) { return MonotonicOf(ReadClock(clock)); }
@@ -122,8 +122,7 @@ void CancelJump(ClockState& clock) {
 }
 
 int FutexWait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t realNanoSeconds) {
-    const timespec wait{static_cast<time_t>(realNanoSeconds / NanoSecondsPerSecond),
-                        static_cast<long>(realNanoSeconds % NanoSecondsPerSecond)};
+    const timespec wait = TimespecOf(realNanoSeconds);
     const int savedErrno = errno;
     const long result = syscall(SYS_futex, &word, FUTEX_WAIT, expected, &wait, nullptr, 0);
     const int error = result == 0 || errno == EAGAIN ? 0 : errno;

@@ -1,6 +1,6 @@
-// The kernel's pin files, as a board has them whose kernel names the lines pioA0 to pioD31.
+// The kernel's pin files, as on a board whose kernel names the lines pioA0 to pioD31.
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 
 #include "Bench/Board/BoardState.h"
@@ -11,147 +11,127 @@ namespace {
 
 enum GpioFile : std::uint8_t { ExportFile, UnexportFile, DirectionFile, EdgeFile, ValueFile };
 
-constexpr struct {
-    std::string_view name;
-    GpioFile file;
-} PinFiles[] = {{"direction", DirectionFile}, {"edge", EdgeFile}, {"value", ValueFile}};
-
+constexpr std::string_view FileNames[] = {"export", "unexport", "direction", "edge", "value"};
 constexpr std::string_view EdgeNames[] = {"none", "rising", "falling", "both"};
 
-constexpr int CardSwitchBank = 3;
-constexpr int CardSwitchPin = 9;
-
-bool ParseNumber(std::string_view text, int& number) {
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    return !text.empty() && result.ec == std::errc() && result.ptr == text.data() + text.size();
-}
-
-void PinFolder(int bank, int pin, char (&path)[64]) {
-    std::snprintf(path, sizeof(path), "/sys/class/gpio/pio%c%d", "ABCD"[bank], pin);
-}
+void PinFolder(Line line, Buffer& path) { Put(path, "/sys/class/gpio/pio%c%d", "ABCD"[line.bank], line.pin); }
 
 int Claim(BoardState& state, std::string_view text, bool claim) {
-    int number = 0;
-    if (!ParseNumber(text, number) || number < 0 || number >= Banks * PinsPerBank) {
+    std::uint32_t number = 0;
+    if (!ParseNumber(text, number) || number >= std::uint32_t{Banks} * PinsPerBank) {
         return EINVAL;
     }
-    const int bank = number / PinsPerBank;
-    const int index = number % PinsPerBank;
-    PinState& pin = state.pins[bank][index];
-    if (pin.claimed == claim || (claim && GpioTaken(state, bank, index))) {
+    const Line line{static_cast<int>(number) / PinsPerBank, static_cast<int>(number) % PinsPerBank};
+    PinState& pin = state.PinAt(line);
+    if (pin.claimed == claim || (claim && GpioTaken(state, line))) {
         return claim ? EBUSY : EINVAL;
     }
-    const bool before = PinLevel(state, bank, index);
-    pin.claimed = claim;
-    pin.output = false;
-    pin.edge = Edge::None;
-    const bool after = PinLevel(state, bank, index);
-    if (before != after) {
-        NoteEdge(pin, after);
+    {
+        const EdgeWatch watch(state, line);
+        pin.claimed = claim;
+        pin.output = false;
+        pin.edge = Edge::None;
     }
     char folder[64];
-    PinFolder(bank, index, folder);
-    if (claim) {
-        MakeShadowDirectory(state, folder, {"direction", "edge", "value"});
-    } else {
-        RemoveShadowDirectory(state, folder, {"direction", "edge", "value"});
-    }
+    Buffer path{folder, sizeof(folder)};
+    PinFolder(line, path);
+    SetShadowFolder(state, folder, {"direction", "edge", "value"}, claim);
     return 0;
 }
 
-int SetDirection(BoardState& state, int bank, int index, std::string_view text) {
-    PinState& pin = state.pins[bank][index];
-    const bool before = PinLevel(state, bank, index);
+int SetDirection(BoardState& state, Line line, std::string_view text) {
+    const EdgeWatch watch(state, line);
+    PinState& pin = state.PinAt(line);
     if (text == "in") {
         pin.output = false;
-    } else if (text == "out" || text == "low") {
+    } else if (text == "out" || text == "low" || text == "high") {
         pin.output = true;
-        pin.latch = false;
-    } else if (text == "high") {
-        pin.output = true;
-        pin.latch = true;
+        pin.latch = text == "high";
     } else {
         return EINVAL;
-    }
-    const bool after = PinLevel(state, bank, index);
-    if (before != after) {
-        NoteEdge(pin, after);
     }
     return 0;
 }
 
 int SetEdge(PinState& pin, std::string_view text) {
-    for (std::size_t i = 0; i < std::size(EdgeNames); ++i) {
-        if (EdgeNames[i] == text) {
-            if (pin.output && i != 0) {
-                return EIO;
-            }
-            pin.edge = static_cast<Edge>(i);
-            return 0;
-        }
+    const auto* name = std::find(std::begin(EdgeNames), std::end(EdgeNames), text);
+    if (name == std::end(EdgeNames)) {
+        return EINVAL;
     }
-    return EINVAL;
+    const auto edge = static_cast<Edge>(name - std::begin(EdgeNames));
+    if (pin.output && edge != Edge::None) {
+        return EIO;
+    }
+    pin.edge = edge;
+    return 0;
 }
 
-int SetValue(BoardState& state, Node node, std::string_view text) {
+int SetValue(BoardState& state, Line line, std::string_view text) {
     int number = 0;
-    if (!state.pins[node.first][node.second].output) {
+    if (!state.PinAt(line).output) {
         return EPERM;
     }
     if (!ParseNumber(text, number)) {
         return EINVAL;
     }
-    SetPinLatch(state, node.first, node.second, number != 0);
+    SetPinLatch(state, line, number != 0);
     return 0;
 }
 
-bool PinExists(int bank, int pin) { return bank >= 0 && bank < Banks && pin >= 0 && pin < PinsPerBank; }
+bool PinExists(Line line) { return line.bank >= 0 && line.bank < Banks && line.pin >= 0 && line.pin < PinsPerBank; }
+
+void SetPinDriven(BoardState& state, Line line, std::int8_t driven) {
+    if (PinExists(line)) {
+        const EdgeWatch watch(state, line);
+        state.PinAt(line).driven = driven;
+    }
+    Changed(state);
+}
 
 }  // namespace
 
 Node FindGpioNode(const BoardState& state, std::string_view name) {
-    if (name == "export") {
-        return {Family::Gpio, ExportFile};
-    }
-    if (name == "unexport") {
-        return {Family::Gpio, UnexportFile};
-    }
     const std::size_t slash = name.find('/');
-    int pin = 0;
-    if (slash == std::string_view::npos || slash < 5 || !name.starts_with("pio") || name[3] < 'A' || name[3] > 'D' ||
-        !ParseNumber(name.substr(4, slash - 4), pin) || pin < 0 || pin >= PinsPerBank) {
+    const auto* file = std::find(std::begin(FileNames), std::end(FileNames), name.substr(slash + 1));
+    if (file == std::end(FileNames)) {
         return {};
     }
-    const int bank = name[3] - 'A';
-    if (!state.pins[bank][pin].claimed) {
+    const auto index = static_cast<std::uint8_t>(file - std::begin(FileNames));
+    const bool isPin = slash != std::string_view::npos;
+    if (isPin != (index >= DirectionFile)) {
         return {};
     }
-    for (const auto& row : PinFiles) {
-        if (row.name == name.substr(slash + 1)) {
-            return {Family::Gpio, row.file, static_cast<std::uint8_t>(bank), static_cast<std::uint8_t>(pin)};
-        }
+    if (!isPin) {
+        return {Family::Gpio, index};
     }
-    return {};
+    std::uint32_t pin = 0;
+    if (slash < 5 || !name.starts_with("pio") || name[3] < 'A' || name[3] > 'D' ||
+        !ParseNumber(name.substr(4, slash - 4), pin) || pin >= PinsPerBank) {
+        return {};
+    }
+    const Line line{name[3] - 'A', static_cast<int>(pin)};
+    return state.PinAt(line).claimed
+               ? Node{Family::Gpio, index, static_cast<std::uint8_t>(line.bank), static_cast<std::uint8_t>(line.pin)}
+               : Node{};
 }
 
 void GpioPath(Node node, Buffer& path) {
-    if (node.file == ExportFile || node.file == UnexportFile) {
-        Put(path, "/sys/class/gpio/%s", node.file == ExportFile ? "export" : "unexport");
-        return;
+    if (node.file < DirectionFile) {
+        Put(path, "/sys/class/gpio");
+    } else {
+        PinFolder(LineOf(node), path);
     }
-    char folder[64];
-    PinFolder(node.first, node.second, folder);
-    Put(path, "%s/%s", folder, PinFiles[node.file - DirectionFile].name.data());
+    Put(path, "/%s", FileNames[node.file].data());
 }
 
 void GpioContent(BoardState& state, Node node, Buffer& content) {
-    const PinState& pin = state.pins[node.first][node.second];
+    const PinState& pin = state.PinAt(LineOf(node));
     if (node.file == DirectionFile) {
         Put(content, "%s\n", pin.output ? "out" : "in");
     } else if (node.file == EdgeFile) {
         Put(content, "%s\n", EdgeNames[static_cast<std::size_t>(pin.edge)].data());
     } else if (node.file == ValueFile) {
-        Put(content, "%d\n", PinLevel(state, node.first, node.second) ? 1 : 0);
+        Put(content, "%d\n", PinLevel(state, LineOf(node)) ? 1 : 0);
     }
 }
 
@@ -162,116 +142,68 @@ int GpioWrite(BoardState& state, Node node, std::string_view text) {
         case UnexportFile:
             return Claim(state, text, false);
         case DirectionFile:
-            return SetDirection(state, node.first, node.second, text);
+            return SetDirection(state, LineOf(node), text);
         case EdgeFile:
-            return SetEdge(state.pins[node.first][node.second], text);
+            return SetEdge(state.PinAt(LineOf(node)), text);
         default:
-            return SetValue(state, node, text);
+            return SetValue(state, LineOf(node), text);
     }
 }
 
 bool IsGpioValue(Node node) { return node.family == Family::Gpio && node.file == ValueFile; }
 
-bool PinLevel(const BoardState& state, int bank, int pin) {
-    constexpr int FlagBank = 1;
-    constexpr int FlagPin = 18;
-    constexpr int ConversionBank = 0;
-    constexpr int ConversionPin = 21;
-    const PinState& line = state.pins[bank][pin];
-    if (line.output) {
-        return line.latch;
+bool PinLevel(const BoardState& state, Line line) {
+    const PinState& pin = state.PinAt(line);
+    if (pin.output) {
+        return pin.latch;
     }
-    if (line.driven >= 0) {
-        return line.driven != 0;
+    if (pin.driven >= 0) {
+        return pin.driven != 0;
     }
-    if (bank == FlagBank && pin == FlagPin) {
+    if (line == HomeFlag) {
         return FlagHigh(state.instrument, EffectiveSettings(state));
     }
-    if (bank == ConversionBank && pin == ConversionPin) {
+    if (line == ConversionLine) {
         return EndOfConversionLevel(state);
     }
-    if (bank == CardSwitchBank && pin == CardSwitchPin) {
-        return CardPresent(state);
-    }
-    return line.latch;
+    return line == CardSwitch ? state.card.inserted : pin.latch;
 }
 
-void NoteEdge(PinState& pin, bool level) { ++(level ? pin.rising : pin.falling); }
+void CountEdge(PinState& pin, bool level) { ++(level ? pin.rising : pin.falling); }
 
-void SetPinLatch(BoardState& state, int bank, int pin, bool level) {
-    const bool before = PinLevel(state, bank, pin);
-    state.pins[bank][pin].latch = level;
-    const bool after = PinLevel(state, bank, pin);
-    if (before != after) {
-        NoteEdge(state.pins[bank][pin], after);
+EdgeWatch::~EdgeWatch() {
+    const bool after = PinLevel(m_state, m_line);
+    if (after != m_before) {
+        CountEdge(m_state.PinAt(m_line), after);
     }
 }
 
-void SetPinDriven(BoardState& state, int bank, int pin, int driven) {
-    const bool before = PinLevel(state, bank, pin);
-    state.pins[bank][pin].driven = static_cast<std::int8_t>(driven);
-    const bool after = PinLevel(state, bank, pin);
-    if (before != after) {
-        NoteEdge(state.pins[bank][pin], after);
-    }
-    Changed(state);
+void SetPinLatch(BoardState& state, Line line, bool level) {
+    const EdgeWatch watch(state, line);
+    state.PinAt(line).latch = level;
 }
 
-std::uint32_t EdgeCount(const BoardState& state, int bank, int pin) {
-    const PinState& line = state.pins[bank][pin];
-    switch (line.edge) {
-        case Edge::Rising:
-            return line.rising;
-        case Edge::Falling:
-            return line.falling;
-        case Edge::Both:
-            return line.rising + line.falling;
-        case Edge::None:
-            break;
-    }
-    return 0;
+std::uint32_t EdgeCount(const BoardState& state, Line line) {
+    const PinState& pin = state.PinAt(line);
+    return (pin.edge == Edge::Rising || pin.edge == Edge::Both ? pin.rising : 0) +
+           (pin.edge == Edge::Falling || pin.edge == Edge::Both ? pin.falling : 0);
 }
 
 PinView Board::Pin(int bank, int pin) const {
-    PinView view;
-    if (!PinExists(bank, pin)) {
-        return view;
+    const Line line{bank, pin};
+    if (!PinExists(line)) {
+        return {};
     }
-    const BoardLock lock(*m_state);
-    const PinState& state = m_state->pins[bank][pin];
-    view.claimed = state.claimed;
-    view.output = state.output;
-    view.latch = state.latch;
-    view.level = PinLevel(*m_state, bank, pin);
-    view.edge = state.edge;
-    if (state.driven >= 0) {
-        view.driven = state.driven != 0;
-    }
-    return view;
+    const BoardLock state(*m_state);
+    const PinState& now = state->PinAt(line);
+    const std::optional<bool> driven = now.driven < 0 ? std::nullopt : std::optional<bool>(now.driven != 0);
+    return {now.claimed, now.output, now.latch, PinLevel(*state, line), driven, now.edge};
 }
 
 void Board::DrivePin(int bank, int pin, bool level) {
-    const BoardLock lock(*m_state);
-    if (PinExists(bank, pin)) {
-        SetPinDriven(*m_state, bank, pin, level ? 1 : 0);
-    }
+    SetPinDriven(*BoardLock(*m_state), {bank, pin}, level ? std::int8_t{1} : std::int8_t{0});
 }
 
-void Board::ReleasePin(int bank, int pin) {
-    const BoardLock lock(*m_state);
-    if (PinExists(bank, pin)) {
-        SetPinDriven(*m_state, bank, pin, -1);
-    }
-}
-
-std::uint32_t Board::OutputStatus(int bank) const {
-    const BoardLock lock(*m_state);
-    return PinExists(bank, 0) ? OutputStatusOf(*m_state, bank) : 0;
-}
-
-std::uint32_t Board::DataStatus(int bank) const {
-    const BoardLock lock(*m_state);
-    return PinExists(bank, 0) ? DataStatusOf(*m_state, bank) : 0;
-}
+void Board::ReleasePin(int bank, int pin) { SetPinDriven(*BoardLock(*m_state), {bank, pin}, -1); }
 
 }  // namespace Bench

@@ -1,7 +1,7 @@
 // The on-chip converter, with the two eight-way multiplexers in front of its input 6.
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "Bench/Board/BoardState.h"
@@ -43,18 +43,18 @@ Node FindIioNode(const BoardState& /*state*/, std::string_view name) {
     }
     const std::string_view number = name.substr(Prefix.size(), name.size() - Prefix.size() - Suffix.size());
     std::uint8_t input = 0;
-    const auto result = std::from_chars(number.data(), number.data() + number.size(), input);
-    if (result.ec != std::errc() || result.ptr != number.data() + number.size() || input >= IioInputs) {
+    if (!ParseNumber(number, input) || input >= IioInputs) {
         return {};
     }
     return {Family::Iio, RawFile, input};
 }
 
 void IioPath(Node node, Buffer& path) {
+    Put(path, "/sys/bus/iio/devices/iio:device0/in_voltage");
     if (node.file == ScaleFile) {
-        Put(path, "/sys/bus/iio/devices/iio:device0/in_voltage_scale");
+        Put(path, "_scale");
     } else {
-        Put(path, "/sys/bus/iio/devices/iio:device0/in_voltage%u_raw", static_cast<unsigned>(node.first));
+        Put(path, "%u_raw", static_cast<unsigned>(node.first));
     }
 }
 
@@ -67,49 +67,48 @@ void IioContent(BoardState& state, Node node, Buffer& content) {
 }
 
 int SelectedChannel(const BoardState& state) {
-    const int address =
-        (PinLevel(state, 2, 27) ? 1 : 0) | (PinLevel(state, 2, 28) ? 2 : 0) | (PinLevel(state, 2, 31) ? 4 : 0);
-    return address + (PinLevel(state, 3, 10) ? 0 : 8);  // the enable line chooses the multiplexer
+    constexpr Line Address[] = {{2, 27}, {2, 28}, {2, 31}};
+    constexpr Line SecondMultiplexer{3, 10};  // low for the second multiplexer
+    int channel = PinLevel(state, SecondMultiplexer) ? 0 : 8;
+    for (int bit = 0; bit < 3; ++bit) {
+        channel += PinLevel(state, Address[bit]) ? 1 << bit : 0;
+    }
+    return channel;
 }
 
 void Board::SetMultiplexerRaw(int channel, int raw) {
-    const BoardLock lock(*m_state);
+    const BoardLock state(*m_state);
     if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Raw;
-        m_state->iio.raw[channel] = raw;
+        state->iio.source[channel] = Source::Raw;
+        state->iio.raw[channel] = raw;
     }
 }
 
 void Board::SetMultiplexerVolts(int channel, double volts) {
-    const BoardLock lock(*m_state);
+    const BoardLock state(*m_state);
     if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Volts;
-        m_state->iio.volts[channel] = volts;
+        state->iio.source[channel] = Source::Volts;
+        state->iio.volts[channel] = volts;
     }
 }
 
 void Board::ReleaseMultiplexer(int channel) {
-    const BoardLock lock(*m_state);
     if (channel >= 0 && channel < MultiplexerChannels) {
-        m_state->iio.source[channel] = Source::Model;
+        BoardLock(*m_state)->iio.source[channel] = Source::Model;
     }
 }
 
-int Board::SelectedMultiplexer() const {
-    const BoardLock lock(*m_state);
-    return SelectedChannel(*m_state);
-}
+int Board::SelectedMultiplexer() const { return SelectedChannel(*BoardLock(*m_state)); }
 
 void Board::SetIioRaw(int input, int raw) {
-    const BoardLock lock(*m_state);
     if (input >= 0 && input < IioInputs) {
-        m_state->iio.inputRaw[input] = raw;
+        BoardLock(*m_state)->iio.inputRaw[input] = raw;
     }
 }
 
 void Board::SetIioScale(const std::string& text) {
-    const BoardLock lock(*m_state);
-    std::snprintf(m_state->iio.scale, sizeof(m_state->iio.scale), "%s", text.c_str());
+    const BoardLock state(*m_state);
+    std::snprintf(state->iio.scale, sizeof(state->iio.scale), "%s", text.c_str());
 }
 
 }  // namespace Bench

@@ -1,4 +1,4 @@
-// The lines of the remote indicator, and what is broken at the end of its cable.
+// The lines of the remote indicator, its cable, and the faults of both.
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
@@ -9,18 +9,19 @@ namespace Bench {
 
 namespace {
 
-constexpr int IndicatorBank = 3;
-
 struct IndicatorRow {
     IndicatorLed led;
-    int pin;
+    Line line;
     std::string_view name;
 };
 
 constexpr IndicatorRow Rows[IndicatorLeds] = {
-    {IndicatorLed::BlueAnalyzer, 17, "blue-analyzer"}, {IndicatorLed::AmberAnalyzer, 16, "amber-analyzer"},
-    {IndicatorLed::RedAnalyzer, 21, "red-analyzer"},   {IndicatorLed::BlueWater, 18, "blue-water"},
-    {IndicatorLed::AmberWater, 19, "amber-water"},     {IndicatorLed::RedWater, 20, "red-water"},
+    {IndicatorLed::BlueAnalyzer, {3, 17}, "blue-analyzer"},    //
+    {IndicatorLed::AmberAnalyzer, {3, 16}, "amber-analyzer"},  //
+    {IndicatorLed::RedAnalyzer, {3, 21}, "red-analyzer"},      //
+    {IndicatorLed::BlueWater, {3, 18}, "blue-water"},          //
+    {IndicatorLed::AmberWater, {3, 19}, "amber-water"},        //
+    {IndicatorLed::RedWater, {3, 20}, "red-water"},
 };
 
 std::uint8_t BitOf(IndicatorLed led) { return static_cast<std::uint8_t>(1U << static_cast<unsigned>(led)); }
@@ -30,20 +31,20 @@ std::uint8_t BitOf(IndicatorLed led) { return static_cast<std::uint8_t>(1U << st
 std::uint8_t IndicatorLinesHigh(const BoardState& state) {
     std::uint8_t high = 0;
     for (const IndicatorRow& row : Rows) {
-        high |= PinLevel(state, IndicatorBank, row.pin) ? BitOf(row.led) : std::uint8_t{0};
+        high |= PinLevel(state, row.line) ? BitOf(row.led) : std::uint8_t{0};
     }
     return high;
 }
 
 void BreakIndicator(const BoardState& state, InstrumentSettings& settings) {
     std::size_t next = 0;
-    while (const char* value = NextFaultValue(state, FaultName::IndicatorLedOpen, next)) {
+    while (const char* value = NextFaultValue(state, "indicator-led-open", next)) {
         for (const IndicatorRow& row : Rows) {
             settings.indicatorLedsOpen |= row.name == value ? BitOf(row.led) : std::uint8_t{0};
         }
     }
     next = 0;
-    while (const char* value = NextFaultValue(state, FaultName::Cable, next)) {
+    while (const char* value = NextFaultValue(state, "cable", next)) {
         settings.cableFeet = std::strtod(value, nullptr);
     }
 }
@@ -52,15 +53,13 @@ bool IsIndicatorLed(std::string_view name) {
     return std::any_of(std::begin(Rows), std::end(Rows), [name](const auto& row) { return row.name == name; });
 }
 
-bool IsIndicatorLine(int bank, int pin) {
-    return bank == IndicatorBank &&
-           std::any_of(std::begin(Rows), std::end(Rows), [pin](const auto& row) { return row.pin == pin; });
+bool IsIndicatorLine(Line line) {
+    return std::any_of(std::begin(Rows), std::end(Rows), [line](const auto& row) { return row.line == line; });
 }
 
 bool Board::IndicatorLit(IndicatorLed led) const {
-    const BoardLock lock(*m_state);
-    const std::uint8_t open = EffectiveSettings(*m_state).indicatorLedsOpen;
-    return (IndicatorLinesHigh(*m_state) & ~open & BitOf(led)) != 0;
+    const BoardLock state(*m_state);
+    return (IndicatorLinesHigh(*state) & ~EffectiveSettings(*state).indicatorLedsOpen & BitOf(led)) != 0;
 }
 
 }  // namespace Bench

@@ -1,7 +1,8 @@
-// The file "log" of the bench folder: one line for each line of the system log, its fields divided by tabs: priority,
-// ident, options, facility, text, format. A tab, a line end and a backslash within a field stand as \t, \n and \\.
+// The file "log" of the bench folder: one line for each line of the system log, with the fields priority, ident,
+// options, facility, text and format separated by tabs. A tab, line end or backslash in a field is \t, \n or \\.
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -19,20 +20,16 @@ std::string LogPath(const BoardState& state) { return std::string(state.folder) 
 std::string Escaped(const std::string& text) {
     std::string escaped;
     for (const char character : text) {
-        if (character == '\t') {
-            escaped += "\\t";
-        } else if (character == '\n') {
-            escaped += "\\n";
-        } else if (character == '\\') {
-            escaped += "\\\\";
-        } else {
-            escaped += character;
+        const char letter = character == '\t' ? 't' : character == '\n' ? 'n' : character;
+        if (letter != character || character == '\\') {
+            escaped += '\\';
         }
+        escaped += letter;
     }
     return escaped;
 }
 
-// Takes the next field off the line.
+// Removes the next field from the line.
 std::string NextField(std::string_view& line) {
     std::string field;
     std::size_t i = 0;
@@ -50,7 +47,7 @@ std::string NextField(std::string_view& line) {
 
 int NextNumber(std::string_view& line) { return static_cast<int>(std::strtol(NextField(line).c_str(), nullptr, 10)); }
 
-LogLine ParseLine(std::string_view text) {
+LogLine ParseLogLine(std::string_view text) {
     LogLine line;
     line.priority = NextNumber(text);
     line.ident = NextField(text);
@@ -64,14 +61,14 @@ LogLine ParseLine(std::string_view text) {
 std::string ReadWhole(const std::string& path) {
     std::string whole;
     const int file = Real::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) {
-        return whole;
-    }
     char part[4096];
-    for (ssize_t got = Real::read(file, part, sizeof(part)); got > 0; got = Real::read(file, part, sizeof(part))) {
-        whole.append(part, static_cast<std::size_t>(got));
+    for (ssize_t got = 1; file >= 0 && got > 0;) {
+        got = Real::read(file, part, sizeof(part));
+        whole.append(part, static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
     }
-    Real::close(file);
+    if (file >= 0) {
+        Real::close(file);
+    }
     return whole;
 }
 
@@ -90,26 +87,18 @@ void AppendLogLine(const BoardState& state, const LogLine& line) {
     }
 }
 
-std::vector<LogLine> ReadLogLines(const BoardState& state) {
-    const std::string whole = ReadWhole(LogPath(state));
+std::vector<LogLine> Board::Log() const {
+    const std::string whole = ReadWhole(LogPath(*BoardLock(*m_state)));
     std::vector<LogLine> lines;
     std::string_view rest = whole;
     while (!rest.empty()) {
         const std::size_t end = rest.find('\n');
-        lines.push_back(ParseLine(rest.substr(0, end)));
+        lines.push_back(ParseLogLine(rest.substr(0, end)));
         rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
     }
     return lines;
 }
 
-std::vector<LogLine> Board::Log() const {
-    const BoardLock lock(*m_state);
-    return ReadLogLines(*m_state);
-}
-
-void Board::ClearLog() {
-    const BoardLock lock(*m_state);
-    RemoveShadowFile(*m_state, "/log");
-}
+void Board::ClearLog() { SetShadowFile(*BoardLock(*m_state), "/log", false); }
 
 }  // namespace Bench

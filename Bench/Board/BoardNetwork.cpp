@@ -1,4 +1,4 @@
-// Which ports of the machine the program reaches, and its own name.
+// Which ports of the machine the program reaches, and the name of its host.
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -9,11 +9,9 @@ namespace Bench {
 
 namespace {
 
-constexpr int HighestPort = 65535;
+bool IsPort(int port) { return port > 0 && port <= MaxPort; }
 
-bool IsPort(int port) { return port > 0 && port <= HighestPort; }
-
-// The entry of that port; 0 finds a free one. Null where there is none.
+// The entry of that port; 0 finds a free entry. Null if there is none.
 template <typename Network>
 auto* FindPort(Network& network, int port) {
     auto* entry = std::find_if(std::begin(network.ports), std::end(network.ports),
@@ -32,12 +30,12 @@ int RealPort(const BoardState& state, int port) {
 }
 
 bool Board::MapPort(int instrumentPort, int realPort) {
-    const BoardLock lock(*m_state);
+    const BoardLock state(*m_state);
     if (!IsPort(instrumentPort) || !IsPort(realPort)) {
         return false;
     }
-    PortEntry* entry = FindPort(m_state->network, instrumentPort);
-    entry = entry == nullptr ? FindPort(m_state->network, 0) : entry;
+    PortEntry* entry = FindPort(state->network, instrumentPort);
+    entry = entry == nullptr ? FindPort(state->network, 0) : entry;
     if (entry == nullptr) {
         return false;
     }
@@ -46,21 +44,18 @@ bool Board::MapPort(int instrumentPort, int realPort) {
 }
 
 void Board::UnmapPort(int instrumentPort) {
-    const BoardLock lock(*m_state);
-    PortEntry* entry = IsPort(instrumentPort) ? FindPort(m_state->network, instrumentPort) : nullptr;
+    const BoardLock state(*m_state);
+    PortEntry* entry = IsPort(instrumentPort) ? FindPort(state->network, instrumentPort) : nullptr;
     if (entry != nullptr) {
         *entry = {};
     }
 }
 
-void Board::SetLoopbackOpen(bool open) {
-    const BoardLock lock(*m_state);
-    m_state->network.open = open;
-}
+void Board::SetLoopbackOpen(bool open) { BoardLock(*m_state)->network.open = open; }
 
 void Board::SetHostName(const std::string& name) {
-    const BoardLock lock(*m_state);
-    std::snprintf(m_state->network.hostName, sizeof(m_state->network.hostName), "%s", name.c_str());
+    const BoardLock state(*m_state);
+    std::snprintf(state->network.hostName, sizeof(state->network.hostName), "%s", name.c_str());
 }
 
 }  // namespace Bench

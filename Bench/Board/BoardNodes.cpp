@@ -1,7 +1,8 @@
-// Which path is which device file, and the way from a file to its family.
+// Finds the device file of a path, and calls the file's family.
 #include <algorithm>
 #include <cerrno>
-#include <string_view>
+#include <cstdarg>
+#include <cstdio>
 
 #include "Bench/Board/BoardState.h"
 
@@ -9,67 +10,63 @@ namespace Bench {
 
 namespace {
 
-constexpr std::string_view GpioFolder = "/sys/class/gpio/";
-constexpr std::string_view PwmFolder = "/sys/class/pwm/pwmchip0/";
-constexpr std::string_view IioFolder = "/sys/bus/iio/devices/iio:device0/";
+constexpr std::string_view SpiPath = "/dev/spidev32765.1";
+constexpr std::string_view MemoryPath = "/dev/mem";
+
+constexpr struct {
+    std::string_view folder;
+    Node (*find)(const BoardState& state, std::string_view name);
+} Folders[] = {
+    {"/sys/class/gpio/", FindGpioNode},
+    {"/sys/class/pwm/pwmchip0/", FindPwmNode},
+    {"/sys/bus/iio/devices/iio:device0/", FindIioNode},
+};
 
 }  // namespace
 
-bool IsDevice(Node node) {
-    return node.family != Family::None && node.family != Family::Regular && node.family != Family::Card &&
-           node.family != Family::Socket;
+void Put(Buffer& buffer, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int count = std::vsnprintf(buffer.data + buffer.used, buffer.size - buffer.used, format, arguments);
+    va_end(arguments);
+    if (count > 0) {
+        buffer.used = std::min(buffer.used + static_cast<std::size_t>(count), buffer.size - 1);
+    }
 }
+
+bool IsBelow(std::string_view path, std::string_view folder) {
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+bool IsDevice(Node node) { return node.family >= Family::Gpio && node.family <= Family::Memory; }
 
 bool IsCharacterDevice(Node node) { return node.family == Family::Spi || node.family == Family::Memory; }
 
 Node FindNode(const BoardState& state, std::string_view path) {
-    if (path.starts_with(GpioFolder)) {
-        return FindGpioNode(state, path.substr(GpioFolder.size()));
+    for (const auto& row : Folders) {
+        if (path.starts_with(row.folder)) {
+            return row.find(state, path.substr(row.folder.size()));
+        }
     }
-    if (path.starts_with(PwmFolder)) {
-        return FindPwmNode(state, path.substr(PwmFolder.size()));
-    }
-    if (path.starts_with(IioFolder)) {
-        return FindIioNode(state, path.substr(IioFolder.size()));
-    }
-    if (path == "/dev/spidev32765.1") {
-        return {Family::Spi};
-    }
-    if (path == "/dev/mem") {
-        return {Family::Memory};
-    }
-    return {};
+    return {path == SpiPath ? Family::Spi : path == MemoryPath ? Family::Memory : Family::None};
 }
 
 bool NodeAlive(const BoardState& state, Node node) {
     char space[PathLength] = {};
     Buffer path{space, sizeof(space)};
     NodePath(node, path);
-    return FindNode(state, {space, path.used}).family == node.family;
+    return FindNode(state, path.Text()).family == node.family;
 }
 
 void NodePath(Node node, Buffer& path) {
-    switch (node.family) {
-        case Family::Gpio:
-            GpioPath(node, path);
-            break;
-        case Family::Pwm:
-            PwmPath(node, path);
-            break;
-        case Family::Iio:
-            IioPath(node, path);
-            break;
-        case Family::Spi:
-            Put(path, "/dev/spidev32765.1");
-            break;
-        case Family::Memory:
-            Put(path, "/dev/mem");
-            break;
-        case Family::None:
-        case Family::Regular:
-        case Family::Card:
-        case Family::Socket:
-            break;
+    if (node.family == Family::Gpio) {
+        GpioPath(node, path);
+    } else if (node.family == Family::Pwm) {
+        PwmPath(node, path);
+    } else if (node.family == Family::Iio) {
+        IioPath(node, path);
+    } else if (IsCharacterDevice(node)) {
+        Put(path, "%s", (node.family == Family::Spi ? SpiPath : MemoryPath).data());
     }
 }
 
@@ -85,7 +82,7 @@ void NodeContent(BoardState& state, Node node, Buffer& content) {
 
 int NodeWrite(BoardState& state, Node node, std::string_view data) {
     const std::string_view text = data.ends_with('\n') ? data.substr(0, data.size() - 1) : data;
-    int error = EIO;  // the on-chip converter's files take nothing
+    int error = EIO;  // the on-chip converter's files are read-only
     const bool refused = WriteRefused(state, node);
     if (!refused && node.family == Family::Gpio) {
         error = GpioWrite(state, node, text);
@@ -96,8 +93,7 @@ int NodeWrite(BoardState& state, Node node, std::string_view data) {
     Buffer path{space, sizeof(space)};
     NodePath(node, path);
     const int length = static_cast<int>(std::min<std::size_t>(text.size(), TraceTextLength));
-    TraceAct(state, "%s=%.*s%s%s", space, length, text.data(), error == 0 ? "" : " !",
-             error == 0 ? "" : ErrorName(error));
+    Trace(state, error, "%s=%.*s", space, length, text.data());
     return error;
 }
 

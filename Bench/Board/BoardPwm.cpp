@@ -1,6 +1,6 @@
 // The kernel's files of PWM chip 0.
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 
 #include "Bench/Board/BoardState.h"
@@ -11,20 +11,7 @@ namespace {
 
 enum PwmFile : std::uint8_t { CountFile, ExportFile, UnexportFile, EnableFile, PeriodFile, DutyFile };
 
-constexpr struct {
-    std::string_view name;
-    PwmFile file;
-} ChipFiles[] = {{"npwm", CountFile}, {"export", ExportFile}, {"unexport", UnexportFile}};
-
-constexpr struct {
-    std::string_view name;
-    PwmFile file;
-} ChannelFiles[] = {{"enable", EnableFile}, {"period", PeriodFile}, {"duty_cycle", DutyFile}};
-
-bool ParseNumber(std::string_view text, std::uint32_t& number) {
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    return !text.empty() && result.ec == std::errc() && result.ptr == text.data() + text.size();
-}
+constexpr std::string_view FileNames[] = {"npwm", "export", "unexport", "enable", "period", "duty_cycle"};
 
 int Claim(BoardState& state, std::uint32_t channel, bool claim) {
     if (channel >= PwmChannels) {
@@ -38,88 +25,49 @@ int Claim(BoardState& state, std::uint32_t channel, bool claim) {
     pwm.exported = claim;
     char folder[64];
     std::snprintf(folder, sizeof(folder), "/sys/class/pwm/pwmchip0/pwm%u", channel);
-    if (claim) {
-        MakeShadowDirectory(state, folder, {"enable", "period", "duty_cycle"});
-    } else {
-        RemoveShadowDirectory(state, folder, {"enable", "period", "duty_cycle"});
-    }
+    SetShadowFolder(state, folder, {"enable", "period", "duty_cycle"}, claim);
     return 0;
 }
 
-int SetEnable(PwmState& pwm, std::uint32_t value) {
-    if (value > 1 || (value == 1 && pwm.period == 0)) {
-        return EINVAL;
-    }
-    pwm.enabled = value == 1;
-    return 0;
-}
-
-int SetPeriod(PwmState& pwm, std::uint32_t value) {
-    if (value == 0 || value < pwm.duty) {
-        return EINVAL;
-    }
-    pwm.period = value;
-    return 0;
-}
-
-int SetDuty(PwmState& pwm, std::uint32_t value) {
-    if (value > pwm.period) {
-        return EINVAL;
-    }
-    pwm.duty = value;
-    return 0;
+// Sets the field if the value is valid.
+template <typename Field>
+int Set(Field& field, std::uint32_t value, bool isValid) {
+    field = isValid ? static_cast<Field>(value) : field;
+    return isValid ? 0 : EINVAL;
 }
 
 }  // namespace
 
 Node FindPwmNode(const BoardState& state, std::string_view name) {
-    for (const auto& row : ChipFiles) {
-        if (row.name == name) {
-            return {Family::Pwm, row.file};
-        }
+    const std::size_t slash = name.find('/');
+    const auto* file = std::find(std::begin(FileNames), std::end(FileNames), name.substr(slash + 1));
+    const auto index = static_cast<std::uint8_t>(file - std::begin(FileNames));
+    if (file == std::end(FileNames) || (slash != std::string_view::npos) != (index >= EnableFile)) {
+        return {};
     }
-    if (name.size() < 6 || !name.starts_with("pwm") || name[4] != '/' || name[3] < '0' ||
-        name[3] >= '0' + PwmChannels) {
+    if (index < EnableFile) {
+        return {Family::Pwm, index};
+    }
+    if (slash != 4 || !name.starts_with("pwm") || name[3] < '0' || name[3] >= '0' + PwmChannels) {
         return {};
     }
     const auto channel = static_cast<std::uint8_t>(name[3] - '0');
-    if (!state.pwm[channel].exported) {
-        return {};
-    }
-    for (const auto& row : ChannelFiles) {
-        if (row.name == name.substr(5)) {
-            return {Family::Pwm, row.file, channel};
-        }
-    }
-    return {};
+    return state.pwm[channel].exported ? Node{Family::Pwm, index, channel} : Node{};
 }
 
 void PwmPath(Node node, Buffer& path) {
-    if (node.file < EnableFile) {
-        Put(path, "/sys/class/pwm/pwmchip0/%s", ChipFiles[node.file].name.data());
-    } else {
-        Put(path, "/sys/class/pwm/pwmchip0/pwm%u/%s", static_cast<unsigned>(node.first),
-            ChannelFiles[node.file - EnableFile].name.data());
+    Put(path, "/sys/class/pwm/pwmchip0/");
+    if (node.file >= EnableFile) {
+        Put(path, "pwm%u/", static_cast<unsigned>(node.first));
     }
+    Put(path, "%s", FileNames[node.file].data());
 }
 
 void PwmContent(BoardState& state, Node node, Buffer& content) {
     const PwmState& pwm = state.pwm[node.first];
-    switch (node.file) {
-        case CountFile:
-            Put(content, "%d\n", PwmChannels);
-            break;
-        case EnableFile:
-            Put(content, "%d\n", pwm.enabled ? 1 : 0);
-            break;
-        case PeriodFile:
-            Put(content, "%llu\n", static_cast<unsigned long long>(pwm.period));
-            break;
-        case DutyFile:
-            Put(content, "%llu\n", static_cast<unsigned long long>(pwm.duty));
-            break;
-        default:
-            break;
+    const std::uint64_t numbers[] = {PwmChannels, 0, 0, pwm.enabled ? 1U : 0U, pwm.period, pwm.duty};
+    if (node.file != ExportFile && node.file != UnexportFile) {
+        Put(content, "%llu\n", static_cast<unsigned long long>(numbers[node.file]));
     }
 }
 
@@ -138,11 +86,11 @@ int PwmWrite(BoardState& state, Node node, std::string_view text) {
         case UnexportFile:
             return Claim(state, value, false);
         case EnableFile:
-            return SetEnable(pwm, value);
+            return Set(pwm.enabled, value, value == 0 || (value == 1 && pwm.period != 0));
         case PeriodFile:
-            return SetPeriod(pwm, value);
+            return Set(pwm.period, value, value != 0 && value >= pwm.duty);
         default:
-            return SetDuty(pwm, value);
+            return Set(pwm.duty, value, value <= pwm.period);
     }
 }
 
@@ -150,8 +98,7 @@ PwmView Board::Pwm(int channel) const {
     if (channel < 0 || channel >= PwmChannels) {
         return {};
     }
-    const BoardLock lock(*m_state);
-    const PwmState& pwm = m_state->pwm[channel];
+    const PwmState pwm = BoardLock(*m_state)->pwm[channel];
     return {pwm.exported, pwm.enabled, pwm.period, pwm.duty};
 }
 

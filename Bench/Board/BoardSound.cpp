@@ -1,4 +1,4 @@
-// What the sound tools tell the board: their calls, and the clips that play.
+// What the sound tools report to the board: their calls, and the clips that play.
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
@@ -9,23 +9,30 @@ namespace Bench {
 
 namespace {
 
-// The clip among those that play which was started last; null in silence.
-const PlayerEntry* LastPlayer(const BoardState& state) {
-    const std::int64_t now = MonotonicNow(state.clock);
+// The player started last among those that `matches` accepts; null if there is none.
+template <typename Matches>
+const PlayerEntry* LastPlayer(const BoardState& state, Matches matches) {
     const PlayerEntry* last = nullptr;
     for (const PlayerEntry& player : state.sound.players) {
-        if (player.ends > now && (last == nullptr || player.number > last->number)) {
+        if (matches(player) && (last == nullptr || player.number > last->number)) {
             last = &player;
         }
     }
     return last;
 }
 
-// Where a new clip is written: that of a player that has ended, else of the one that ends first.
+const PlayerEntry* LastPlaying(const BoardState& state) {
+    const std::int64_t now = MonotonicNow(state.clock);
+    return LastPlayer(state, [now](const PlayerEntry& player) { return player.ends > now; });
+}
+
+// The entry for a new clip: that of the player that has ended or ends first.
 PlayerEntry& FreePlayer(SoundState& sound) {
     return *std::min_element(std::begin(sound.players), std::end(sound.players),
                              [](const PlayerEntry& left, const PlayerEntry& right) { return left.ends < right.ends; });
 }
+
+std::string NameOf(const PlayerEntry* player) { return player == nullptr ? "" : player->name; }
 
 }  // namespace
 
@@ -33,10 +40,10 @@ void NoteSoundCall(BoardState& state, const char* line) {
     SoundState& sound = state.sound;
     std::snprintf(sound.calls[sound.called % SoundCallsKept], SoundLineLength, "%s", line);
     ++sound.called;
-    TraceAct(state, "run %s", line);
+    Trace(state, 0, "run %s", line);
 }
 
-bool SoundPlays(const BoardState& state) { return state.audioPlaying || LastPlayer(state) != nullptr; }
+bool SoundPlays(const BoardState& state) { return state.audioPlaying || LastPlaying(state) != nullptr; }
 
 void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds, pid_t loop) {
     std::int64_t end = 0;
@@ -52,7 +59,7 @@ void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds, pid
         std::snprintf(player.name, sizeof(player.name), "%s", name);
         Changed(state);
     }
-    constexpr std::int64_t Slice = 100000000;  // real: so soon the end of the run is seen
+    constexpr std::int64_t Slice = 100000000;  // real: the end of the run is noticed this late
     for (std::int64_t now = MonotonicNow(state.clock); now < end && state.run.load() == run;
          now = MonotonicNow(state.clock)) {
         const std::uint32_t seen = state.clock.changes.load();
@@ -62,8 +69,8 @@ void PlayClip(BoardState& state, const char* name, std::int64_t nanoSeconds, pid
 }
 
 std::vector<std::string> Board::SoundCalls() const {
-    const BoardLock lock(*m_state);
-    const SoundState& sound = m_state->sound;
+    const BoardLock state(*m_state);
+    const SoundState& sound = state->sound;
     const std::uint64_t kept = sound.called > SoundCallsKept ? sound.called - SoundCallsKept : 0;
     std::vector<std::string> list;
     for (std::uint64_t i = std::max(kept, sound.cleared); i < sound.called; ++i) {
@@ -73,31 +80,17 @@ std::vector<std::string> Board::SoundCalls() const {
 }
 
 void Board::ClearSoundCalls() {
-    const BoardLock lock(*m_state);
-    m_state->sound.cleared = m_state->sound.called;
+    const BoardLock state(*m_state);
+    state->sound.cleared = state->sound.called;
 }
 
-bool Board::SoundPlaying() const {
-    const BoardLock lock(*m_state);
-    return SoundPlays(*m_state);
-}
+bool Board::SoundPlaying() const { return SoundPlays(*BoardLock(*m_state)); }
+std::string Board::PlayingClip() const { return NameOf(LastPlaying(*BoardLock(*m_state))); }
 
 std::string Board::LoopingClip() const {
-    const BoardLock lock(*m_state);
-    const PlayerEntry* last = nullptr;
-    for (const PlayerEntry& player : m_state->sound.players) {
-        const bool loops = player.loop > 0 && kill(player.loop, 0) == 0;
-        if (loops && (last == nullptr || player.number > last->number)) {
-            last = &player;
-        }
-    }
-    return last == nullptr ? "" : last->name;
-}
-
-std::string Board::PlayingClip() const {
-    const BoardLock lock(*m_state);
-    const PlayerEntry* player = LastPlayer(*m_state);
-    return player == nullptr ? "" : player->name;
+    const BoardLock state(*m_state);
+    return NameOf(
+        LastPlayer(*state, [](const PlayerEntry& player) { return player.loop > 0 && kill(player.loop, 0) == 0; }));
 }
 
 }  // namespace Bench

@@ -1,5 +1,5 @@
-// The SPI bus with the 24-bit converter on it. A command word starts a conversion; the reading is taken when it ends
-// and waits for the next read.
+// The SPI bus with the 24-bit converter. A command word starts a conversion; the reading is taken at its end and
+// returned by the next read.
 #include <linux/spi/spidev.h>
 #include <sys/ioctl.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t WordSize = 2;
 constexpr std::uint32_t NotReady = 0xFFFFFFFF;
-constexpr std::uint32_t ReadingMask = 0x1FFFFFF;  // 25 bits, the highest set for a value that is not negative
+constexpr std::uint32_t ReadingMask = 0x1FFFFFF;  // 25 bits; the highest is set for a value of 0 or more
 constexpr int ReadingShift = 5;
 constexpr int TemperatureChannel = 200;
 constexpr std::uint16_t TemperatureCommand = 0xA0C0;
@@ -45,7 +45,7 @@ void StartConversion(BoardState& state, std::uint16_t command) {
     spi.conversionEnds = MonotonicNow(state.clock) + spi.conversionMilliseconds * (NanoSecondsPerSecond / 1000);
 }
 
-// Hexadecimal words as the bus carries them, an odd byte at the end by itself.
+// Hexadecimal words as on the bus; an odd last byte alone.
 void PutWords(Buffer& text, const void* data, std::size_t size) {
     const auto* bytes = static_cast<const unsigned char*>(data);
     for (std::size_t i = 0; i + WordSize <= size; i += WordSize) {
@@ -62,8 +62,7 @@ void TraceWords(BoardState& state, const char* act, const void* data, std::size_
     char space[TraceTextLength] = {};
     Buffer text{space, sizeof(space)};
     PutWords(text, data, size);
-    TraceAct(state, "spi %s%s%s%s%s", act, text.used > 0 ? " " : "", space, error == 0 ? "" : " !",
-             error == 0 ? "" : ErrorName(error));
+    Trace(state, error, "spi %s%s%s", act, text.used > 0 ? " " : "", space);
 }
 
 void TakeCommand(BoardState& state, const void* data, std::size_t size) {
@@ -74,14 +73,14 @@ void TakeCommand(BoardState& state, const void* data, std::size_t size) {
     }
 }
 
-// The words of the next answer, first in the high half; `limit` falls to the bytes that a short transfer moves.
+// The words of the next answer, the first in the high half. A short transfer reduces `limit` to the bytes it moves.
 int AnswerWords(BoardState& state, std::uint32_t& words, std::size_t& limit) {
     SpiState& spi = state.spi;
     const SpiAnswer* scripted = NextAnswer(spi.reads);
     SpiAnswer answer = scripted != nullptr ? *scripted : SpiAnswer::Raw(spi.result);
-    if (scripted == nullptr && FaultActive(state, FaultName::SpiEcho)) {
+    if (scripted == nullptr && FaultActive(state, "spi-echo")) {
         answer = SpiAnswer::Echo();
-    } else if (scripted == nullptr && FaultActive(state, FaultName::SpiShort)) {
+    } else if (scripted == nullptr && FaultActive(state, "spi-short")) {
         answer = SpiAnswer::Short(limit / 2);
     }
     words = answer.kind == SpiAnswer::Kind::Echo ? std::uint32_t{spi.lastCommand} << 16U : answer.words;
@@ -99,8 +98,8 @@ void StoreWords(std::uint32_t words, void* data, std::size_t size) {
 }
 
 int Transfer(BoardState& state, const spi_ioc_transfer& transfer, int& moved) {
-    constexpr std::size_t MaximalLength = 4096;  // of the kernel's driver
-    if (transfer.len > MaximalLength) {
+    constexpr std::size_t MaxLength = 4096;  // of the kernel's driver
+    if (transfer.len > MaxLength) {
         return EMSGSIZE;
     }
     char sent[TraceTextLength] = {};
@@ -121,7 +120,7 @@ int Transfer(BoardState& state, const spi_ioc_transfer& transfer, int& moved) {
         PutWords(gotText, in, transfer.len);
     }
     moved += static_cast<int>(limit);
-    TraceAct(state, "spi transfer %s > %s%s%s", sent, got, error == 0 ? "" : "!", error == 0 ? "" : ErrorName(error));
+    Trace(state, error, "spi transfer %s >%s%s", sent, error == 0 ? " " : "", got);
     return error;
 }
 
@@ -147,10 +146,10 @@ template <typename Value>
 int Setting(BoardState& state, unsigned long request, void* argument, Value& setting) {
     if (_IOC_DIR(request) == _IOC_WRITE) {
         std::memcpy(&setting, argument, sizeof(setting));
-        TraceAct(state, "ioctl /dev/spidev32765.1 0x%08lx=%u", request, static_cast<unsigned>(setting));
+        Trace(state, 0, "ioctl /dev/spidev32765.1 0x%08lx=%u", request, static_cast<unsigned>(setting));
     } else {
         std::memcpy(argument, &setting, sizeof(setting));
-        TraceAct(state, "ioctl /dev/spidev32765.1 0x%08lx", request);
+        Trace(state, 0, "ioctl /dev/spidev32765.1 0x%08lx", request);
     }
     return 0;
 }
@@ -167,33 +166,11 @@ SpiAnswer SpiAnswer::Words(std::uint16_t first, std::uint16_t second) {
     return Raw(std::uint32_t{first} << 16U | second);
 }
 
-SpiAnswer SpiAnswer::Raw(std::uint32_t words) {
-    SpiAnswer answer;
-    answer.words = words;
-    return answer;
-}
-
+SpiAnswer SpiAnswer::Raw(std::uint32_t words) { return {.words = words}; }
 SpiAnswer SpiAnswer::Count(std::int32_t count) { return Raw(WordsOf(count)); }
-
-SpiAnswer SpiAnswer::Echo() {
-    SpiAnswer answer;
-    answer.kind = Kind::Echo;
-    return answer;
-}
-
-SpiAnswer SpiAnswer::Short(std::size_t bytes) {
-    SpiAnswer answer;
-    answer.kind = Kind::Short;
-    answer.bytes = bytes;
-    return answer;
-}
-
-SpiAnswer SpiAnswer::Fail(int error) {
-    SpiAnswer answer;
-    answer.kind = Kind::Fail;
-    answer.error = error;
-    return answer;
-}
+SpiAnswer SpiAnswer::Echo() { return {.kind = Kind::Echo}; }
+SpiAnswer SpiAnswer::Short(std::size_t bytes) { return {.kind = Kind::Short, .bytes = bytes}; }
+SpiAnswer SpiAnswer::Fail(int error) { return {.kind = Kind::Fail, .error = error}; }
 
 void FinishConversion(BoardState& state) {
     SpiState& spi = state.spi;
@@ -204,7 +181,7 @@ void FinishConversion(BoardState& state) {
 }
 
 bool EndOfConversionLevel(const BoardState& state) {
-    if (FaultActive(state, FaultName::EocStuck) || state.spi.endOfConversion == EndOfConversion::StuckHigh) {
+    if (FaultActive(state, "eoc-stuck") || state.spi.endOfConversion == EndOfConversion::StuckHigh) {
         return true;
     }
     return state.spi.endOfConversion == EndOfConversion::Normal && state.spi.converting;
@@ -220,7 +197,7 @@ int SpiWrite(BoardState& state, const void* data, std::size_t size, std::size_t&
         error = answer->error;
     } else if (answer != nullptr && answer->kind == SpiAnswer::Kind::Short) {
         moved = std::min(size, answer->bytes);
-    } else if (answer == nullptr && FaultActive(state, FaultName::SpiShort)) {
+    } else if (answer == nullptr && FaultActive(state, "spi-short")) {
         moved = size / 2;
     }
     if (error == 0) {
@@ -264,42 +241,30 @@ int SpiIoctl(BoardState& state, unsigned long request, void* argument, int& resu
     return message ? Message(state, request, argument, result) : ENOTTY;
 }
 
-std::uint16_t Board::LastCommand() const {
-    const BoardLock lock(*m_state);
-    return m_state->spi.lastCommand;
-}
+std::uint16_t Board::LastCommand() const { return BoardLock(*m_state)->spi.lastCommand; }
 
-std::size_t Board::CommandCount() const {
-    const BoardLock lock(*m_state);
-    return static_cast<std::size_t>(m_state->spi.commands);
-}
+std::size_t Board::CommandCount() const { return static_cast<std::size_t>(BoardLock(*m_state)->spi.commands); }
 
-void Board::ScriptSpiRead(const std::vector<SpiAnswer>& answers) {
-    const BoardLock lock(*m_state);
-    SetScript(m_state->spi.reads, answers);
-}
+void Board::ScriptSpiRead(const std::vector<SpiAnswer>& answers) { SetScript(BoardLock(*m_state)->spi.reads, answers); }
 
 void Board::ScriptSpiWrite(const std::vector<SpiAnswer>& answers) {
-    const BoardLock lock(*m_state);
-    SetScript(m_state->spi.writes, answers);
+    SetScript(BoardLock(*m_state)->spi.writes, answers);
 }
 
 void Board::SetConverterChannel(int channel, std::int32_t count) {
-    const BoardLock lock(*m_state);
     if (channel > 0 && channel < ConverterChannels) {
-        m_state->spi.counts[channel] = count;
+        BoardLock(*m_state)->spi.counts[channel] = count;
     }
 }
 
-void Board::SetEndOfConversion(EndOfConversion behaviour) {
-    const BoardLock lock(*m_state);
-    m_state->spi.endOfConversion = behaviour;
-    Changed(*m_state);
+void Board::SetEndOfConversion(EndOfConversion behavior) {
+    const BoardLock state(*m_state);
+    state->spi.endOfConversion = behavior;
+    Changed(*state);
 }
 
 void Board::SetConversionTime(int milliseconds) {
-    const BoardLock lock(*m_state);
-    m_state->spi.conversionMilliseconds = std::max(milliseconds, 0);
+    BoardLock(*m_state)->spi.conversionMilliseconds = std::max(milliseconds, 0);
 }
 
 }  // namespace Bench

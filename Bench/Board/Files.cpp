@@ -1,9 +1,8 @@
-// Opening, reading, writing and closing files of the board, below both the descriptor hooks and the stream hooks.
+// Opening, reading, writing and closing files of the board, for both the descriptor hooks and the stream hooks.
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -15,50 +14,44 @@ namespace Bench {
 namespace {
 
 constexpr const char* DeviceTree = "/sys/";  // folders of devices are ordinary folders
-constexpr std::size_t PageSize = 4096;       // what a file of the kernel's can hold
+constexpr std::size_t PageSize = 4096;       // the most that a kernel file holds
 
-template <typename Result>
-Result Refuse(int error, Result result) {
-    errno = error;
-    return result;
-}
-
-// Puts the device file's present text into the memory file behind the descriptor.
-int Regenerate(BoardState& state, int file, Node node) {
+// Writes the device file's present text into the memory file of the descriptor. 0 or an error number.
+int Regenerate(const BoardFile& file) {
     char text[PageSize];
     Buffer content{text, sizeof(text)};
     {
-        const BoardLock lock(state);
-        if (!NodeAlive(state, node)) {
+        const BoardLock state(*file.state);
+        if (!NodeAlive(*state, file.node)) {
             return ENODEV;
         }
-        NodeContent(state, node, content);
-        if (IsGpioValue(node)) {
-            SetSeenEdges(file, EdgeCount(state, node.first, node.second));
+        NodeContent(*state, file.node, content);
+        if (IsGpioValue(file.node)) {
+            file.open->seenEdges.store(EdgeCount(*state, LineOf(file.node)));
         }
     }
-    const bool done = Real::ftruncate64(file, 0) == 0 &&
-                      Real::pwrite64(file, text, content.used, 0) == static_cast<ssize_t>(content.used);
+    const bool done = Real::ftruncate64(file.file, 0) == 0 &&
+                      Real::pwrite64(file.file, text, content.used, 0) == static_cast<ssize_t>(content.used);
     return done ? 0 : EIO;
 }
 
-int OpenDevice(BoardState& state, Node node, int flags) {
+int OpenDevice(Node node, int flags) {
     if ((flags & O_DIRECTORY) != 0) {
-        return Refuse(ENOTDIR, -1);
+        return Answer(ENOTDIR);
     }
     constexpr unsigned CloseOnExec = 1;
     const int file = static_cast<int>(syscall(SYS_memfd_create, "board", (flags & O_CLOEXEC) != 0 ? CloseOnExec : 0U));
     if (file < 0) {
         return -1;
     }
-    if (!IsCharacterDevice(node)) {
-        const int error = Regenerate(state, file, node);
-        if (error != 0) {
-            Real::close(file);
-            return Refuse(error, -1);
-        }
-    }
     RememberFile(file, node, flags & O_ACCMODE);
+    const BoardFile opened = FindFile(file);
+    const int error = !opened ? EMFILE : IsCharacterDevice(node) ? 0 : Regenerate(opened);
+    if (error != 0) {
+        CloseFile(file);
+        return Answer(error);
+    }
+    opened.open->seenEdges.store(~0U);  // poll reports an edge for a newly opened file
     return file;
 }
 
@@ -68,7 +61,7 @@ int OpenOrdinary(BoardState& state, const Target& target, int flags, mode_t mode
         const BoardLock lock(state);
         const int error = CardAccessError(state, true);
         if (error == EROFS || (error == ENOSPC && Real::access(target.path, F_OK) != 0)) {
-            return Refuse(error, -1);
+            return Answer(error);
         }
     }
     const int file = Real::open64(target.path, flags, mode);
@@ -78,110 +71,108 @@ int OpenOrdinary(BoardState& state, const Target& target, int flags, mode_t mode
     return file;
 }
 
-ssize_t WriteToCard(BoardState& state, int file, const void* data, std::size_t size) {
-    const ssize_t written = Real::write(file, data, size);
-    const DeviceCall call(state);  // from here on the board alone has something to do
+ssize_t WriteToCard(const BoardFile& file, const void* data, std::size_t size) {
+    const ssize_t written = Real::write(file.file, data, size);
+    const DeviceCall call(*file.state);  // from here on only the board's own work
     char link[32];
-    std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file);
+    std::snprintf(link, sizeof(link), "/proc/self/fd/%d", file.file);
     char path[PathLength] = {};
     const char* name = readlink(link, path, sizeof(path) - 1) > 0 ? std::strrchr(path, '/') : nullptr;
     if (written >= 0 && name != nullptr) {
-        const BoardLock lock(state);
-        TraceAct(state, "card %s %zd", name + 1, written);
+        Trace(*BoardLock(*file.state), 0, "card %s %zd", name + 1, written);
     }
     return written;
 }
 
-}  // namespace
-
-int CountOrFail(BoardState& state, Call call) {
-    int error = 0;
-    {
-        const BoardLock lock(state);
-        error = CountCall(state, call);
+// 0 or an error number.
+int WriteDevice(const BoardFile& file, const void* data, std::size_t size, std::size_t& moved) {
+    const BoardLock state(*file.state);
+    moved = size;
+    if (file.node.family == Family::Spi) {
+        return SpiWrite(*state, data, size, moved);
     }
-    return error == 0 ? 0 : Refuse(error, -1);
+    if (!NodeAlive(*state, file.node)) {
+        return ENODEV;
+    }
+    return size > 0 ? NodeWrite(*state, file.node, {static_cast<const char*>(data), size}) : 0;
 }
 
-int OpenFile(BoardState& state, Call kind, const char* path, int flags, mode_t mode, bool& passedOn) {
-    DeviceCall call(state);  // what it takes to see whose path this is counts in any case
+}  // namespace
+
+int CountOrFail(BoardState& state, Call call) { return Answer(CountCall(*BoardLock(state), call)); }
+
+int CountOrFail(const BoardFile& file, Call call, bool writing) {
+    const BoardLock state(*file.state);
+    int error = CountCall(*state, call);
+    if (error == 0 && file.node.family == Family::Card) {
+        error = CardAccessError(*state, writing);
+    }
+    return Answer(error);
+}
+
+int OpenPath(BoardState& state, Call kind, const char* path, int flags, mode_t mode, bool& passedOn) {
+    DeviceCall call(state);  // finding out whether the path is the board's counts in any case
     Target target;
     Resolve(state, path, target);
     passedOn = !target.inside;
     call.Is(target.inside && (IsDevice(target.node) || std::strncmp(path, DeviceTree, std::strlen(DeviceTree)) == 0));
-    if (passedOn) {
-        return -1;
-    }
-    if (CountOrFail(state, kind) != 0) {
+    if (passedOn || CountOrFail(state, kind) != 0) {
         return -1;
     }
     if (target.error != 0) {
-        return Refuse(target.error, -1);
+        return Answer(target.error);
     }
-    return IsDevice(target.node) ? OpenDevice(state, target.node, flags) : OpenOrdinary(state, target, flags, mode);
+    return IsDevice(target.node) ? OpenDevice(target.node, flags) : OpenOrdinary(state, target, flags, mode);
 }
 
-ssize_t ReadFile(BoardState& state, int file, Node node, void* data, std::size_t size) {
-    if (node.family == Family::Socket) {
-        return ReceiveBytes(state, file, node, Call::Read, data, size, 0);
+ssize_t ReadFile(const BoardFile& file, void* data, std::size_t size) {
+    if (file.node.family == Family::Socket) {
+        return ReceiveBytes(file, "read", data, size, 0);
     }
-    const DeviceCall call(state, IsDevice(node));
-    if (CountOrFail(state, Call::Read) != 0) {
+    const DeviceCall call(*file.state, IsDevice(file.node));
+    if (CountOrFail(*file.state, "read") != 0) {
         return -1;
     }
-    if (FileAccess(file) == O_WRONLY) {
-        return Refuse<ssize_t>(EBADF, -1);
+    if (file.open->access == O_WRONLY) {
+        return Answer<ssize_t>(EBADF);
     }
-    if (node.family == Family::Spi) {
+    if (file.node.family == Family::Spi) {
         std::size_t moved = 0;
-        const BoardLock lock(state);
-        const int error = SpiRead(state, data, size, moved);
-        return error == 0 ? static_cast<ssize_t>(moved) : Refuse<ssize_t>(error, -1);
+        const int error = SpiRead(*BoardLock(*file.state), data, size, moved);
+        return Answer(error, static_cast<ssize_t>(moved));
     }
     int error = 0;
-    if (node.family == Family::Card) {
-        const BoardLock lock(state);
-        error = CardAccessError(state, false);
-    } else if (IsDevice(node) && node.family != Family::Memory && Real::lseek64(file, 0, SEEK_CUR) == 0) {
-        error = Regenerate(state, file, node);
+    if (file.node.family == Family::Card) {
+        error = CardAccessError(*BoardLock(*file.state), false);
+    } else if (IsDevice(file.node) && file.node.family != Family::Memory &&
+               Real::lseek64(file.file, 0, SEEK_CUR) == 0) {
+        error = Regenerate(file);
     }
-    return error == 0 ? Real::read(file, data, size) : Refuse<ssize_t>(error, -1);
+    return error == 0 ? Real::read(file.file, data, size) : Answer<ssize_t>(error);
 }
 
-ssize_t WriteFile(BoardState& state, int file, Node node, const void* data, std::size_t size) {
-    if (node.family == Family::Socket) {
-        return SendBytes(state, file, Call::Write, data, size, 0);
+ssize_t WriteFile(const BoardFile& file, const void* data, std::size_t size) {
+    if (file.node.family == Family::Socket) {
+        return SendBytes(file, "write", data, size, 0);
     }
-    const DeviceCall call(state, IsDevice(node));
-    if (CountOrFail(state, Call::Write) != 0) {
+    const DeviceCall call(*file.state, IsDevice(file.node));
+    if (CountOrFail(*file.state, "write") != 0) {
         return -1;
     }
-    if (FileAccess(file) == O_RDONLY) {
-        return Refuse<ssize_t>(EBADF, -1);
+    if (file.open->access == O_RDONLY) {
+        return Answer<ssize_t>(EBADF);
     }
-    if (node.family == Family::Regular) {
-        return Real::write(file, data, size);
+    if (file.node.family == Family::Regular) {
+        return Real::write(file.file, data, size);
     }
-    if (node.family == Family::Card) {
-        WaitForSlowCard(state, node);
-        int error = 0;
-        {
-            const BoardLock lock(state);
-            error = CardAccessError(state, true);
-        }
-        return error == 0 ? WriteToCard(state, file, data, size) : Refuse<ssize_t>(error, -1);
+    if (file.node.family == Family::Card) {
+        WaitForSlowCard(file);
+        const int error = CardAccessError(*BoardLock(*file.state), true);
+        return error == 0 ? WriteToCard(file, data, size) : Answer<ssize_t>(error);
     }
-    const BoardLock lock(state);
-    int error = 0;
-    std::size_t moved = size;
-    if (node.family == Family::Spi) {
-        error = SpiWrite(state, data, size, moved);
-    } else if (!NodeAlive(state, node)) {
-        error = ENODEV;
-    } else if (size > 0) {
-        error = NodeWrite(state, node, {static_cast<const char*>(data), size});
-    }
-    return error == 0 ? static_cast<ssize_t>(moved) : Refuse<ssize_t>(error, -1);
+    std::size_t moved = 0;
+    const int error = WriteDevice(file, data, size, moved);
+    return Answer(error, static_cast<ssize_t>(moved));
 }
 
 int CloseFile(int file) {
@@ -189,14 +180,12 @@ int CloseFile(int file) {
     return Real::close(file);
 }
 
-void WaitForSlowCard(BoardState& state, Node node) {
-    std::int64_t wait = 0;
-    if (node.family == Family::Card) {
-        const BoardLock lock(state);
-        wait = state.card.slowMilliseconds * (NanoSecondsPerSecond / 1000);
-    }
-    if (wait > 0) {
-        SleepSimulated(state, wait, nullptr);
+void WaitForSlowCard(const BoardFile& file) {
+    if (file.node.family == Family::Card) {
+        const std::int64_t wait = BoardLock(*file.state)->card.slowMilliseconds;
+        if (wait > 0) {
+            SleepSimulated(*file.state, wait * (NanoSecondsPerSecond / 1000), nullptr);
+        }
     }
 }
 

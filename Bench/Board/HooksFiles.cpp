@@ -1,12 +1,12 @@
-// What a program calls on descriptors.
+// Calls on descriptors.
 #include <fcntl.h>
 #include <net/if.h>
 #include <net/if_arp.h>
 #include <sys/ioctl.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 
 #include "Bench/Board/Attachment.h"
@@ -23,48 +23,21 @@ mode_t ModeOf(int flags, va_list arguments) {
     return given ? static_cast<mode_t>(va_arg(arguments, unsigned)) : 0;
 }
 
-template <typename RealOpen>
-int OpenPath(RealOpen& real, const char* path, int flags, mode_t mode) {
+// `folder`: the first argument of openat, none for open.
+template <typename RealOpen, typename... Folder>
+int Open(RealOpen& real, const char* path, int flags, mode_t mode, Folder... folder) {
     BoardState* state = AttachedState();
     bool passedOn = true;
-    const int file = state == nullptr ? -1 : OpenFile(*state, Call::Open, path, flags, mode, passedOn);
-    return passedOn ? real(path, flags, mode) : file;
-}
-
-template <typename RealOpen>
-int OpenPathAt(RealOpen& real, int folder, const char* path, int flags, mode_t mode) {
-    BoardState* state = AttachedState();
-    bool passedOn = true;
-    const int file = state == nullptr ? -1 : OpenFile(*state, Call::Open, path, flags, mode, passedOn);
-    return passedOn ? real(folder, path, flags, mode) : file;
-}
-
-// The board's node behind the descriptor; family None sends the call on.
-Node NodeOf(BoardState* state, int file) { return state == nullptr ? Node{} : FileNode(file); }
-
-// 0, or -1 with errno, for an act on a file that needs its card.
-int CheckCard(BoardState& state, Node node, Call call, bool writing) {
-    if (CountOrFail(state, call) != 0) {
-        return -1;
-    }
-    if (node.family != Family::Card) {
-        return 0;
-    }
-    const BoardLock lock(state);
-    const int error = CardAccessError(state, writing);
-    if (error != 0) {
-        errno = error;
-    }
-    return error == 0 ? 0 : -1;
+    const int file = state == nullptr ? -1 : OpenPath(*state, "open", path, flags, mode, passedOn);
+    return passedOn ? real(folder..., path, flags, mode) : file;
 }
 
 template <typename RealSync>
 int Sync(RealSync& real, int file) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family != Family::None) {
-        WaitForSlowCard(*state, node);
-        if (CheckCard(*state, node, Call::Sync, false) != 0) {
+    const BoardFile found = FindFile(file);
+    if (found) {
+        WaitForSlowCard(found);
+        if (CountOrFail(found, "sync", false) != 0) {
             return -1;
         }
     }
@@ -73,21 +46,14 @@ int Sync(RealSync& real, int file) {
 
 template <typename RealSeek, typename Offset>
 Offset Seek(RealSeek& real, int file, Offset offset, int whence) {
-    BoardState* state = AttachedState();
-    if (NodeOf(state, file).family != Family::None && CountOrFail(*state, Call::Seek) != 0) {
-        return -1;
-    }
-    return real(file, offset, whence);
+    const BoardFile found = FindFile(file);
+    return found && CountOrFail(*found.state, "seek") != 0 ? -1 : real(file, offset, whence);
 }
 
 template <typename RealTruncate, typename Offset>
 int Truncate(RealTruncate& real, int file, Offset length) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family != Family::None && CheckCard(*state, node, Call::Truncate, true) != 0) {
-        return -1;
-    }
-    return real(file, length);
+    const BoardFile found = FindFile(file);
+    return found && CountOrFail(found, "truncate", true) != 0 ? -1 : real(file, length);
 }
 
 struct Interface {
@@ -110,23 +76,35 @@ int HardwareAddress(ifreq* request) {
             return 0;
         }
     }
-    errno = ENODEV;
-    return -1;
+    return Answer(ENODEV);
+}
+
+// `copy` is a new descriptor of the file, or below 0.
+int Copied(int file, int copy) {
+    if (copy >= 0 && copy != file) {
+        CopyFile(file, copy);
+    }
+    return copy;
 }
 
 template <typename RealControl>
 int Control(RealControl& real, int file, int command, void* argument) {
     const int result = real(file, command, argument);
-    if (result >= 0 && (command == F_DUPFD || command == F_DUPFD_CLOEXEC)) {
-        CopyFile(file, result);
-    }
+    return command == F_DUPFD || command == F_DUPFD_CLOEXEC ? Copied(file, result) : result;
+}
+
+// Reads or writes at an offset by `transfer`, and leaves the file's position unchanged.
+template <typename Transfer>
+ssize_t AtOffset(int file, off64_t offset, Transfer transfer) {
+    const off64_t before = Real::lseek64(file, 0, SEEK_CUR);
+    Real::lseek64(file, offset, SEEK_SET);
+    const ssize_t result = transfer();
+    Real::lseek64(file, before, SEEK_SET);
     return result;
 }
 
 }  // namespace
 
-// The names are those of libc.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int open(const char* path, int flags, ...) {
@@ -134,7 +112,7 @@ int open(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = ModeOf(flags, arguments);
     va_end(arguments);
-    return OpenPath(Real::open, path, flags, mode);
+    return Open(Real::open, path, flags, mode);
 }
 
 int open64(const char* path, int flags, ...) {
@@ -142,11 +120,11 @@ int open64(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = ModeOf(flags, arguments);
     va_end(arguments);
-    return OpenPath(Real::open64, path, flags, mode);
+    return Open(Real::open64, path, flags, mode);
 }
 
-int __open_2(const char* path, int flags) { return OpenPath(Real::open, path, flags, 0); }
-int __open64_2(const char* path, int flags) { return OpenPath(Real::open64, path, flags, 0); }
+int __open_2(const char* path, int flags) { return Open(Real::open, path, flags, 0); }
+int __open64_2(const char* path, int flags) { return Open(Real::open64, path, flags, 0); }
 int creat(const char* path, mode_t mode) { return open(path, O_WRONLY | O_CREAT | O_TRUNC, mode); }
 int creat64(const char* path, mode_t mode) { return open64(path, O_WRONLY | O_CREAT | O_TRUNC, mode); }
 
@@ -155,7 +133,7 @@ int openat(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = ModeOf(flags, arguments);
     va_end(arguments);
-    return OpenPathAt(Real::openat, folder, path, flags, mode);
+    return Open(Real::openat, path, flags, mode, folder);
 }
 
 int openat64(int folder, const char* path, int flags, ...) {
@@ -163,45 +141,22 @@ int openat64(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = ModeOf(flags, arguments);
     va_end(arguments);
-    return OpenPathAt(Real::openat64, folder, path, flags, mode);
+    return Open(Real::openat64, path, flags, mode, folder);
 }
 
 int close(int file) {
-    BoardState* state = AttachedState();
-    if (NodeOf(state, file).family == Family::None) {
+    const BoardFile found = FindFile(file);
+    if (!found) {
         return Real::close(file);
     }
-    const DeviceCall call(*state, IsDevice(FileNode(file)));
-    const int failed = CountOrFail(*state, Call::Close);
-    const int savedErrno = errno;
-    const int result = CloseFile(file);  // the descriptor is gone also where close fails
-    errno = failed != 0 ? savedErrno : errno;
-    return failed != 0 ? -1 : result;
+    const DeviceCall call(*found.state, IsDevice(found.node));
+    const int error = CountCall(*BoardLock(*found.state), "close");
+    return Answer(error, CloseFile(file));  // the descriptor is closed even if close fails
 }
 
-int dup(int file) noexcept {
-    const int copy = Real::dup(file);
-    if (copy >= 0) {
-        CopyFile(file, copy);
-    }
-    return copy;
-}
-
-int dup2(int file, int copy) noexcept {
-    const int result = Real::dup2(file, copy);
-    if (result >= 0 && file != copy) {
-        CopyFile(file, copy);
-    }
-    return result;
-}
-
-int dup3(int file, int copy, int flags) noexcept {
-    const int result = Real::dup3(file, copy, flags);
-    if (result >= 0) {
-        CopyFile(file, copy);
-    }
-    return result;
-}
+int dup(int file) noexcept { return Copied(file, Real::dup(file)); }
+int dup2(int file, int copy) noexcept { return Copied(file, Real::dup2(file, copy)); }
+int dup3(int file, int copy, int flags) noexcept { return Copied(file, Real::dup3(file, copy, flags)); }
 
 int fcntl(int file, int command, ...) {
     va_list arguments;
@@ -220,9 +175,8 @@ int fcntl64(int file, int command, ...) {
 }
 
 ssize_t read(int file, void* data, size_t size) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    return node.family == Family::None ? Real::read(file, data, size) : ReadFile(*state, file, node, data, size);
+    const BoardFile found = FindFile(file);
+    return found ? ReadFile(found, data, size) : Real::read(file, data, size);
 }
 
 ssize_t __read_chk(int file, void* data, size_t size, size_t space) {
@@ -233,15 +187,13 @@ ssize_t __read_chk(int file, void* data, size_t size, size_t space) {
 }
 
 ssize_t write(int file, const void* data, size_t size) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    return node.family == Family::None ? Real::write(file, data, size) : WriteFile(*state, file, node, data, size);
+    const BoardFile found = FindFile(file);
+    return found ? WriteFile(found, data, size) : Real::write(file, data, size);
 }
 
 ssize_t readv(int file, const iovec* parts, int count) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family == Family::None) {
+    const BoardFile found = FindFile(file);
+    if (!found) {
         return Real::readv(file, parts, count);
     }
     char whole[GatherSize];
@@ -249,7 +201,7 @@ ssize_t readv(int file, const iovec* parts, int count) {
     for (int i = 0; i < count; ++i) {
         size = std::min(size + parts[i].iov_len, sizeof(whole));
     }
-    const ssize_t got = ReadFile(*state, file, node, whole, size);
+    const ssize_t got = ReadFile(found, whole, size);
     std::size_t left = got > 0 ? static_cast<std::size_t>(got) : 0;
     const char* next = whole;
     for (int i = 0; i < count && left > 0; ++i) {
@@ -261,11 +213,10 @@ ssize_t readv(int file, const iovec* parts, int count) {
     return got;
 }
 
-// One write for the device, however it came; a long one to an ordinary file may be cut, as the kernel may.
+// One write for the device in any case; a long one to an ordinary file may be cut, as the kernel may do.
 ssize_t writev(int file, const iovec* parts, int count) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family == Family::None) {
+    const BoardFile found = FindFile(file);
+    if (!found) {
         return Real::writev(file, parts, count);
     }
     char whole[GatherSize];
@@ -275,39 +226,23 @@ ssize_t writev(int file, const iovec* parts, int count) {
         std::memcpy(whole + size, parts[i].iov_base, part);
         size += part;
     }
-    return WriteFile(*state, file, node, whole, size);
+    return WriteFile(found, whole, size);
 }
 
 ssize_t pread64(int file, void* data, size_t size, off64_t offset) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family == Family::None) {
-        return Real::pread64(file, data, size, offset);
-    }
-    const off64_t before = Real::lseek64(file, 0, SEEK_CUR);
-    Real::lseek64(file, offset, SEEK_SET);
-    const ssize_t result = ReadFile(*state, file, node, data, size);
-    Real::lseek64(file, before, SEEK_SET);
-    return result;
+    const BoardFile found = FindFile(file);
+    return found ? AtOffset(file, offset, [&] { return ReadFile(found, data, size); })
+                 : Real::pread64(file, data, size, offset);
+}
+
+ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
+    const BoardFile found = FindFile(file);
+    return found ? AtOffset(file, offset, [&] { return WriteFile(found, data, size); })
+                 : Real::pwrite64(file, data, size, offset);
 }
 
 ssize_t pread(int file, void* data, size_t size, off_t offset) { return pread64(file, data, size, offset); }
-
-ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset) {
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family == Family::None) {
-        return Real::pwrite64(file, data, size, offset);
-    }
-    const off64_t before = Real::lseek64(file, 0, SEEK_CUR);
-    Real::lseek64(file, offset, SEEK_SET);
-    const ssize_t result = WriteFile(*state, file, node, data, size);
-    Real::lseek64(file, before, SEEK_SET);
-    return result;
-}
-
 ssize_t pwrite(int file, const void* data, size_t size, off_t offset) { return pwrite64(file, data, size, offset); }
-
 off_t lseek(int file, off_t offset, int whence) noexcept { return Seek(Real::lseek, file, offset, whence); }
 off64_t lseek64(int file, off64_t offset, int whence) noexcept { return Seek(Real::lseek64, file, offset, whence); }
 int fsync(int file) { return Sync(Real::fsync, file); }
@@ -320,28 +255,22 @@ int ioctl(int file, unsigned long request, ...) noexcept {
     va_start(arguments, request);
     void* argument = va_arg(arguments, void*);
     va_end(arguments);
-    BoardState* state = AttachedState();
-    const Node node = NodeOf(state, file);
-    if (node.family == Family::None) {
+    const BoardFile found = FindFile(file);
+    if (!found) {
         return Real::ioctl(file, request, argument);
     }
-    const DeviceCall call(*state);
-    if (CountOrFail(*state, Call::Ioctl) != 0) {
+    const DeviceCall call(*found.state);
+    if (CountOrFail(*found.state, "ioctl") != 0) {
         return -1;
     }
-    if (node.family == Family::Socket && request == SIOCGIFHWADDR) {
+    if (found.node.family == Family::Socket && request == SIOCGIFHWADDR) {
         return HardwareAddress(static_cast<ifreq*>(argument));
     }
-    if (node.family != Family::Spi) {
+    if (found.node.family != Family::Spi) {
         return Real::ioctl(file, request, argument);
     }
-    const BoardLock lock(*state);
     int result = 0;
-    const int error = SpiIoctl(*state, request, argument, result);
-    if (error != 0) {
-        errno = error;
-    }
-    return error == 0 ? result : -1;
+    const int error = SpiIoctl(*BoardLock(*found.state), request, argument, result);
+    return Answer(error, result);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -1,11 +1,10 @@
-// The board's own small host database, whatever the machine's says: "localhost" and the board's own name.
+// The board's host database, independent of the machine's: "localhost" and the board's own name.
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,8 +19,8 @@ namespace {
 constexpr const char* LocalHost = "localhost";
 constexpr int Hosts = 2;
 
-// What a look-up gives: good until the thread's next one.
-struct Answer {
+// The result of a look-up; valid until the thread's next one.
+struct Entry {
     char name[HostNameLength + 1];
     in_addr address;
     char* aliases[1];
@@ -29,17 +28,17 @@ struct Answer {
     hostent entry;
 };
 
-thread_local Answer answer;
+thread_local Entry found;
 thread_local int nextHost = 0;
 
 hostent* Fill(const char* name, in_addr address) {
-    std::snprintf(answer.name, sizeof(answer.name), "%s", name);
-    answer.address = address;
-    answer.aliases[0] = nullptr;
-    answer.addresses[0] = reinterpret_cast<char*>(&answer.address);
-    answer.addresses[1] = nullptr;
-    answer.entry = {answer.name, answer.aliases, AF_INET, sizeof(in_addr), answer.addresses};
-    return &answer.entry;
+    std::snprintf(found.name, sizeof(found.name), "%s", name);
+    found.address = address;
+    found.aliases[0] = nullptr;
+    found.addresses[0] = reinterpret_cast<char*>(&found.address);
+    found.addresses[1] = nullptr;
+    found.entry = {found.name, found.aliases, AF_INET, sizeof(in_addr), found.addresses};
+    return &found.entry;
 }
 
 in_addr Loopback() { return {htonl(INADDR_LOOPBACK)}; }
@@ -50,14 +49,11 @@ hostent* NotFound(int reason) {
 }
 
 void OwnName(BoardState& state, char (&name)[HostNameLength + 1]) {
-    const BoardLock lock(state);
-    std::memcpy(name, state.network.hostName, sizeof(name));
+    std::memcpy(name, BoardLock(state)->network.hostName, sizeof(name));
 }
 
 }  // namespace
 
-// The names are those of libc.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int gethostname(char* name, size_t size) noexcept {
@@ -69,11 +65,7 @@ int gethostname(char* name, size_t size) noexcept {
     OwnName(*state, own);
     const std::size_t length = std::strlen(own) + 1;
     std::memcpy(name, own, std::min(length, size));
-    if (length > size) {
-        errno = ENAMETOOLONG;
-        return -1;
-    }
-    return 0;
+    return Answer(length > size ? ENAMETOOLONG : 0);
 }
 
 int __gethostname_chk(char* name, size_t size, size_t space) noexcept {
@@ -88,7 +80,7 @@ hostent* gethostbyname(const char* name) {
     if (state == nullptr) {
         return Real::gethostbyname(name);
     }
-    if (CountOrFail(*state, Call::HostByName) != 0) {
+    if (CountOrFail(*state, "gethostbyname") != 0) {
         return NotFound(NETDB_INTERNAL);
     }
     in_addr address{};
@@ -110,7 +102,7 @@ hostent* gethostbyaddr(const void* address, socklen_t size, int family) {
     if (state == nullptr) {
         return Real::gethostbyaddr(address, size, family);
     }
-    if (CountOrFail(*state, Call::HostByAddress) != 0) {
+    if (CountOrFail(*state, "gethostbyaddr") != 0) {
         return NotFound(NETDB_INTERNAL);
     }
     const in_addr loopback = Loopback();
@@ -147,4 +139,3 @@ void endhostent() {
     nextHost = 0;
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -1,9 +1,8 @@
-// The system log: kept in the bench folder with all that the program gave, printed on the error stream where it asked
-// for that, and never handed to the machine's own.
+// The system log: kept in the bench folder as the program gave it, printed on the error stream if the program asks for
+// that, and never passed to the machine's log.
 #include <syslog.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -17,7 +16,7 @@ namespace {
 
 constexpr int AllPriorities = 0xff;
 
-// As libc keeps it, one for the process; guarded by the board's lock, which a fork can't leave held in the child.
+// One for the process, as in libc. Guarded by the board's lock, which fork never leaves locked in the child.
 struct LogSettings {
     char ident[256] = {};
     int options = 0;
@@ -39,7 +38,7 @@ void PrintOnErrorStream(const std::string& text) {
         line += '\n';
     }
     if (Real::write(STDERR_FILENO, line.data(), line.size()) < 0) {
-        return;  // as libc, which has nowhere left to complain
+        return;  // as libc does
     }
 }
 
@@ -62,7 +61,7 @@ void Log(int priority, const char* format, va_list arguments) {
         Real::vsyslog(priority, format, arguments);
         return;
     }
-    const DeviceCall call(*state);  // the board writes a file where the instrument hands over a datagram
+    const DeviceCall call(*state);  // writing the file replaces the instrument's sending of a datagram
     const OwnAllocations own;
     va_list again;
     va_copy(again, arguments);
@@ -80,8 +79,6 @@ void Log(int priority, const char* format, va_list arguments) {
 
 }  // namespace
 
-// The names are those of libc.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 void openlog(const char* ident, int options, int facility) {
@@ -136,4 +133,3 @@ void __syslog_chk(int priority, int /*flag*/, const char* format, ...) {
     va_end(arguments);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -2,7 +2,6 @@
 #include <sys/mman.h>
 
 #include <atomic>
-#include <cerrno>
 #include <cstring>
 
 #include "Bench/Board/Attachment.h"
@@ -12,14 +11,14 @@ using namespace Bench;
 
 namespace {
 
-constexpr int MaximalMappings = 64;
+constexpr int MaxMappings = 64;
 
 struct Mapping {
     std::atomic<void*> address{nullptr};
     std::atomic<std::uint32_t> page{0};
 };
 
-Mapping mappings[MaximalMappings];
+Mapping mappings[MaxMappings];
 std::atomic<int> openMappings{0};
 
 Mapping* FindMapping(void* address) {
@@ -31,13 +30,10 @@ Mapping* FindMapping(void* address) {
     return nullptr;
 }
 
-void* Refuse(int error) {
-    errno = error;
-    return MAP_FAILED;
-}
+void* Refuse(int error) { return Answer<void*>(error, nullptr, MAP_FAILED); }
 
 void* MapRegisters(BoardState& state, std::size_t size, int protection, std::uint32_t page) {
-    if (CountOrFail(state, Call::Mmap) != 0) {
+    if (CountOrFail(state, "mmap") != 0) {
         return MAP_FAILED;
     }
     if (size == 0 || size > RegisterPageSize || page % RegisterPageSize != 0) {
@@ -70,12 +66,11 @@ void* MapRegisters(BoardState& state, std::size_t size, int protection, std::uin
 
 template <typename RealMap, typename Offset>
 void* Map(RealMap& real, void* address, std::size_t size, int protection, int flags, int file, Offset offset) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || FileNode(file).family != Family::Memory) {
-        return real(address, size, protection, flags, file, offset);
-    }
+    const BoardFile found = FindFile(file);
     // On 32 bits the registers' addresses arrive as negative offsets.
-    return MapRegisters(*state, size, protection, static_cast<std::uint32_t>(offset));
+    return found.node.family == Family::Memory
+               ? MapRegisters(*found.state, size, protection, static_cast<std::uint32_t>(offset))
+               : real(address, size, protection, flags, file, offset);
 }
 
 }  // namespace
@@ -98,8 +93,7 @@ int munmap(void* address, size_t size) noexcept {
     const std::uint32_t page = mapping->page.load();
     BoardState* state = AttachedState();
     if (state != nullptr) {
-        const BoardLock lock(*state);
-        ApplyRegisterPage(*state, page, static_cast<const std::uint32_t*>(address));
+        ApplyRegisterPage(*BoardLock(*state), page, static_cast<const std::uint32_t*>(address));
     }
     openMappings.fetch_sub(1);
     mapping->address.store(nullptr);

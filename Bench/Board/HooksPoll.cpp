@@ -1,10 +1,10 @@
-// Waiting for descriptors: pin edges by the board, everything else by the kernel; the time-outs are simulated time.
+// Waiting for descriptors: the board for pin edges, the kernel for everything else. Timeouts are simulated time.
 #include <poll.h>
 #include <sys/select.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "Bench/Board/Attachment.h"
@@ -16,32 +16,32 @@ namespace {
 
 constexpr std::int64_t Forever = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t NanoSecondsPerMilliSecond = 1000000;
-constexpr std::int64_t LongestWait = 100000000;  // real: so soon a change of the speed is seen everywhere
+constexpr std::int64_t MaxWait = 100000000;  // real: a change of the speed is noticed this late
 constexpr short AlwaysReady = POLLIN | POLLOUT | POLLRDNORM | POLLWRNORM;
 
-// What the kernel says of a device file now.
-short EventsOf(BoardState& state, int file, Node node) {
-    if (!NodeAlive(state, node)) {
+// The events that the kernel reports for a device file now.
+short EventsOf(const BoardState& state, const BoardFile& file) {
+    if (!NodeAlive(state, file.node)) {
         return POLLERR | POLLPRI;
     }
-    const bool edge = IsGpioValue(node) && EdgeCount(state, node.first, node.second) != SeenEdges(file);
+    const bool edge = IsGpioValue(file.node) && EdgeCount(state, LineOf(file.node)) != file.open->seenEdges.load();
     return static_cast<short>(AlwaysReady | (edge ? POLLERR | POLLPRI : 0));
 }
 
-// Fills in the device files; how many are ready.
-int PollDevices(BoardState& state, pollfd* files, nfds_t count) {
+// Sets the events of the device files. Returns how many are ready.
+int PollDevices(const BoardState& state, pollfd* files, nfds_t count) {
     int ready = 0;
     for (nfds_t i = 0; i < count; ++i) {
-        const Node node = FileNode(files[i].fd);
-        if (IsDevice(node)) {
-            files[i].revents = static_cast<short>(EventsOf(state, files[i].fd, node) & (files[i].events | POLLERR));
+        const BoardFile file = FindFile(files[i].fd);
+        if (IsDevice(file.node)) {
+            files[i].revents = static_cast<short>(EventsOf(state, file) & (files[i].events | POLLERR));
             ready += files[i].revents != 0 ? 1 : 0;
         }
     }
     return ready;
 }
 
-// Simulated nanoseconds until the instrument by itself may change a pin.
+// Simulated nanoseconds until the instrument or a fault may change a pin.
 std::int64_t UntilChange(const BoardState& state, std::int64_t now) {
     std::int64_t wait = Forever;
     const double flag = SecondsUntilFlagChange(state.instrument, EffectiveSettings(state), InputsOf(state));
@@ -52,22 +52,13 @@ std::int64_t UntilChange(const BoardState& state, std::int64_t now) {
     return fault == Forever ? wait : std::min(wait, std::max<std::int64_t>(fault - now, 1));
 }
 
-bool AnyDevice(const pollfd* files, nfds_t count, bool& anyOther) {
-    bool device = false;
-    anyOther = false;
-    for (nfds_t i = 0; i < count; ++i) {
-        const bool isDevice = IsDevice(FileNode(files[i].fd));
-        device = device || isDevice;
-        anyOther = anyOther || !isDevice;
-    }
-    return device;
-}
+bool IsDeviceFile(const pollfd& file) { return IsDevice(FindFile(file.fd).node); }
 
-// Looks at the files that are not the board's without waiting. Their number, or -1.
+// Polls the files that are not the board's without waiting. Returns how many are ready, or -1.
 int PollOthers(pollfd* files, nfds_t count) {
     int ready = 0;
     for (nfds_t i = 0; i < count; ++i) {
-        if (!IsDevice(FileNode(files[i].fd))) {
+        if (!IsDeviceFile(files[i])) {
             const int result = Real::poll(&files[i], nfds_t{1}, 0);
             if (result < 0) {
                 return -1;
@@ -97,22 +88,20 @@ int WaitForDevices(BoardState& state, pollfd* files, nfds_t count, std::int64_t 
         if (ready + others > 0 || wait <= 0) {
             return ready + others;
         }
-        const std::int64_t real = wait == Forever ? LongestWait : std::min(ToReal(state.clock, wait), LongestWait);
+        const std::int64_t real = wait == Forever ? MaxWait : std::min(ToReal(state.clock, wait), MaxWait);
         const int error = FutexWait(state.changes, seen, anyOther ? std::min(real, NanoSecondsPerMilliSecond) : real);
         if (error == EINTR) {
-            errno = EINTR;
-            return -1;
+            return Answer(EINTR);
         }
     }
 }
 
-// Waits by the kernel in pieces, so that a change of the speed is followed.
+// Waits in the kernel, in pieces, so that a change of the speed takes effect.
 int WaitForOthers(BoardState& state, pollfd* files, nfds_t count, std::int64_t end, const sigset_t* mask) {
     for (;;) {
         const std::int64_t left = end == Forever ? Forever : std::max<std::int64_t>(end - MonotonicNow(state.clock), 0);
-        const std::int64_t real = left == Forever ? LongestWait : std::min(ToReal(state.clock, left), LongestWait);
-        const timespec wait{static_cast<time_t>(real / NanoSecondsPerSecond),
-                            static_cast<long>(real % NanoSecondsPerSecond)};
+        const std::int64_t real = left == Forever ? MaxWait : std::min(ToReal(state.clock, left), MaxWait);
+        const timespec wait = TimespecOf(real);
         const int result = Real::ppoll(files, count, &wait, mask);
         if (result != 0 || left == 0) {
             return result;
@@ -121,17 +110,16 @@ int WaitForOthers(BoardState& state, pollfd* files, nfds_t count, std::int64_t e
 }
 
 int PollUntil(BoardState& state, pollfd* files, nfds_t count, std::int64_t end, const sigset_t* mask) {
-    bool anyOther = false;
-    if (!AnyDevice(files, count, anyOther)) {
+    const std::ptrdiff_t devices = std::count_if(files, files + count, IsDeviceFile);
+    if (devices == 0) {
         return WaitForOthers(state, files, count, end, mask);
     }
-    return CountOrFail(state, Call::Poll) != 0 ? -1 : WaitForDevices(state, files, count, end, anyOther);
+    const bool anyOther = static_cast<nfds_t>(devices) < count;
+    return CountOrFail(state, "poll") != 0 ? -1 : WaitForDevices(state, files, count, end, anyOther);
 }
 
 }  // namespace
 
-// The names are those of libc.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
 int poll(pollfd* files, nfds_t count, int milliseconds) {
@@ -157,9 +145,7 @@ int ppoll(pollfd* files, nfds_t count, const timespec* timeout, const sigset_t* 
                                                     timeout->tv_nsec >= NanoSecondsPerSecond))) {
         return Real::ppoll(files, count, timeout, mask);
     }
-    const std::int64_t end =
-        timeout == nullptr ? Forever
-                           : MonotonicNow(state->clock) + timeout->tv_sec * NanoSecondsPerSecond + timeout->tv_nsec;
+    const std::int64_t end = timeout == nullptr ? Forever : MonotonicNow(state->clock) + NanoSecondsOf(*timeout);
     return PollUntil(*state, files, count, end, mask);
 }
 
@@ -180,4 +166,3 @@ int select(int count, fd_set* readable, fd_set* writable, fd_set* exceptional, t
     return result;
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

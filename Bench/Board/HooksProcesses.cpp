@@ -1,10 +1,8 @@
-// Processes that the program starts: forked children stay on the board, and a shell finds the sound tools of the bench.
+// Processes that the program starts. Forked children stay on the board, and a shell finds the bench's sound tools.
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <string_view>
-#include <utility>
 
 #include "Bench/Board/Attachment.h"
 #include "Bench/Board/Real.h"
@@ -19,7 +17,7 @@ pid_t forkedBy = 0;
 
 constexpr std::size_t LineLength = 8192;
 
-// In single quotes for a shell.
+// Quotes the text for a shell.
 void PutQuoted(Buffer& line, std::string_view text) {
     Put(line, "'");
     for (const char character : text) {
@@ -28,8 +26,8 @@ void PutQuoted(Buffer& line, std::string_view text) {
     Put(line, "'");
 }
 
-// In front of the program's line: where the tools are found and which board they serve. The library is linked to them
-// already. Without tools nothing is found, not even those that the machine may have.
+// Puts before the program's line where the tools are and which board they serve. They are linked to the library, so it
+// is not preloaded. Without tools the shell finds none, not even the machine's.
 void PutPreparation(Buffer& line, const BoardState& state, bool tools) {
     Put(line, "PATH=");
     PutQuoted(line, tools ? std::string_view(BENCH_TOOLS) : "/nonexistent");
@@ -53,21 +51,19 @@ using namespace Bench;
 
 extern "C" {
 
-// Under the board's lock, so that no other thread of this process holds it at that moment: the child could not tell
-// whose it is.
+// Under the board's lock, so that the child never inherits a lock that another thread holds.
 pid_t fork() noexcept {
     BoardState* state = AttachedState();
     if (state == nullptr) {
         return Real::fork();
     }
-    if (CountOrFail(*state, Call::Fork) != 0) {
+    if (CountOrFail(*state, "fork") != 0) {
         return -1;
     }
     const pid_t parent = getpid();
     const std::uint32_t run = state->run.load();
-    pthread_mutex_t& mutex = state->mutex;
-    if (pthread_mutex_lock(&mutex) == EOWNERDEAD) {
-        pthread_mutex_consistent(&mutex);
+    if (pthread_mutex_lock(&state->mutex) == EOWNERDEAD) {
+        pthread_mutex_consistent(&state->mutex);
     }
     const pid_t child = Real::fork();
     const int savedErrno = errno;
@@ -75,21 +71,18 @@ pid_t fork() noexcept {
         forkedRun = run;
         forkedBy = parent;
     } else {
-        pthread_mutex_unlock(&mutex);
+        pthread_mutex_unlock(&state->mutex);
     }
     errno = savedErrno;
     return child;
 }
 
-// It gives its error instead of setting it.
+// It returns its error instead of setting errno.
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*),
                    void* argument) noexcept {
     BoardState* state = AttachedState();
-    const int savedErrno = errno;
-    if (state != nullptr && CountOrFail(*state, Call::ThreadCreate) != 0) {
-        return std::exchange(errno, savedErrno);
-    }
-    return Real::pthread_create(thread, attributes, routine, argument);
+    const int error = state == nullptr ? 0 : CountCall(*BoardLock(*state), "pthread_create");
+    return error == 0 ? Real::pthread_create(thread, attributes, routine, argument) : error;
 }
 
 int system(const char* command) {
@@ -98,21 +91,16 @@ int system(const char* command) {
         return Real::system(command);
     }
     EndWithBoard(*state);
-    if (CountOrFail(*state, Call::System) != 0) {
+    if (CountOrFail(*state, "system") != 0) {
         return -1;
     }
-    bool tools = true;
-    {
-        const BoardLock lock(*state);
-        tools = !FaultActive(*state, FaultName::SoundToolsMissing);
-    }
+    const bool tools = !FaultActive(*BoardLock(*state), "sound-tools-missing");
     char text[LineLength];
     Buffer line{text, sizeof(text)};
     PutPreparation(line, *state, tools);
     Put(line, "%s", command);
     if (line.used + 1 >= sizeof(text)) {
-        errno = E2BIG;
-        return -1;
+        return Answer(E2BIG);
     }
     const int status = Real::system(text);
     EndWithBoard(*state);

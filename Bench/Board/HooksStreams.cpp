@@ -1,28 +1,27 @@
-// C streams and the streams of the C++ library above them. A stream on a file of the board is a cookie stream over the
-// board's reads and writes, since libc's own inner calls meet no hook; fileno still tells its descriptor, by which the
-// C++ library reads and writes.
+// C streams, and the streams of the C++ library that use them. A stream on a file of the board is a cookie stream over
+// the board's reads and writes, because libc's internal calls bypass the hooks. fileno still returns its descriptor,
+// which the C++ library uses.
 #include <fcntl.h>
 #include <mntent.h>
 
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
-#include <cstring>
 
-#include "Bench/Board/Attachment.h"
+#include "Bench/Board/OnPath.h"
 #include "Bench/Board/Real.h"
 
 using namespace Bench;
 
 namespace {
 
-constexpr int MaximalStreams = 512;
+constexpr int MaxStreams = 512;
 
 struct Stream {
     std::atomic<FILE*> stream{nullptr};
     std::atomic<int> file{-1};
 };
 
-Stream streams[MaximalStreams];
+Stream streams[MaxStreams];
 std::atomic<int> openStreams{0};
 
 bool RememberStream(FILE* stream, int file) {
@@ -37,46 +36,40 @@ bool RememberStream(FILE* stream, int file) {
     return false;
 }
 
+Stream* FindStream(FILE* stream) {
+    Stream* end = openStreams.load() == 0 ? std::begin(streams) : std::end(streams);
+    Stream* slot =
+        std::find_if(std::begin(streams), end, [stream](const Stream& each) { return each.stream.load() == stream; });
+    return slot == end ? nullptr : slot;
+}
+
 int StreamFile(FILE* stream) {
-    if (openStreams.load() == 0) {
-        return -1;
-    }
-    for (const Stream& slot : streams) {
-        if (slot.stream.load() == stream) {
-            return slot.file.load();
-        }
-    }
-    return -1;
+    const Stream* slot = FindStream(stream);
+    return slot == nullptr ? -1 : slot->file.load();
 }
 
 void ForgetStream(FILE* stream) {
-    for (Stream& slot : streams) {
-        if (slot.stream.load() == stream) {
-            slot.file.store(-1);
-            slot.stream.store(nullptr);
-            openStreams.fetch_sub(1);
-            return;
-        }
+    if (Stream* slot = FindStream(stream); slot != nullptr) {
+        slot->file.store(-1);
+        slot->stream.store(nullptr);
+        openStreams.fetch_sub(1);
     }
 }
 
-// A cookie is the place here with the number of its descriptor.
-constexpr int MaximalFile = 4096;
-char cookies[MaximalFile];
+// The cookie of a descriptor is the address of its element.
+constexpr int MaxFile = 4096;
+char cookies[MaxFile];
 
 int CookieFile(void* cookie) { return static_cast<int>(static_cast<char*>(cookie) - cookies); }
 
 ssize_t CookieRead(void* cookie, char* data, size_t size) {
-    BoardState* state = AttachedState();
-    const int file = CookieFile(cookie);
-    return state == nullptr ? Real::read(file, data, size) : ReadFile(*state, file, FileNode(file), data, size);
+    const BoardFile file = FindFile(CookieFile(cookie));
+    return file ? ReadFile(file, data, size) : Real::read(CookieFile(cookie), data, size);
 }
 
 ssize_t CookieWrite(void* cookie, const char* data, size_t size) {
-    BoardState* state = AttachedState();
-    const int file = CookieFile(cookie);
-    const ssize_t written =
-        state == nullptr ? Real::write(file, data, size) : WriteFile(*state, file, FileNode(file), data, size);
+    const BoardFile file = FindFile(CookieFile(cookie));
+    const ssize_t written = file ? WriteFile(file, data, size) : Real::write(CookieFile(cookie), data, size);
     return written < 0 ? 0 : written;
 }
 
@@ -91,22 +84,12 @@ int CookieSeek(void* cookie, off64_t* offset, int whence) {
 
 int CookieClose(void* cookie) { return CloseFile(CookieFile(cookie)); }
 
-// -1 for a mode that is none.
+// -1 for an invalid mode.
 int FlagsOf(const char* mode) {
-    int flags = 0;
-    switch (mode[0]) {
-        case 'r':
-            flags = O_RDONLY;
-            break;
-        case 'w':
-            flags = O_WRONLY | O_CREAT | O_TRUNC;
-            break;
-        case 'a':
-            flags = O_WRONLY | O_CREAT | O_APPEND;
-            break;
-        default:
-            return -1;
+    if (mode[0] != 'r' && mode[0] != 'w' && mode[0] != 'a') {
+        return -1;
     }
+    int flags = mode[0] == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | (mode[0] == 'w' ? O_TRUNC : O_APPEND);
     for (const char* next = mode + 1; *next != '\0' && *next != ','; ++next) {
         if (*next == '+') {
             flags = (flags & ~O_ACCMODE) | O_RDWR;
@@ -121,15 +104,13 @@ int FlagsOf(const char* mode) {
 
 FILE* OpenCookie(int file, const char* mode) {
     const cookie_io_functions_t functions{CookieRead, CookieWrite, CookieSeek, CookieClose};
-    if (file >= MaximalFile) {
-        errno = EMFILE;
-        return nullptr;
+    if (file >= MaxFile) {
+        return Answer<FILE*>(EMFILE, nullptr, nullptr);
     }
     FILE* stream = Real::fopencookie(&cookies[file], mode, functions);
     if (stream != nullptr && !RememberStream(stream, file)) {
         Real::fclose(stream);
-        errno = EMFILE;
-        return nullptr;
+        return Answer<FILE*>(EMFILE, nullptr, nullptr);
     }
     return stream;
 }
@@ -143,7 +124,7 @@ FILE* OpenStream(RealOpen& real, const char* path, const char* mode) {
     }
     constexpr mode_t AnyMode = 0666;
     bool passedOn = true;
-    const int file = OpenFile(*state, Call::Fopen, path, flags, AnyMode, passedOn);
+    const int file = OpenPath(*state, "fopen", path, flags, AnyMode, passedOn);
     if (passedOn) {
         return real(path, mode);
     }
@@ -165,8 +146,7 @@ FILE* fopen(const char* path, const char* mode) { return OpenStream(Real::fopen,
 FILE* fopen64(const char* path, const char* mode) { return OpenStream(Real::fopen64, path, mode); }
 
 FILE* fdopen(int file, const char* mode) noexcept {
-    const bool ours = AttachedState() != nullptr && FileNode(file).family != Family::None;
-    return ours ? OpenCookie(file, mode) : Real::fdopen(file, mode);
+    return FindFile(file) ? OpenCookie(file, mode) : Real::fdopen(file, mode);
 }
 
 int fclose(FILE* stream) {
@@ -175,20 +155,16 @@ int fclose(FILE* stream) {
         return Real::fclose(stream);
     }
     BoardState* state = AttachedState();
-    const int failed = state == nullptr ? 0 : CountOrFail(*state, Call::Fclose);
-    const int savedErrno = errno;
+    const int error = state == nullptr ? 0 : CountCall(*BoardLock(*state), "fclose");
     ForgetStream(stream);
-    const int result = Real::fclose(stream);  // the stream is gone also where fclose fails
-    errno = failed != 0 ? savedErrno : errno;
-    return failed != 0 ? EOF : result;
+    return Answer(error, Real::fclose(stream), EOF);  // the stream is closed even if fclose fails
 }
 
-// A stream of libc's own reads a large piece at once, with a buffer or without; a cookie stream without one reads it
-// byte by byte, each a call. So a stream that only reads keeps its buffer.
+// A stream of libc reads a large piece at once, with or without a buffer; a cookie stream without a buffer reads it
+// byte by byte, each in one call. So a stream that only reads keeps its buffer.
 int setvbuf(FILE* stream, char* buffer, int mode, size_t size) noexcept {
-    const int file = StreamFile(stream);
-    const bool keeps = file >= 0 && FileAccess(file) == O_RDONLY && mode == _IONBF;
-    return keeps ? 0 : Real::setvbuf(stream, buffer, mode, size);
+    const BoardFile file = FindFile(StreamFile(stream));
+    return file && file.open->access == O_RDONLY && mode == _IONBF ? 0 : Real::setvbuf(stream, buffer, mode, size);
 }
 
 int fileno(FILE* stream) noexcept {
@@ -201,23 +177,8 @@ int fileno_unlocked(FILE* stream) noexcept {
     return file >= 0 ? file : Real::fileno_unlocked(stream);
 }
 
-// getmntent_r reads the stream that libc itself has opened on the file behind.
+// getmntent_r reads the stream that libc itself opened on the bench folder's file.
 FILE* setmntent(const char* path, const char* mode) noexcept {
-    BoardState* state = AttachedState();
-    Target target;
-    if (state != nullptr) {
-        Resolve(*state, path, target);
-    }
-    if (!target.inside) {
-        return Real::setmntent(path, mode);
-    }
-    if (CountOrFail(*state, Call::Setmntent) != 0) {
-        return nullptr;
-    }
-    if (target.error != 0) {
-        errno = target.error;
-        return nullptr;
-    }
-    return Real::setmntent(target.path, mode);
+    return OnPath("setmntent", false, path, [mode](const char* target, Node) { return Real::setmntent(target, mode); });
 }
 }

@@ -1,9 +1,8 @@
-// Clocks and sleeps. They are called by the sanitizers too: nothing here allocates or locks.
+// Clocks and sleeps. The sanitizers call them too, so nothing here allocates or locks.
 #include <semaphore.h>
 #include <sys/time.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <ctime>
 
 #include "Bench/Board/Attachment.h"
@@ -13,22 +12,13 @@ namespace Bench {
 
 namespace {
 
-// Real length of one wait inside a long one: so late at most a change of the clock's speed is followed.
+// A long wait is split into waits of this real length, so that a change of the clock's speed takes effect.
 constexpr std::int64_t Slice = 100000000;
-constexpr std::int64_t LongestSlice = 1000 * NanoSecondsPerSecond;  // where the speed is held
+constexpr std::int64_t MaxSlice = 1000 * NanoSecondsPerSecond;  // if the speed is held
 constexpr std::int64_t ConditionSlice = 1000000000;
 constexpr std::int64_t NanoSecondsPerMicroSecond = 1000;
 
 bool Valid(const timespec& time) { return time.tv_nsec >= 0 && time.tv_nsec < NanoSecondsPerSecond; }
-
-std::int64_t NanoSecondsOf(const timespec& time) {
-    return static_cast<std::int64_t>(time.tv_sec) * NanoSecondsPerSecond + time.tv_nsec;
-}
-
-timespec TimespecOf(std::int64_t nanoSeconds) {
-    return {static_cast<time_t>(nanoSeconds / NanoSecondsPerSecond),
-            static_cast<long>(nanoSeconds % NanoSecondsPerSecond)};
-}
 
 bool IsWallClock(clockid_t clock) { return clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE; }
 
@@ -37,19 +27,24 @@ bool IsSteadyClock(clockid_t clock) {
            clock == CLOCK_BOOTTIME;
 }
 
+// The board that waits until that time; null passes the call on, which libc also refuses if the time is invalid.
+BoardState* BoardFor(clockid_t clock, const timespec& until) {
+    return Valid(until) && (IsWallClock(clock) || IsSteadyClock(clock)) ? AttachedState() : nullptr;
+}
+
 std::int64_t Now(const BoardState& state, clockid_t clock) {
     return IsWallClock(clock) ? WallNow(state.clock) : MonotonicNow(state.clock);
 }
 
-// The wait on a lock or a queue until a simulated moment, in pieces of the real CLOCK_MONOTONIC or CLOCK_REALTIME.
-// `wait` takes the real moment and gives 0 or an error number.
+// Waits on a lock or a queue until a simulated moment, in pieces of the real CLOCK_REALTIME. `wait` takes the real
+// moment and returns 0 or an error number.
 template <typename Wait>
-int WaitInPieces(const BoardState& state, clockid_t clock, const timespec& until, clockid_t realClock, Wait wait) {
+int WaitInPieces(const BoardState& state, clockid_t clock, const timespec& until, Wait wait) {
     for (;;) {
         const std::int64_t left = std::max<std::int64_t>(NanoSecondsOf(until) - Now(state, clock), 0);
-        const std::int64_t real = std::min(ToReal(state.clock, left), state.clock.held.load() ? LongestSlice : Slice);
+        const std::int64_t real = std::min(ToReal(state.clock, left), state.clock.held.load() ? MaxSlice : Slice);
         timespec realNow{};
-        Real::clock_gettime(realClock, &realNow);
+        Real::clock_gettime(CLOCK_REALTIME, &realNow);
         const timespec realUntil = TimespecOf(NanoSecondsOf(realNow) + real);
         const int error = wait(realUntil);
         if (error != ETIMEDOUT || NanoSecondsOf(until) <= Now(state, clock)) {
@@ -59,17 +54,19 @@ int WaitInPieces(const BoardState& state, clockid_t clock, const timespec& until
 }
 
 int SemaphoreWait(BoardState& state, sem_t* semaphore, clockid_t clock, const timespec& until) {
-    const int error = WaitInPieces(state, clock, until, CLOCK_REALTIME, [semaphore](const timespec& realUntil) {
+    return Answer(WaitInPieces(state, clock, until, [semaphore](const timespec& realUntil) {
         return Real::sem_timedwait(semaphore, &realUntil) == 0 ? 0 : errno;
-    });
-    if (error != 0) {
-        errno = error;
-    }
-    return error == 0 ? 0 : -1;
+    }));
 }
 
-// One piece only: a wait that is cut short is a spurious wake-up, which every caller must expect, whereas waiting again
-// without a look at the condition could miss the wake-up in between.
+int MutexWait(BoardState& state, pthread_mutex_t* mutex, clockid_t clock, const timespec& until) {
+    return WaitInPieces(state, clock, until, [mutex](const timespec& realUntil) {
+        return Real::pthread_mutex_timedlock(mutex, &realUntil);
+    });
+}
+
+// One piece only: a wait that ends early is a spurious wake-up, which every caller must expect. Waiting again without
+// checking the condition could miss a wake-up.
 int ConditionWait(BoardState& state, pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock,
                   const timespec& until) {
     const std::int64_t left = std::max<std::int64_t>(NanoSecondsOf(until) - Now(state, clock), 0);
@@ -83,6 +80,16 @@ int ConditionWait(BoardState& state, pthread_cond_t* condition, pthread_mutex_t*
 clockid_t ClockOf(const pthread_cond_t* condition) {
     constexpr unsigned MonotonicFlag = 2;
     return (condition->__data.__wrefs & MonotonicFlag) != 0 ? CLOCK_MONOTONIC : CLOCK_REALTIME;
+}
+
+// 0, or EINTR with what is left in `remainder`.
+int SleepFor(BoardState& state, const timespec& request, timespec* remainder) {
+    std::int64_t left = 0;
+    const int error = SleepSimulated(state, NanoSecondsOf(request), &left);
+    if (error != 0 && remainder != nullptr) {
+        *remainder = TimespecOf(left);
+    }
+    return error;
 }
 
 }  // namespace
@@ -116,9 +123,8 @@ int clock_gettime(clockid_t clock, timespec* time) noexcept {
     if (state == nullptr || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
         return Real::clock_gettime(clock, time);
     }
-    if (const int error = IsWallClock(clock) ? CountCall(*state, Call::ClockGettime) : 0; error != 0) {
-        errno = error;
-        return -1;
+    if (const int error = IsWallClock(clock) ? CountCall(*state, "clock_gettime") : 0; error != 0) {
+        return Answer(error);
     }
     *time = TimespecOf(Now(*state, clock));
     return 0;
@@ -129,9 +135,8 @@ int gettimeofday(timeval* time, void* zone) noexcept {
     if (state == nullptr) {
         return Real::gettimeofday(time, zone);
     }
-    const std::int64_t now = WallNow(state->clock);
-    time->tv_sec = static_cast<time_t>(now / NanoSecondsPerSecond);
-    time->tv_usec = static_cast<suseconds_t>(now % NanoSecondsPerSecond / NanoSecondsPerMicroSecond);
+    const timespec now = TimespecOf(WallNow(state->clock));
+    *time = {now.tv_sec, static_cast<suseconds_t>(now.tv_nsec / NanoSecondsPerMicroSecond)};
     return 0;
 }
 
@@ -140,15 +145,15 @@ time_t time(time_t* result) noexcept {
     if (state == nullptr) {
         return Real::time(result);
     }
-    const auto now = static_cast<time_t>(WallNow(state->clock) / NanoSecondsPerSecond);
+    const time_t now = TimespecOf(WallNow(state->clock)).tv_sec;
     if (result != nullptr) {
         *result = now;
     }
     return now;
 }
 
-// Simulated time since the start of the run, not processor time: a busy wait of the program takes its
-// simulated length whatever the machine's load.
+// Simulated time since the start of the run, not processor time: the simulated duration of a busy wait does not depend
+// on the machine's load.
 clock_t clock() noexcept {
     const BoardState* state = AttachedState();
     if (state == nullptr) {
@@ -158,34 +163,20 @@ clock_t clock() noexcept {
 }
 
 int nanosleep(const timespec* request, timespec* remainder) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*request) || request->tv_sec < 0) {
+    BoardState* state = BoardFor(CLOCK_MONOTONIC, *request);
+    if (state == nullptr || request->tv_sec < 0) {
         return Real::nanosleep(request, remainder);
     }
-    std::int64_t left = 0;
-    const int error = SleepSimulated(*state, NanoSecondsOf(*request), &left);
-    if (error == 0) {
-        return 0;
-    }
-    if (remainder != nullptr) {
-        *remainder = TimespecOf(left);
-    }
-    errno = error;
-    return -1;
+    return Answer(SleepFor(*state, *request, remainder));
 }
 
 int clock_nanosleep(clockid_t clock, int flags, const timespec* request, timespec* remainder) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*request) || request->tv_sec < 0 || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
+    BoardState* state = BoardFor(clock, *request);
+    if (state == nullptr || request->tv_sec < 0) {
         return Real::clock_nanosleep(clock, flags, request, remainder);
     }
-    std::int64_t left = 0;
     if ((flags & TIMER_ABSTIME) == 0) {
-        const int error = SleepSimulated(*state, NanoSecondsOf(*request), &left);
-        if (error != 0 && remainder != nullptr) {
-            *remainder = TimespecOf(left);
-        }
-        return error;
+        return SleepFor(*state, *request, remainder);
     }
     for (;;) {  // a jump of the wall clock moves the end
         const std::int64_t rest = NanoSecondsOf(*request) - Now(*state, clock);
@@ -204,11 +195,7 @@ int usleep(useconds_t microSeconds) {
     if (state == nullptr) {
         return Real::usleep(microSeconds);
     }
-    const int error = SleepSimulated(*state, microSeconds * NanoSecondsPerMicroSecond, nullptr);
-    if (error != 0) {
-        errno = error;
-    }
-    return error == 0 ? 0 : -1;
+    return Answer(SleepSimulated(*state, microSeconds * NanoSecondsPerMicroSecond, nullptr));
 }
 
 unsigned sleep(unsigned seconds) {
@@ -221,56 +208,39 @@ unsigned sleep(unsigned seconds) {
     return static_cast<unsigned>((left + NanoSecondsPerSecond - 1) / NanoSecondsPerSecond);
 }
 
-// A time with the nanoseconds of a second or more is refused by libc; left to it.
 int sem_timedwait(sem_t* semaphore, const timespec* until) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until)) {
-        return Real::sem_timedwait(semaphore, until);
-    }
-    return SemaphoreWait(*state, semaphore, CLOCK_REALTIME, *until);
+    BoardState* state = BoardFor(CLOCK_REALTIME, *until);
+    return state == nullptr ? Real::sem_timedwait(semaphore, until)
+                            : SemaphoreWait(*state, semaphore, CLOCK_REALTIME, *until);
 }
 
 int sem_clockwait(sem_t* semaphore, clockid_t clock, const timespec* until) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until) || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
-        return Real::sem_clockwait(semaphore, clock, until);
-    }
-    return SemaphoreWait(*state, semaphore, clock, *until);
+    BoardState* state = BoardFor(clock, *until);
+    return state == nullptr ? Real::sem_clockwait(semaphore, clock, until)
+                            : SemaphoreWait(*state, semaphore, clock, *until);
 }
 
 int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* until) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until)) {
-        return Real::pthread_cond_timedwait(condition, mutex, until);
-    }
-    return ConditionWait(*state, condition, mutex, ClockOf(condition), *until);
+    BoardState* state = BoardFor(CLOCK_REALTIME, *until);
+    return state == nullptr ? Real::pthread_cond_timedwait(condition, mutex, until)
+                            : ConditionWait(*state, condition, mutex, ClockOf(condition), *until);
 }
 
 int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const timespec* until) {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until) || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
-        return Real::pthread_cond_clockwait(condition, mutex, clock, until);
-    }
-    return ConditionWait(*state, condition, mutex, clock, *until);
+    BoardState* state = BoardFor(clock, *until);
+    return state == nullptr ? Real::pthread_cond_clockwait(condition, mutex, clock, until)
+                            : ConditionWait(*state, condition, mutex, clock, *until);
 }
 
 int pthread_mutex_timedlock(pthread_mutex_t* mutex, const timespec* until) noexcept {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until)) {
-        return Real::pthread_mutex_timedlock(mutex, until);
-    }
-    return WaitInPieces(*state, CLOCK_REALTIME, *until, CLOCK_REALTIME, [mutex](const timespec& realUntil) {
-        return Real::pthread_mutex_timedlock(mutex, &realUntil);
-    });
+    BoardState* state = BoardFor(CLOCK_REALTIME, *until);
+    return state == nullptr ? Real::pthread_mutex_timedlock(mutex, until)
+                            : MutexWait(*state, mutex, CLOCK_REALTIME, *until);
 }
 
 int pthread_mutex_clocklock(pthread_mutex_t* mutex, clockid_t clock, const timespec* until) noexcept {
-    BoardState* state = AttachedState();
-    if (state == nullptr || !Valid(*until) || (!IsWallClock(clock) && !IsSteadyClock(clock))) {
-        return Real::pthread_mutex_clocklock(mutex, clock, until);
-    }
-    return WaitInPieces(*state, clock, *until, CLOCK_REALTIME, [mutex](const timespec& realUntil) {
-        return Real::pthread_mutex_timedlock(mutex, &realUntil);
-    });
+    BoardState* state = BoardFor(clock, *until);
+    return state == nullptr ? Real::pthread_mutex_clocklock(mutex, clock, until)
+                            : MutexWait(*state, mutex, clock, *until);
 }
 }

@@ -4,7 +4,7 @@ namespace Bench {
 
 namespace {
 
-// Read within malloc, so it may need none.
+// malloc reads it, so reading it must not allocate.
 [[gnu::tls_model("initial-exec")]] thread_local int living = 0;
 
 }  // namespace

@@ -1,5 +1,4 @@
-// While one lives, whatever this thread allocates is the bench's own and not the program's: it neither counts nor
-// fails.
+// While one exists, allocations of this thread are the bench's and not the program's: they neither count nor fail.
 #pragma once
 
 namespace Bench {

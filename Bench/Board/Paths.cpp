@@ -1,6 +1,5 @@
-// Which paths of the program lie on the board, and where.
+// Which paths of the program are the board's, and where its files are.
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <string_view>
 
@@ -12,7 +11,7 @@ namespace {
 
 constexpr std::string_view Redirected[] = {"/sys", "/dev", "/mnt", "/etc/mtab", "/usr/share/vorn", "/var/log/vorn"};
 
-// What libc, the sanitizers and shells open themselves, and what names no device of the board.
+// Paths below these folders that are not the board's: libc, the sanitizers and shells open them.
 constexpr std::string_view Ordinary[] = {
     "/dev/null",
     "/dev/zero",
@@ -35,21 +34,8 @@ constexpr std::string_view Ordinary[] = {
     "/sys/kernel/mm/transparent_hugepage",
 };
 
-constexpr struct {
-    std::string_view path;
-    FaultName fault;
-} MissingPaths[] = {
-    {"/sys/class/gpio", FaultName::GpioMissing}, {"/sys/class/pwm", FaultName::PwmMissing},
-    {"/sys/bus/iio", FaultName::IioMissing},     {"/dev/spidev32765.1", FaultName::SpiMissing},
-    {"/dev/mem", FaultName::MemMissing},
-};
-
-bool Below(std::string_view path, std::string_view folder) {
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
-
-// Without doubled and trailing slashes, "." and "..". False if it does not fit.
-bool Normalise(const char* path, char (&normal)[MaximalPath], std::size_t& length) {
+// Removes double and trailing slashes, "." and "..". Returns false if the path is too long.
+bool Normalize(const char* path, char (&normal)[MaxPath], std::size_t& length) {
     std::string_view rest(path);
     length = 0;
     while (!rest.empty()) {
@@ -95,11 +81,9 @@ void ResolveOnBoard(const BoardState& state, std::string_view path, Target& targ
     if (path == "/dev/mmcblk0" || path == "/dev/mmcblk0p1") {
         target.node.file = BlockDevice;
     }
-    for (const auto& row : MissingPaths) {
-        if (Below(path, row.path) && FaultActive(state, row.fault)) {
-            target.error = ENOENT;
-            return;
-        }
+    if (PathMissing(state, path)) {
+        target.error = ENOENT;
+        return;
     }
     const Node node = FindNode(state, path);
     if (node.family != Family::None) {
@@ -111,13 +95,13 @@ void ResolveOnBoard(const BoardState& state, std::string_view path, Target& targ
 
 void Resolve(BoardState& state, const char* path, Target& target) {
     target.inside = false;
-    char normal[MaximalPath];
+    char normal[MaxPath];
     std::size_t length = 0;
-    if (path[0] != '/' || !Normalise(path, normal, length)) {
+    if (path[0] != '/' || !Normalize(path, normal, length)) {
         return;
     }
     const std::string_view whole(normal, length);
-    const auto below = [whole](std::string_view folder) { return Below(whole, folder); };
+    const auto below = [whole](std::string_view folder) { return IsBelow(whole, folder); };
     if (below(state.folder) || std::any_of(std::begin(Ordinary), std::end(Ordinary), below)) {
         return;
     }

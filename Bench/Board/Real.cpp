@@ -10,7 +10,7 @@ namespace Bench {
 void* FindNext(const char* name) {
     void* address = dlsym(RTLD_NEXT, name);
     if (address == nullptr) {
-        // No stream of libc can be trusted this early.
+        // Streams of libc may not work this early.
         static constexpr char text[] = "board: this libc has no ";
         const ssize_t first = Real::write(2, text, sizeof(text) - 1);
         const ssize_t second = Real::write(2, name, std::strlen(name));

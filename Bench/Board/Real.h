@@ -1,6 +1,6 @@
-// The functions of libc behind the hooks. Each is looked up at its first use, so that hooks may be called before any
-// constructor has run; the library's own constructor looks all of them up, so that none is searched after a fork.
-// Everything inside the library that must not meet a hook calls through here.
+// The functions of libc that the hooks replace. Each is looked up at its first use, so that hooks work before any
+// constructor has run; the library's constructor looks up all of them, so that none is looked up after a fork. Code of
+// the library that must bypass the hooks calls libc through here.
 #pragma once
 
 #include <dirent.h>
@@ -28,7 +28,7 @@
 
 namespace Bench {
 
-// The function of that name in the libraries behind this one; ends the process where there is none.
+// The function of that name in the libraries after this one. Ends the process if there is none.
 void* FindNext(const char* name);
 
 class RealAddress {
@@ -71,7 +71,7 @@ public:
     }
 };
 
-// One row for each function: the list behind the declarations, the definitions and the look-up.
+// One row for each function, for its declaration, definition and look-up.
 #define BENCH_REAL_FUNCTIONS(ROW)                                                                   \
     ROW(open, int(const char*, int, ...))                                                           \
     ROW(open64, int(const char*, int, ...))                                                         \

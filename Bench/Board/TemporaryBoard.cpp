@@ -15,7 +15,7 @@ namespace Bench {
 
 namespace {
 
-// In memory where the machine has such a place: tests make a board each.
+// In memory if the machine has such a folder, because each test creates a board.
 std::string TemporaryFolder() {
     const char* chosen = std::getenv("TMPDIR");
     if (chosen != nullptr && *chosen != '\0') {
@@ -34,7 +34,7 @@ TemporaryBoard::TemporaryBoard(const BoardSetup& setup) {
         m_board = Board::Create(m_folder, setup, error);
     }
     if (m_board == nullptr) {
-        std::fprintf(stderr, "board: can't make a temporary one: %s\n", error.c_str());
+        std::fprintf(stderr, "board: can't create a temporary board: %s\n", error.c_str());
         std::abort();
     }
     AttachThisProcess(*m_board);
@@ -42,7 +42,7 @@ TemporaryBoard::TemporaryBoard(const BoardSetup& setup) {
 
 TemporaryBoard::~TemporaryBoard() {
     DetachThisProcess();
-    m_board->State().run.fetch_add(1);  // what the program has forked sees by this that it is over
+    m_board->State().run.fetch_add(1);  // tells forked children that the run has ended
     m_board->State().clock.changes.fetch_add(1);
     FutexWakeAll(m_board->State().clock.changes);
     pthread_mutex_destroy(&m_board->State().mutex);

@@ -1,4 +1,4 @@
-// The mixer tool of the bench: the board notes each call, and there is nothing to hear.
+// The mixer tool of the bench: the board records each call; no sound is changed.
 #include <cstdio>
 
 #include "Bench/Board/BoardState.h"
@@ -9,12 +9,9 @@ int main(int count, char** arguments) {
     if (board == nullptr) {
         return 1;
     }
-    bool fails = false;
-    {
-        const Bench::BoardLock lock(board->State());
-        Bench::NoteSoundCall(board->State(), Bench::CommandLine("amixer", count, arguments).c_str());
-        fails = Bench::FaultActive(board->State(), Bench::FaultName::AmixerFails);
-    }
+    const Bench::BoardLock state(board->State());
+    Bench::NoteSoundCall(*state, Bench::CommandLine("amixer", count, arguments).c_str());
+    const bool fails = Bench::FaultActive(*state, "amixer-fails");
     if (fails) {
         std::fputs("amixer: the mixer does not answer\n", stderr);
     }

@@ -1,5 +1,5 @@
-// The player of the bench: the board notes the call and plays the clip for as long as it lasts in simulated time. Every
-// argument that is no option is a file, one after the other.
+// The player of the bench: the board records the call and plays each clip for its length in simulated time. Every
+// argument that is not an option is a file.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -33,10 +33,7 @@ int main(int count, char** arguments) {
     if (board == nullptr) {
         return 1;
     }
-    {
-        const Bench::BoardLock lock(board->State());
-        Bench::NoteSoundCall(board->State(), Bench::CommandLine("aplay", count, arguments).c_str());
-    }
+    Bench::NoteSoundCall(*Bench::BoardLock(board->State()), Bench::CommandLine("aplay", count, arguments).c_str());
     bool played = true;
     for (int i = 1; i < count; ++i) {
         if (arguments[i][0] != '-') {

@@ -171,7 +171,7 @@ TEST(Documents, link_to_what_there_is) {
 TEST(Documents, tell_of_runs_with_the_options_and_faults_that_there_are) {
     const std::string options =
         ReadFile(SOURCE_FOLDER "/Bench/Console/Options.cpp") + ReadFile(SOURCE_FOLDER "/Bench/Common/CommandLine.cpp");
-    const std::string faults = ReadFile(SOURCE_FOLDER "/Bench/Board/BoardFaults.cpp");
+    const std::string faults = ReadFile(SOURCE_FOLDER "/Bench/Board/BoardFaults.h");
     std::size_t seen = 0;
     for (const std::string& command : CommandsOf("./run ")) {
         const Words words = WordsOf(command);

@@ -1,8 +1,8 @@
-// Memory of the program, operator new of the C++ library included, which calls malloc. A library of its own, preloaded
-// or linked in front of the board by those alone who want it, and never beside a sanitizer, which has its own malloc.
+// Allocations of the program, including operator new, which calls malloc. This is a separate library, preloaded or
+// linked before the board if a program wants it. It can't be combined with a sanitizer, which has its own malloc.
 //
-// The loader allocates before anything could be looked up, so libc's functions are called by their second names, and
-// what they gave goes back by libc's own free.
+// The loader allocates before any function can be looked up, so libc's functions are called by their second names.
+// Memory is freed by libc's own free.
 #include <malloc.h>
 
 #include <cerrno>
@@ -14,8 +14,6 @@
 
 using namespace Bench;
 
-// The names are those of libc.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -25,19 +23,13 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 
 namespace {
 
-// 0, or the error number of the one that must fail. No lock: the thread may hold it.
+// 0, or the error number with which the allocation must fail. No lock, because the thread may hold it.
 int Count() {
     BoardState* state = AttachedState();
-    return state == nullptr || OwnAllocations::Any() ? 0 : CountCall(*state, Call::Allocation);
+    return state == nullptr || OwnAllocations::Any() ? 0 : CountCall(*state, "allocation");
 }
 
-bool Fails() {
-    const int error = Count();
-    if (error != 0) {
-        errno = error;
-    }
-    return error != 0;
-}
+bool Fails() { return Answer(Count()) != 0; }
 
 }  // namespace
 
@@ -57,7 +49,7 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     return Fails() ? nullptr : __libc_memalign(alignment, size);
 }
 
-// It gives its error instead of setting it.
+// It returns its error instead of setting errno.
 int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
     if (alignment % sizeof(void*) != 0 || alignment == 0 || (alignment & (alignment - 1)) != 0) {
         return EINVAL;
@@ -73,4 +65,3 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
     return 0;
 }
 }
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

@@ -64,20 +64,22 @@ TEST_F(FaultsTest, an_unknown_name_is_refused_with_that_name) {
 
 TEST_F(FaultsTest, a_missing_or_wrong_value_is_refused) {
     EXPECT_EQ(Refusal("card-slow"), "card-slow needs a value: card-slow=MS");
-    EXPECT_EQ(Refusal("card-slow=soon"), "card-slow: \"soon\" is no number from 0 to 1000000000");
-    EXPECT_EQ(Refusal("rail-out=16"), "rail-out: \"16\" is no multiplexer channel, 0 to 15");
+    EXPECT_EQ(Refusal("card-slow=soon"), "card-slow: invalid value \"soon\" (expected a number from 0 to 1000000000)");
+    EXPECT_EQ(Refusal("rail-out=16"), "rail-out: invalid value \"16\" (expected a multiplexer channel from 0 to 15)");
     EXPECT_EQ(Refusal("indicator-led-open=green"),
-              "indicator-led-open: \"green\" is no LED of the indicator, such as amber-water");
+              "indicator-led-open: invalid value \"green\" (expected an LED of the indicator, such as amber-water)");
     for (const std::string line : {"4,0", "0,32", "3", "3,", ",3", "3,16,1", "3, 6", "-1,3", "3,-1", "all", "3,1x"}) {
         EXPECT_EQ(Refusal("gpio-taken=" + line),
-                  "gpio-taken: \"" + line + "\" is no line, such as 3,16, and not indicator");
+                  "gpio-taken: invalid value \"" + line + "\" (expected a line, such as 3,16, or indicator)");
     }
     for (const std::string link : {"soon", "1,", ",1", "1,0", "1,65536", "-1", "1 ,2", "1,2,3", "12345678901234"}) {
         EXPECT_EQ(Refusal("link-cut=" + link),
-                  "link-cut: \"" + link + "\" is no number of bytes, with or without a port as in 100,3111");
+                  "link-cut: invalid value \"" + link +
+                      "\" (expected a number of bytes, with or without a port as in 100,3111)");
     }
     EXPECT_EQ(Refusal("led-dead=1"), "led-dead takes no value");
-    EXPECT_EQ(Refusal("led-dead@soon"), "\"led-dead@soon\": no number of seconds stands behind @");
+    EXPECT_EQ(Refusal("led-dead@soon"),
+              "\"led-dead@soon\": invalid time after @ (expected seconds from 0 to 100000000)");
 }
 
 TEST_F(FaultsTest, each_fault_has_one_name_and_a_description) {
