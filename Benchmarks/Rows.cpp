@@ -32,7 +32,7 @@ constexpr Row Table[] = {
     {"load settings, read every item", "rapidxml into maps", 41, SettingsOurs, SettingsRapidxml, COST_AT_MOST, 0.9},
     {"load, change an attribute, save, 40 KB", "pugixml", 41, EditOurs<SMALL>, EditPugixml<SMALL>, COST_AT_MOST, 0.5},
     {"load, change an attribute, save, 20 MB", "pugixml", 15, EditOurs<LARGE>, EditPugixml<LARGE>, COST_AT_MOST, 0.5},
-    {"message through a queue, one way", "condition variable", 401, SendOneWayOurs, SendOneWayCondition, RATE_AT_LEAST, 1.0},
+    {"message through a queue, one way", "condition variable", 401, SendOneWayOurs, SendOneWayCondition, RATE_AT_LEAST, 0.7},
     {"round trip of two threads", "condition variable", 41, RoundTripOurs, RoundTripCondition, COST_AT_MOST, 1.0},
     {"round trip of two threads", "ZeroMQ inproc", 21, RoundTripOurs, RoundTripZeroMq, COST_AT_MOST, 1.0},
     {"broadcast to nine controllers", "CAF detached", 21, BroadcastOurs, BroadcastCaf, RATE_AT_LEAST, 1.2},

@@ -49,11 +49,8 @@ protected:
     MessageBase& operator=(const MessageBase& other);
 
 private:
-    friend class MessageList;
-
     static const StdString NoName;
 
-    MessageBase* m_next = nullptr;  // behind this one in a queue, which owns both
     bool m_isCommand;
     std::int32_t m_sendCount = 0;
     ThreadControl* m_destination = nullptr;

@@ -1,6 +1,7 @@
 #include "Frameworks/Messaging/MessageBuffer.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "Frameworks/Utilities/TimeSpec.h"
 
@@ -23,22 +24,33 @@ MessageBuffer::~MessageBuffer() {
     sem_destroy(&m_semaphore);
 }
 
-int MessageBuffer::WaitFor(std::int32_t milliSeconds) {
-    const timespec deadline = TimeInfo(static_cast<std::uint32_t>(milliSeconds)).GetTimespec();
-    return deadline.tv_nsec < NanoSecondsPerSecond ? Wait(&deadline) : EINVAL;
+void MessageBuffer::PostMessage(std::unique_ptr<MessageBase> message) {
+    PushBack(std::move(message));
+    sem_post(&m_semaphore);
+    if (m_isAsleep.exchange(false)) {
+        sem_post(&m_bell);
+    }
 }
 
-// A thread that is asleep on a semaphore counts as a waiter until it has run again, and each post meanwhile costs a
-// system call. So the owner sleeps on the bell, which only the first message of a burst rings.
-int MessageBuffer::Sleep(const timespec* deadline) {
-    do {
-        if (!BeginWaiting()) {
-            return WaitOn(m_semaphore, deadline);  // the sender is about to post
+std::unique_ptr<MessageBase> MessageBuffer::WaitForMessage(std::int32_t timeOutMilliSeconds) {
+    if (timeOutMilliSeconds == -1) {
+        m_lastError = Wait(nullptr);
+    } else {
+        const timespec deadline = TimeInfo(static_cast<std::uint32_t>(timeOutMilliSeconds)).GetTimespec();
+        m_lastError = deadline.tv_nsec < NanoSecondsPerSecond ? Wait(&deadline) : EINVAL;
+    }
+    return m_lastError == 0 ? PopFront() : nullptr;
+}
+
+int MessageBuffer::Wait(const timespec* deadline) {
+    int error = 0;
+    while (error == 0 && sem_trywait(&m_semaphore) != 0) {
+        m_isAsleep.exchange(true);
+        if (sem_trywait(&m_semaphore) == 0) {
+            break;
         }
-        if (const int error = WaitOn(m_bell, deadline)) {
-            EndWaiting();  // a bell that is rung at this very moment wakes the owner once for nothing
-            return error;
-        }
-    } while (sem_trywait(&m_semaphore) != 0);
-    return 0;
+        error = WaitOn(m_bell, deadline);
+    }
+    m_isAsleep.exchange(false);
+    return error;
 }

@@ -1,19 +1,18 @@
 #include "Frameworks/Messaging/MessageContainer.h"
 
-bool MessageContainer::TakeBurst() {
+#include <utility>
+
+void MessageContainer::PushBack(std::unique_ptr<MessageBase> message) {
     const MutexLock lock(m_mutex);
-    m_hasMore.store(false, std::memory_order_relaxed);
-    m_taken.Take(m_messages);
-    return !m_taken.IsEmpty();
+    m_messages.push_back(std::move(message));
 }
 
-bool MessageContainer::BeginWaiting() {
+std::unique_ptr<MessageBase> MessageContainer::PopFront() {
     const MutexLock lock(m_mutex);
-    m_isAwaited = m_taken.IsEmpty() && m_messages.IsEmpty();
-    return m_isAwaited;
-}
-
-void MessageContainer::EndWaiting() {
-    const MutexLock lock(m_mutex);
-    m_isAwaited = false;
+    if (m_messages.empty()) {
+        return nullptr;
+    }
+    std::unique_ptr<MessageBase> message = std::move(m_messages.front());
+    m_messages.pop_front();
+    return message;
 }
