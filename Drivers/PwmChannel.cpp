@@ -12,12 +12,12 @@ namespace {
 
 constexpr const char* ChipDirectory = "/sys/class/pwm/pwmchip0/";
 constexpr const char* CountFile = "/sys/class/pwm/pwmchip0/npwm";
-constexpr const char* ExportFile = "/sys/class/pwm/pwmchip0/export";
-constexpr const char* UnexportFile = "/sys/class/pwm/pwmchip0/unexport";
+constexpr const char* PwmExportFile = "/sys/class/pwm/pwmchip0/export";
+constexpr const char* PwmUnexportFile = "/sys/class/pwm/pwmchip0/unexport";
 
-constexpr const char* AlreadyUsed = "already used\n";
-constexpr const char* NotUsedYet = "not used yet\n";
-constexpr const char* NotLockedYet = "not locked yet\n";
+constexpr const char* PwmAlreadyUsed = "already used\n";
+constexpr const char* PwmNotUsedYet = "not used yet\n";
+constexpr const char* PwmNotLockedYet = "not locked yet\n";
 
 // Makes a digit that no channel has, so that a refused object meets no directory in its later operations.
 constexpr std::uint8_t NoChannel = 0xFF;
@@ -30,7 +30,7 @@ bool WriteIfThere(const std::string& path, const std::string& text) {
     return DeviceFile::WriteText(path, text) != WriteResult::NotOpened;
 }
 
-bool WriteOrPrint(const std::string& path, const std::string& text, const char* failure) {
+bool PwmWriteOrPrint(const std::string& path, const std::string& text, const char* failure) {
     const bool written = WriteIfThere(path, text);
     if (!written) {
         PrintError(failure);
@@ -75,28 +75,28 @@ std::uint32_t PwmChannel::ChannelCount() {
 
 bool PwmChannel::Export() {
     if (DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(AlreadyUsed);
+        return FailWithError(PwmAlreadyUsed);
     }
-    return WriteOrPrint(ExportFile, Digit(), "unable to lock a pwm");
+    return PwmWriteOrPrint(PwmExportFile, Digit(), "unable to lock a pwm");
 }
 
 bool PwmChannel::Unexport() {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(NotUsedYet);
+        return FailWithError(PwmNotUsedYet);
     }
-    return WriteOrPrint(UnexportFile, Digit(), "unable to release a pwm");
+    return PwmWriteOrPrint(PwmUnexportFile, Digit(), "unable to release a pwm");
 }
 
 bool PwmChannel::Enable(bool on) {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithOutput(NotLockedYet);
+        return FailWithOutput(PwmNotLockedYet);
     }
-    return WriteOrPrint(Directory() + "/enable", on ? "1" : "0", "unable to enable a pwm");
+    return PwmWriteOrPrint(Directory() + "/enable", on ? "1" : "0", "unable to enable a pwm");
 }
 
 bool PwmChannel::IsEnabled() const {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(NotLockedYet);
+        return FailWithError(PwmNotLockedYet);
     }
     std::string text;
     return !DeviceFile::ReadText(Directory() + "/enable", text) || DeviceFile::FirstWord(text) == "1";
@@ -105,7 +105,7 @@ bool PwmChannel::IsEnabled() const {
 bool PwmChannel::Set(float frequency, float dutyCycle) {
     const bool locked = DeviceFile::DirectoryOpens(Directory());
     if (!locked) {
-        PrintError(NotLockedYet);
+        PrintError(PwmNotLockedYet);
     }
     if (!locked || (IsEnabled() && !Enable(false))) {
         return FailWithError("unable to set pwm frequency");
@@ -117,7 +117,7 @@ bool PwmChannel::Set(float frequency, float dutyCycle) {
 bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
     const std::string dutyFile = Directory() + "/duty_cycle";
     // The kernel refuses a period below the duty that it has.
-    if (!WriteOrPrint(dutyFile, "0", "unable to reset pwm duty cycle")) {
+    if (!PwmWriteOrPrint(dutyFile, "0", "unable to reset pwm duty cycle")) {
         return false;
     }
     const float period = NanoSecondsPerSecond / frequency;
@@ -126,7 +126,7 @@ bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
         return true;
     }
     const float duty = dutyCycle * period / HighestDutyCycle;
-    if (!WriteOrPrint(dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)), "unable to set pwm duty cycle")) {
+    if (!PwmWriteOrPrint(dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)), "unable to set pwm duty cycle")) {
         return false;
     }
     return Enable(true);

@@ -6,10 +6,10 @@
 
 namespace {
 
-constexpr std::uint8_t Channels = 4;
+constexpr std::uint8_t ChannelCount = 4;
 
 // By PWM channel, for all motors of the process.
-constinit HeldLock channelLocks[Channels];
+constinit HeldLock channelLocks[ChannelCount];
 
 bool IsInRange(float dutyCycle, float frequency) {
     return frequency >= PwmChannel::LowestFrequency && frequency <= PwmChannel::HighestFrequency && dutyCycle > 0.0F &&
@@ -24,7 +24,7 @@ bool MakeOutput(std::unique_ptr<GpioPin>& line, PinAddress address, std::int32_t
 
 }  // namespace
 
-StepperDriverBase::StepperDriverBase(std::uint8_t channel) : m_valid(channel < Channels), m_channel(channel) {
+StepperDriverBase::StepperDriverBase(std::uint8_t channel) : m_valid(channel < ChannelCount), m_channel(channel) {
     if (!m_valid) {
         PrintOutput("StepperDriverBase: Invalid PWM channel");
     }
@@ -34,7 +34,7 @@ StepperDriverBase::~StepperDriverBase() {
     m_pwm.reset();
     m_enablePin.reset();
     m_directionPin.reset();
-    if (m_channel < Channels) {
+    if (m_channel < ChannelCount) {
         channelLocks[m_channel].Unlock(this);
     }
 }

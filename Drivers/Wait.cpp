@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::uint32_t MillisecondsPerSecond = 1000;
+constexpr std::uint32_t MillisecondsInSecond = 1000;
 constexpr long NanoSecondsPerMillisecond = 1000000;
 constexpr std::uint64_t ClocksPerMillisecond = CLOCKS_PER_SEC / 1000;
 
@@ -16,8 +16,8 @@ unsigned long ProcessorClock() { return static_cast<unsigned long>(std::clock())
 
 void SleepFor(std::uint32_t milliseconds) {
     timespec rest{};
-    rest.tv_sec = static_cast<std::time_t>(milliseconds / MillisecondsPerSecond);
-    rest.tv_nsec = static_cast<long>(milliseconds % MillisecondsPerSecond) * NanoSecondsPerMillisecond;
+    rest.tv_sec = static_cast<std::time_t>(milliseconds / MillisecondsInSecond);
+    rest.tv_nsec = static_cast<long>(milliseconds % MillisecondsInSecond) * NanoSecondsPerMillisecond;
     while (nanosleep(&rest, &rest) != 0 && errno == EINTR) {
     }
 }

@@ -1,9 +1,16 @@
-# add_area(NAME FOLDER [lower areas]): one static library from every source below FOLDER.
+# add_area(NAME FOLDER [lower areas]): one static library from every source below FOLDER. Presets with unity builds compile
+# the sources of one folder together.
 function(add_area name folder)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/Main\\.cpp$")
   if(sources)
     add_library(${name} STATIC ${sources})
+    set_target_properties(${name} PROPERTIES UNITY_BUILD_MODE GROUP)
+    foreach(source IN LISTS sources)
+      cmake_path(GET source PARENT_PATH parent)
+      cmake_path(GET parent FILENAME group)
+      set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+    endforeach()
     target_link_libraries(${name} PUBLIC project_options sanitizer_options ${ARGN})
   else()
     add_library(${name} INTERFACE)

@@ -6,7 +6,7 @@ namespace {
 
 constexpr const char* DefaultPath = "./configuration/user.conf.xml";
 constexpr const char* RootName = "ROOT_USER";
-constexpr const char* SectionName = "USER_CONFIG_INFO";
+constexpr const char* UserSectionName = "USER_CONFIG_INFO";
 
 }  // namespace
 
@@ -39,7 +39,7 @@ bool UserConfigurationFile::GetXML() {
     m_user = std::make_unique<UserConfigInfo>();
     m_user->SetDocument(document);
     m_user->SetSource(m_path);
-    const bool read = m_user->GetXML(SectionName);
+    const bool read = m_user->GetXML(UserSectionName);
     return document->OutOfElement() && read;
 }
 

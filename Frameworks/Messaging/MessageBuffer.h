@@ -32,7 +32,7 @@ private:
     // sem_wait until it runs again. A sender that posts a burst in this time makes a system call for each message to
     // wake the same thread. So only the first message of a burst posts m_bell; the rest finds m_isAsleep false.
     // With m_semaphore alone a burst passes at less than half the rate ("message through a queue, one way" of
-    // ./bench-peers: 0.45 of a condition variable's rate in place of 0.77).
+    // the comparison with other libraries: 0.45 of a condition variable's rate in place of 0.77).
     // m_isAsleep is changed by exchange alone: the owner's exchange then sees the post of every sender whose exchange
     // came before, and every later sender sees the owner's. A bell that is posted although the owner found the message
     // by itself wakes it once more, for nothing.
