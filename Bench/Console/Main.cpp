@@ -17,7 +17,7 @@ void ListFaults() {
 int RunPeer(const Bench::Options& options) {
     if (options.frontEnd) {
         return Bench::RunFrontEnd(
-            {options.frontEndPort.value_or(Bench::FrontEnd::UsualPort), options.script, options.wait});
+            {options.frontEndPort.value_or(Bench::FrontEnd::DefaultPort), options.script, options.wait});
     }
     Bench::AnalyzerSettings settings;
     std::string error;

@@ -109,7 +109,7 @@ bool Runner::MakeBoard(std::string& error) {
     }
     m_board->SetLoopbackOpen(true);  // somebody may have a front end of his own
     if (m_options.frontEndPort) {
-        m_board->MapPort(FrontEnd::UsualPort, *m_options.frontEndPort);
+        m_board->MapPort(FrontEnd::DefaultPort, *m_options.frontEndPort);
     }
     if (m_options.testServerPort) {
         m_board->MapPort(m_settings.testServerPort, *m_options.testServerPort);

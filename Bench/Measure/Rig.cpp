@@ -63,7 +63,7 @@ bool Rig::Prepare(const RigPlaces& places, const std::string& configuration, std
     }
     m_board = Bench::Board::Create(m_folder.Path(), setup, error);
     m_frontEnd = FrontEnd::Listen(0, error);
-    return m_board && m_frontEnd && m_board->MapPort(FrontEnd::UsualPort, m_frontEnd->Port());
+    return m_board && m_frontEnd && m_board->MapPort(FrontEnd::DefaultPort, m_frontEnd->Port());
 }
 
 double Rig::WaitForIdle() {

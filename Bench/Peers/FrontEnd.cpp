@@ -86,17 +86,15 @@ Bench::Screen FrontEnd::Screen() const {
 }
 
 std::optional<FrontEndFrame> FrontEnd::WaitForValue(const std::string& name, const std::optional<std::string>& value,
-                                                    std::size_t& behind, double seconds) const {
+                                                    std::size_t& seen, double seconds) const {
     std::optional<FrontEndFrame> found;
     WaitFor(seconds, [&] {
-        behind = std::max(behind, m_count - m_frames.size());
-        while (!found && behind < m_count) {
-            const FrontEndFrame& frame = m_frames[m_frames.size() - (m_count - behind)];
-            const std::optional<std::string> seen = frame.Find(name);
-            if (seen && (!value || seen == value)) {
-                found = frame;
-            }
-            ++behind;
+        seen = std::max(seen, m_count - m_frames.size());
+        while (!found && seen < m_count) {
+            const FrontEndFrame& frame = m_frames[m_frames.size() - (m_count - seen)];
+            const std::optional<std::string> current = frame.Find(name);
+            found = current && (!value || current == value) ? std::optional(frame) : std::nullopt;
+            ++seen;
         }
         return found.has_value();
     });
@@ -112,7 +110,7 @@ void FrontEnd::Begin() {
     m_screen = {};
 }
 
-bool FrontEnd::Receive(std::string_view bytes, std::string& trouble) {
+bool FrontEnd::Receive(std::string_view bytes, std::string& reason) {
     m_rest += bytes;
     std::size_t start = 0;
     for (std::size_t end = m_rest.find(FrameEnd); end != std::string::npos; end = m_rest.find(FrameEnd, start)) {
@@ -120,8 +118,8 @@ bool FrontEnd::Receive(std::string_view bytes, std::string& trouble) {
         start = end + 1;
     }
     m_rest.erase(0, start);
-    if (m_rest.size() > LongestFrame) {
-        trouble = "a frame of more than " + std::to_string(LongestFrame) + " bytes";
+    if (m_rest.size() > MaxFrame) {
+        reason = "a frame of more than " + std::to_string(MaxFrame) + " bytes";
         m_rest.clear();
         return false;
     }

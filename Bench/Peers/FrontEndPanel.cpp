@@ -13,7 +13,7 @@ namespace Bench {
 
 namespace {
 
-constexpr int LookMilliseconds = 100;
+constexpr int PollMilliseconds = 100;
 constexpr std::size_t Width = 60;
 constexpr char EndKey = 'q';
 constexpr char EndOfFile = 4;  // Ctrl-D
@@ -30,7 +30,7 @@ constexpr struct {
     {'p', FrontEnd::Prime, "prime"},
 };
 
-// Keys come one by one and aren't shown, until this is destroyed.
+// While one exists, the terminal passes on each key at once and does not echo it.
 class KeyMode {
 public:
     KeyMode() {
@@ -60,7 +60,7 @@ std::string Row(const std::string& text) {
     return "| " + row + " |";
 }
 
-// Over the former picture.
+// Draws over the previous lines.
 void Draw(const std::vector<std::string>& lines, bool isFirst) {
     if (!isFirst) {
         std::printf("\033[%zuA", lines.size());
@@ -74,7 +74,7 @@ void Draw(const std::vector<std::string>& lines, bool isFirst) {
 char ReadKey() {
     pollfd input{STDIN_FILENO, POLLIN, 0};
     char key = 0;
-    if (poll(&input, 1, LookMilliseconds) <= 0) {
+    if (poll(&input, 1, PollMilliseconds) <= 0) {
         return 0;
     }
     return read(STDIN_FILENO, &key, 1) == 1 ? key : EndKey;
@@ -124,7 +124,7 @@ int RunFrontEndPanel(FrontEnd& frontEnd) {
             shown = lines;
         }
     }
-    return PeerDone;
+    return ExitSuccess;
 }
 
 }  // namespace Bench

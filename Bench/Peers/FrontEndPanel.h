@@ -8,10 +8,10 @@
 
 namespace Bench {
 
-// Its lines as they stand now.
+// The lines to show.
 std::vector<std::string> PanelLines(const Screen& screen, bool isConnected, const std::string& note);
 
-// Draws it whenever it changes and takes keys until the one for the end; the exit status.
+// Draws the panel when it changes and reads keys until the user quits. Returns the exit status.
 int RunFrontEndPanel(FrontEnd& frontEnd);
 
 }  // namespace Bench

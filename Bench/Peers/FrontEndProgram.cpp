@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-
 #include "Bench/Peers/FrontEndPanel.h"
 #include "Bench/Peers/TestFrames.h"
 
@@ -13,7 +11,7 @@ namespace {
 
 constexpr char EnteredIdle[] = "-1";
 constexpr char EnteredRunning[] = "-2";
-constexpr std::uint64_t HighestCode = 0x7FFFFFFF;
+constexpr std::uint32_t MaxCode = 0x7FFFFFFF;
 
 std::string DescribeFrame(const FrontEndFrame& frame) {
     std::string text;
@@ -45,12 +43,12 @@ Reply FrontEndProgram::Run(const std::vector<std::string>& words, const std::str
     if (name == "prime") {
         return SendAndForget(name, std::to_string(FrontEnd::Prime) + "~");
     }
-    std::uint64_t code = 0;
-    if (name == "code" && words.size() == 2 && ReadCount(words[1], HighestCode, code)) {
+    std::uint32_t code = 0;
+    if (name == "code" && words.size() == 2 && ReadNumber(words[1], std::uint32_t{0}, MaxCode, code)) {
         return SendAndForget(name + " " + words[1], words[1] + "~");
     }
     if (name == "text" && words.size() > 1) {
-        return SendAndForget(name, RestBehind(line, 1));
+        return SendAndForget(name, RestAfter(line, 1));
     }
     if (name == "wait" && words.size() > 1) {
         return WaitFor(words, line);
@@ -58,10 +56,10 @@ Reply FrontEndProgram::Run(const std::vector<std::string>& words, const std::str
     if (name == "show") {
         return {Reply::Answered, "show: " + DescribeScreen(m_frontEnd.Screen())};
     }
-    return {Reply::Wrong, "\"" + line + "\" is no command; help lists what there is"};
+    return {Reply::Wrong, "\"" + line + "\": unknown command (help lists all)"};
 }
 
-// An analyzer that is in that state already says nothing, so where it was last heard to enter it, that is the answer.
+// An analyzer that is already in the state sends nothing, so its last report of that state is the answer.
 Reply FrontEndProgram::Enter(const std::string& state, int code, const std::string& command) {
     if (!m_frontEnd.WaitForConnection(m_wait)) {
         return Unanswered(state);
@@ -98,33 +96,32 @@ Reply FrontEndProgram::SendAndForget(const std::string& name, const std::string&
 Reply FrontEndProgram::WaitFor(const std::vector<std::string>& words, const std::string& line) {
     std::optional<std::string> value;
     if (words.size() > 2) {
-        value = RestBehind(line, 2);
+        value = RestAfter(line, 2);
     }
     const std::optional<FrontEndFrame> frame = m_frontEnd.WaitForValue(words[1], value, m_seen, m_wait);
     return frame ? Reply{Reply::Answered, "wait: " + DescribeFrame(*frame)} : Unanswered("wait");
 }
 
 Reply FrontEndProgram::Unanswered(const std::string& name) const {
-    const std::string trouble = m_frontEnd.Trouble();
-    if (!trouble.empty()) {
-        return {Reply::Failed, name + ": cut off: " + trouble};
+    const std::string reason = m_frontEnd.CutReason();
+    if (!reason.empty()) {
+        return {Reply::Failed, name + ": cut off: " + reason};
     }
     return {Reply::Failed, name + (m_frontEnd.IsConnected() ? ": no answer in " : ": no analyzer connected in ") +
                                SecondsText(m_wait)};
 }
 
 std::string FrontEndProgram::HelpText() {
-    return R"(idle             go to idle, and wait until the analyzer says that it has
-running          likewise for running
-reset            reset the system, and wait until it has connected again
-prime            prime the system; there is no answer
-code N           send that code
-text TEXT        send just that
-wait NAME [VALUE]
-                 wait for a frame with that name (ChlorineValue, DateValue, InstrumentStatus, SoftwareVersion, CMD),
-                 and that value, behind those that have answered before
-show             what the front end shows now
-help
+    return R"(idle               enter idle, and wait until the analyzer reports it
+running            the same for running
+reset              reset the system, and wait until it is connected again
+prime              prime the system; there is no answer
+code N             send this code
+text TEXT          send this text unchanged
+wait NAME [VALUE]  wait for the next frame with this name (ChlorineValue,
+                   DateValue, InstrumentStatus, SoftwareVersion, CMD) and value
+show               print what the front end shows now
+help               print this list
 quit)";
 }
 
@@ -152,8 +149,7 @@ int RunFrontEnd(const PeerOptions& options) {
     std::string error;
     const std::unique_ptr<FrontEnd> frontEnd = FrontEnd::Listen(options.port, error);
     if (!frontEnd) {
-        std::fprintf(stderr, "run: --frontend: %s\n", error.c_str());
-        return PeerWrongCommand;
+        return Refuse("run", "--frontend: " + error);
     }
     if (options.script.empty() && isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
         return RunFrontEndPanel(*frontEnd);

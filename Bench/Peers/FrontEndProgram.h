@@ -1,4 +1,4 @@
-// The front end for a script: a command a line, and what the analyzer said to it.
+// The front end for a script: one command a line, and the analyzer's answer to it.
 #pragma once
 
 #include "Bench/Peers/FrontEnd.h"
@@ -24,7 +24,7 @@ private:
 
     FrontEnd& m_frontEnd;
     double m_wait;
-    std::size_t m_seen = 0;  // frames that a command has already answered for
+    std::size_t m_seen = 0;  // frames that earlier commands have used
 };
 
 // What the front end shows, in one line.
@@ -33,10 +33,10 @@ std::string DescribeScreen(const Screen& screen);
 // "idle" for -1, "running" for -2, "unknown" before the first.
 std::string StateOf(const Screen& screen);
 
-// The date as the display shows it: without the mark in front and the line feed behind.
+// The date as the display shows it: without the "@" before it and the line feed after it.
 std::string DateOf(const Screen& screen);
 
-// Listens and runs the commands, or shows the panel to a person at a terminal; the exit status.
+// Listens and runs the commands, or shows the panel on a terminal. Returns the exit status.
 int RunFrontEnd(const PeerOptions& options);
 
 }  // namespace Bench

@@ -1,7 +1,5 @@
 #include "Bench/Peers/LinkServer.h"
 
-#include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -14,57 +12,41 @@ namespace Bench {
 
 namespace {
 
-constexpr char OrderEnd = 'e';
-constexpr char OrderClose = 'c';
 constexpr std::size_t PieceSize = 65536;
 
-sockaddr_in Loopback(std::uint16_t port) {
+// Binds the socket and listens. Returns the port, or 0 with errno set.
+std::uint16_t BindAndListen(int listener, std::uint16_t port) {
+    const int on = 1;
     sockaddr_in address{};
+    socklen_t size = sizeof address;
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(port);
-    return address;
-}
-
-bool BindAndListen(int listener, std::uint16_t port) {
-    const int on = 1;
-    const sockaddr_in address = Loopback(port);
-    return setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
-           bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 && listen(listener, 4) == 0;
-}
-
-std::uint16_t PortOf(int listener) {
-    sockaddr_in address{};
-    socklen_t size = sizeof address;
-    getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
-    return ntohs(address.sin_port);
-}
-
-void CloseIfOpen(int descriptor) {
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
+    auto* const bytes = reinterpret_cast<sockaddr*>(&address);
+    const bool done = setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) == 0 &&
+                      bind(listener, bytes, size) == 0 && listen(listener, 4) == 0 &&
+                      getsockname(listener, bytes, &size) == 0;
+    return done ? ntohs(address.sin_port) : std::uint16_t{0};
 }
 
 }  // namespace
 
 LinkServer::~LinkServer() {
-    CloseIfOpen(m_connection);
-    CloseIfOpen(m_listener);
-    CloseIfOpen(m_wake[0]);
-    CloseIfOpen(m_wake[1]);
+    Close();
+    if (m_listener >= 0) {
+        close(m_listener);
+    }
 }
 
 bool LinkServer::Listen(std::uint16_t port, std::string& error) {
     m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (m_listener >= 0 && pipe2(m_wake, O_CLOEXEC) == 0 && BindAndListen(m_listener, port)) {
-        m_port = PortOf(m_listener);
-        return true;
+    m_port = m_listener < 0 ? std::uint16_t{0} : BindAndListen(m_listener, port);
+    if (m_port == 0) {
+        const int reason = errno;
+        error = "can't listen on port " + std::to_string(port) + ": " +
+                (reason == EADDRINUSE ? "another program listens there" : std::strerror(reason));
     }
-    const int reason = errno;
-    error = "can't listen on port " + std::to_string(port) + ": " +
-            (reason == EADDRINUSE ? "another program listens there" : std::strerror(reason));
-    return false;
+    return m_port != 0;
 }
 
 void LinkServer::Start() {
@@ -73,7 +55,8 @@ void LinkServer::Start() {
 
 void LinkServer::Stop() {
     if (m_thread.joinable()) {
-        Wake(OrderEnd);
+        m_stops = true;
+        shutdown(m_listener, SHUT_RDWR);  // wakes the thread
         m_thread.join();
     }
 }
@@ -88,9 +71,9 @@ std::size_t LinkServer::Connections() const {
     return m_connections;
 }
 
-std::string LinkServer::Trouble() const {
+std::string LinkServer::CutReason() const {
     const std::lock_guard lock(m_mutex);
-    return m_trouble;
+    return m_cutReason;
 }
 
 bool LinkServer::Send(std::string_view bytes) {
@@ -99,41 +82,27 @@ bool LinkServer::Send(std::string_view bytes) {
                                     static_cast<ssize_t>(bytes.size());
 }
 
-void LinkServer::Disconnect() { Wake(OrderClose); }
+void LinkServer::Disconnect() { CloseSoon(false); }
+void LinkServer::Abort() { CloseSoon(true); }
 
-void LinkServer::Abort() {
-    {
-        const std::lock_guard lock(m_mutex);
-        const linger drop{1, 0};
-        setsockopt(m_connection, SOL_SOCKET, SO_LINGER, &drop, sizeof drop);
-    }
-    Wake(OrderClose);
-}
-
-void LinkServer::Wake(char order) const {
-    while (write(m_wake[1], &order, 1) < 0 && errno == EINTR) {
-    }
+void LinkServer::CloseSoon(bool aborts) {
+    const std::lock_guard lock(m_mutex);
+    const linger drop{aborts ? 1 : 0, 0};
+    setsockopt(m_connection, SOL_SOCKET, SO_LINGER, &drop, sizeof drop);
+    m_closes = true;
+    shutdown(m_connection, SHUT_RD);  // wakes the thread; the peer does not notice
 }
 
 void LinkServer::Serve() {
-    for (;;) {
-        pollfd files[] = {{m_wake[0], POLLIN, 0}, {m_listener, POLLIN, 0}, {m_connection, POLLIN, 0}};
-        const nfds_t count = m_connection >= 0 ? 3 : 2;
-        if (poll(files, count, -1) < 0) {
+    while (!m_stops) {
+        pollfd files[] = {{m_listener, POLLIN, 0}, {m_connection, POLLIN, 0}};
+        if (poll(files, 2, -1) < 0) {
             continue;
-        }
-        char order = 0;
-        if (files[0].revents != 0 && read(m_wake[0], &order, 1) == 1) {
-            if (order == OrderEnd) {
-                return;
-            }
-            Close();
-            continue;
-        }
-        if (files[2].revents != 0) {
-            Read();
         }
         if (files[1].revents != 0) {
+            Read();
+        }
+        if (files[0].revents != 0) {
             Accept();
         }
     }
@@ -148,7 +117,7 @@ void LinkServer::Accept() {
     const std::lock_guard lock(m_mutex);
     m_connection = connection;
     ++m_connections;
-    m_trouble.clear();
+    m_cutReason.clear();
     Begin();
     m_changed.notify_all();
 }
@@ -159,10 +128,10 @@ void LinkServer::Read() {
     if (length < 0 && (errno == EAGAIN || errno == EINTR)) {
         return;
     }
-    bool goesOn = length > 0;
-    if (goesOn) {
+    bool goesOn = false;
+    {
         const std::lock_guard lock(m_mutex);
-        goesOn = Receive({piece, static_cast<std::size_t>(length)}, m_trouble);
+        goesOn = !m_closes && length > 0 && Receive({piece, static_cast<std::size_t>(length)}, m_cutReason);
         m_changed.notify_all();
     }
     if (!goesOn) {
@@ -172,8 +141,11 @@ void LinkServer::Read() {
 
 void LinkServer::Close() {
     const std::lock_guard lock(m_mutex);
-    CloseIfOpen(m_connection);
+    if (m_connection >= 0) {
+        close(m_connection);
+    }
     m_connection = -1;
+    m_closes = false;
     m_changed.notify_all();
 }
 

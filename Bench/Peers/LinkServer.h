@@ -1,8 +1,9 @@
-// One end of a link: a TCP server on the loopback interface with one connection at a time, the newest, which a thread
-// of its own reads. Every public operation may be called from any thread. Seconds are those of this process's clock.
-// Whoever derives from it calls Start once it is ready and Stop in its destructor.
+// One end of a link: a TCP server on the loopback interface that serves one connection at a time, the newest. Its
+// thread reads the connection. Every public operation may be called from any thread. Seconds are those of this
+// process's clock. A derived class calls Start when it is ready and Stop in its destructor.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -22,17 +23,16 @@ public:
     std::uint16_t Port() const { return m_port; }
     bool IsConnected() const;
     std::size_t Connections() const;  // so far
-    std::string Trouble() const;      // why the last connection was cut from here; empty where it wasn't
+    std::string CutReason() const;    // why this end cut the last connection; empty if it did not
 
-    // All of it at once. False without a connection, or where the other side leaves so much unread that it doesn't fit.
+    // Sends all bytes at once. Returns false without a connection, or if the peer has left so much unread that they do
+    // not fit.
     bool Send(std::string_view bytes);
 
-    void Disconnect();  // as a program does that ends
-    void Abort();       // as one does that is cut off: the other side's read fails
+    void Disconnect();  // as a program that ends
+    void Abort();       // as a program that is cut off: the peer's read fails
 
-    bool WaitForConnection(double seconds) const {
-        return WaitFor(seconds, [this] { return m_connection >= 0; });
-    }
+    bool WaitForConnection(double seconds) const { return WaitForConnection(0, seconds); }
     // Of that number or later; the first is 1.
     bool WaitForConnection(std::size_t number, double seconds) const {
         return WaitFor(seconds, [this, number] { return m_connection >= 0 && m_connections >= number; });
@@ -44,17 +44,17 @@ public:
 protected:
     LinkServer() = default;
 
-    // False with a sentence in `error` where the port can't be had. Port 0: any that is free.
+    // Returns false with the reason in `error` if the port is not available. Port 0: any free port.
     bool Listen(std::uint16_t port, std::string& error);
     void Start();
     void Stop();
 
-    // Both with the lock held, on the server's thread. What came, in pieces as the system gives them; false with a
-    // sentence cuts the connection.
-    virtual bool Receive(std::string_view bytes, std::string& trouble) = 0;
+    // Both are called on the server's thread with the lock held. Receive gets the bytes in pieces; if it returns false,
+    // with the reason, the connection is cut.
+    virtual bool Receive(std::string_view bytes, std::string& reason) = 0;
     virtual void Begin() = 0;  // a new connection
 
-    // Until the condition, which is looked at with the lock held; false after that time.
+    // Waits until the condition holds, which is checked with the lock held. Returns false on timeout.
     template <typename Condition>
     bool WaitFor(double seconds, Condition condition) const {
         std::unique_lock lock(m_mutex);
@@ -68,17 +68,18 @@ private:
     void Accept();
     void Read();
     void Close();
-    void Wake(char order) const;
+    void CloseSoon(bool aborts);
 
     mutable std::condition_variable m_changed;
     std::thread m_thread;
+    std::atomic<bool> m_stops{false};
     std::uint16_t m_port = 0;
     int m_listener = -1;
-    int m_wake[2] = {-1, -1};
     // Written by the server's thread alone, with the lock held.
     int m_connection = -1;
     std::size_t m_connections = 0;
-    std::string m_trouble;
+    std::string m_cutReason;
+    bool m_closes = false;  // by any thread, with the lock held: the server's thread is to close the connection
 };
 
 }  // namespace Bench

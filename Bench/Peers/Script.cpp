@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 
@@ -13,25 +12,19 @@ namespace {
 
 constexpr char Blanks[] = " \t\r";
 
-void Print(std::FILE* stream, const std::string& text) {
-    std::fprintf(stream, "%s\n", text.c_str());
-    std::fflush(stream);
-}
-
-void Prompt(bool isPerson, const char* prompt) {
-    if (isPerson) {
-        std::fputs(prompt, stdout);
-        std::fflush(stdout);
-    }
+void Print(const std::string& text) {
+    std::fputs(text.c_str(), stdout);
+    std::fflush(stdout);
 }
 
 }  // namespace
 
 int RunScript(std::istream& lines, bool isPerson, const char* prompt, const CommandFunction& run) {
-    int status = PeerDone;
+    int status = ExitSuccess;
     std::size_t number = 0;
-    Prompt(isPerson, prompt);
-    for (std::string line; std::getline(lines, line); Prompt(isPerson, prompt)) {
+    const std::string shown = isPerson ? prompt : "";
+    Print(shown);
+    for (std::string line; std::getline(lines, line); Print(shown)) {
         ++number;
         const std::vector<std::string> words = WordsOf(line);
         if (words.empty() || words[0][0] == '#') {
@@ -39,14 +32,13 @@ int RunScript(std::istream& lines, bool isPerson, const char* prompt, const Comm
         }
         const Reply reply = run(words, line);
         if (reply.kind == Reply::Wrong && !isPerson) {
-            Print(stderr, "run: line " + std::to_string(number) + ": " + reply.text);
-            return PeerWrongCommand;
+            return Refuse("run", "line " + std::to_string(number) + ": " + reply.text);
         }
         if (reply.kind == Reply::Quit) {
             return status;
         }
-        Print(stdout, reply.text);
-        status = reply.kind == Reply::Failed ? PeerUnanswered : status;
+        Print(reply.text + "\n");
+        status = reply.kind == Reply::Failed ? ExitFailure : status;
     }
     return status;
 }
@@ -57,8 +49,7 @@ int RunScript(const PeerOptions& options, const char* prompt, const CommandFunct
     }
     std::ifstream file(options.script);
     if (!file) {
-        Print(stderr, "run: can't read the script " + options.script);
-        return PeerWrongCommand;
+        return Refuse("run", "can't read the script " + options.script);
     }
     return RunScript(file, false, prompt, run);
 }
@@ -73,7 +64,7 @@ std::vector<std::string> WordsOf(const std::string& line) {
     return words;
 }
 
-std::string RestBehind(const std::string& line, std::size_t words) {
+std::string RestAfter(const std::string& line, std::size_t words) {
     std::size_t start = line.find_first_not_of(Blanks);
     for (; words > 0 && start != std::string::npos; --words) {
         start = line.find_first_not_of(Blanks, std::min(line.find_first_of(Blanks, start), line.size()));
@@ -82,23 +73,6 @@ std::string RestBehind(const std::string& line, std::size_t words) {
         return {};
     }
     return line.substr(start, line.find_last_not_of(Blanks) + 1 - start);
-}
-
-bool ReadCount(const std::string& text, std::uint64_t highest, std::uint64_t& value) {
-    if (text.empty() || text.size() > 12 || text.find_first_not_of("0123456789") != std::string::npos) {
-        return false;
-    }
-    value = std::strtoull(text.c_str(), nullptr, 10);
-    return value <= highest;
-}
-
-bool ReadDecimal(const std::string& text, double highest, double& value) {
-    if (text.empty() || text.find_first_not_of("0123456789.") != std::string::npos) {
-        return false;
-    }
-    char* end = nullptr;
-    value = std::strtod(text.c_str(), &end);
-    return *end == '\0' && value <= highest;
 }
 
 std::string SecondsText(double seconds) {

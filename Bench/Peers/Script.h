@@ -1,10 +1,14 @@
-// Commands for a peer, one a line, from a file, a pipe or a person; one line of answer to each.
+// Commands for a peer, one a line, from a file, a pipe or a person; each is answered by one line.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <istream>
 #include <string>
 #include <vector>
+
+#include "Bench/Common/CommandLine.h"
+#include "Bench/Common/Program.h"
 
 namespace Bench {
 
@@ -14,10 +18,6 @@ struct PeerOptions {
     double wait = 30.0;  // seconds for a connection and for an answer
 };
 
-constexpr int PeerDone = 0;          // all was answered
-constexpr int PeerUnanswered = 1;    // something wasn't, or failed
-constexpr int PeerWrongCommand = 2;  // there is no such command, port or file
-
 struct Reply {
     enum Kind { Answered, Failed, Wrong, Quit };
     Kind kind = Answered;
@@ -26,21 +26,19 @@ struct Reply {
 
 using CommandFunction = std::function<Reply(const std::vector<std::string>& words, const std::string& line)>;
 
-// Runs each line; blank ones and those that begin with "#" are skipped. A wrong command ends it unless a person can try
-// again. The exit status.
+// Runs each line, except empty ones and those that begin with "#". A wrong command ends the script unless a person can
+// try again. Returns ExitSuccess, ExitFailure if a command failed or had no answer, or ExitWrongArgument for a wrong
+// command or file.
 int RunScript(std::istream& lines, bool isPerson, const char* prompt, const CommandFunction& run);
 
-// The same with the file or the standard input that the options name.
+// The same with the file that the options name, or the standard input.
 int RunScript(const PeerOptions& options, const char* prompt, const CommandFunction& run);
 
-// At blanks and tabs; none of them is empty.
+// Splits at blanks and tabs; no word is empty.
 std::vector<std::string> WordsOf(const std::string& line);
 
-// What stands behind that many words.
-std::string RestBehind(const std::string& line, std::size_t words);
-
-bool ReadCount(const std::string& text, std::uint64_t highest, std::uint64_t& value);
-bool ReadDecimal(const std::string& text, double highest, double& value);
+// The text after that many words.
+std::string RestAfter(const std::string& line, std::size_t words);
 
 // "30 s", "2.5 s".
 std::string SecondsText(double seconds);

@@ -14,7 +14,7 @@ constexpr std::uint16_t WriteFlag = 1;
 constexpr std::uint16_t RawFlag = 4;
 constexpr double ValueScale = 10000.0;
 
-// Where the fields stand in a header.
+// Offsets of the fields in a header.
 constexpr std::size_t SourceAt = 0;
 constexpr std::size_t DestinationAt = 4;
 constexpr std::size_t FlagsAt = 10;
@@ -65,68 +65,55 @@ std::string NumberText(double number) {
     return {text, result.ptr};
 }
 
+std::string HexDigits(std::uint32_t number, int digits) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%0*X", digits, number);
+    return text;
+}
+
 std::string Hex(std::string_view bytes) {
     std::string text;
     for (const char byte : bytes) {
-        char digits[4];
-        std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned>(static_cast<std::uint8_t>(byte)));
-        text += (text.empty() ? "" : " ") + std::string(digits);
+        text += (text.empty() ? "" : " ") + HexDigits(static_cast<std::uint8_t>(byte), 2);
     }
     return text;
 }
 
-std::optional<std::string> DescribeText(const std::string& data) {
+// Each returns an empty text if the data have another form.
+std::string DescribeText(const std::string& data) {
     const std::optional<TestText> text = DecodeTestText(data);
-    if (!text) {
-        return std::nullopt;
-    }
-    return "text \"" + Printable(text->text) + "\" at " + TimeText(text->time);
+    return text ? "text \"" + Printable(text->text) + "\" at " + TimeText(text->time) : "";
 }
 
-std::optional<std::string> DescribeReadings(const std::string& data) {
+std::string DescribeReadings(const std::string& data) {
     const std::optional<TestReadings> readings = DecodeTestReadings(data);
-    if (!readings) {
-        return std::nullopt;
-    }
-    std::string text = "readings " + std::to_string(readings->readings.size());
-    for (const TestReading& reading : readings->readings) {
-        char value[16];
-        std::snprintf(value, sizeof value, "0x%08X", reading.value);
-        text += std::string("; ") + value + " at " + TimeText(reading.time);
+    std::string text = readings ? "readings " + std::to_string(readings->readings.size()) : "";
+    for (const TestReading& reading : readings ? readings->readings : std::vector<TestReading>()) {
+        text += "; 0x" + HexDigits(reading.value, 8) + " at " + TimeText(reading.time);
     }
     return text;
 }
 
-std::optional<std::string> DescribeMeasurements(const std::string& data) {
+std::string DescribeMeasurements(const std::string& data) {
     const std::optional<std::vector<TestMeasurement>> measurements = DecodeTestMeasurements(data);
-    if (!measurements) {
-        return std::nullopt;
-    }
-    std::string text = "measurements " + std::to_string(measurements->size());
-    for (const TestMeasurement& measurement : *measurements) {
+    std::string text = measurements ? "measurements " + std::to_string(measurements->size()) : "";
+    for (const TestMeasurement& measurement : measurements.value_or(std::vector<TestMeasurement>())) {
         text += "; " + NumberText(measurement.chlorine) + " at " + TimeText(measurement.time);
     }
     return text;
 }
 
-std::optional<std::string> DescribeBytes(const std::string& data) {
+std::string DescribeBytes(const std::string& data) {
     const std::optional<TestText> bytes = DecodeTestBytes(data);
-    if (!bytes) {
-        return std::nullopt;
-    }
-    return "bytes " + Hex(bytes->text) + " at " + TimeText(bytes->time);
+    return bytes ? "bytes " + Hex(bytes->text) + " at " + TimeText(bytes->time) : "";
 }
 
-std::optional<std::string> DescribeAddress(const TestRequest& request, const std::string& data) {
-    const std::optional<TestText> bytes = DecodeTestBytes(data);
-    const bool isText = bytes && !request.raw && !bytes->text.empty() && bytes->text.back() == '\0';
-    if (!isText) {
-        return DescribeBytes(data);
-    }
-    return "address " + Printable(bytes->text.substr(0, bytes->text.size() - 1)) + " at " + TimeText(bytes->time);
+std::string DescribeAddress(const TestRequest& request, const std::string& data) {
+    const std::optional<TestText> text = request.raw ? std::nullopt : DecodeTestText(data);
+    return text ? "address " + Printable(text->text) + " at " + TimeText(text->time) : DescribeBytes(data);
 }
 
-std::optional<std::string> DescribeData(const TestRequest& request, const std::string& data) {
+std::string DescribeData(const TestRequest& request, const std::string& data) {
     const std::uint16_t command = request.command;
     if (data.empty()) {
         return "nothing";
@@ -140,10 +127,7 @@ std::optional<std::string> DescribeData(const TestRequest& request, const std::s
     if (command == 30300) {
         return DescribeAddress(request, data);
     }
-    if (command >= 12000 && command <= 12255) {
-        return DescribeBytes(data);
-    }
-    return DescribeText(data);
+    return command >= 12000 && command <= 12255 ? DescribeBytes(data) : DescribeText(data);
 }
 
 }  // namespace
@@ -167,13 +151,13 @@ std::string EncodeTestRequest(const TestRequest& request) {
     return frame;
 }
 
-std::optional<TestAnswer> TakeTestAnswer(std::string& bytes, std::string& trouble) {
+std::optional<TestAnswer> TakeTestAnswer(std::string& bytes, std::string& error) {
     if (bytes.size() < TestHeaderSize) {
         return std::nullopt;
     }
     const auto length = static_cast<std::uint32_t>(Get(bytes, LengthAt, 3));
     if (length < TestCrcSize) {
-        trouble = "an answer with a length of " + std::to_string(length) + ", too short for its CRC";
+        error = "an answer with a length of " + std::to_string(length) + ", too short for its CRC";
         return std::nullopt;
     }
     if (bytes.size() < TestHeaderSize + length) {
@@ -244,22 +228,17 @@ std::optional<std::vector<TestMeasurement>> DecodeTestMeasurements(const std::st
 
 std::string DescribeTestAnswer(const TestRequest& request, const TestAnswer& answer) {
     if (!answer.crcFits) {
-        char text[64];
-        std::snprintf(text, sizeof text, "wrong CRC 0x%08X behind %zu bytes", answer.crc, answer.data.size());
-        return text;
+        return "wrong CRC 0x" + HexDigits(answer.crc, 8) + " after " + std::to_string(answer.data.size()) + " bytes";
     }
-    const std::optional<std::string> text = DescribeData(request, answer.data);
-    return text ? *text : "unreadable " + Hex(answer.data);
+    const std::string text = DescribeData(request, answer.data);
+    return text.empty() ? "unreadable " + Hex(answer.data) : text;
 }
 
 std::string Printable(std::string_view text) {
     std::string printable;
     for (const char character : text) {
-        const auto byte = static_cast<std::uint8_t>(character);
-        if (byte < 0x20 || byte > 0x7E) {
-            char digits[8];
-            std::snprintf(digits, sizeof digits, "\\x%02X", static_cast<unsigned>(byte));
-            printable += digits;
+        if (character < 0x20 || character > 0x7E) {
+            printable += "\\x" + HexDigits(static_cast<std::uint8_t>(character), 2);
         } else {
             printable += character == '\\' ? "\\\\" : std::string(1, character);
         }

@@ -41,17 +41,17 @@ std::optional<TestAnswer> TestServer::Ask(const TestRequest& request, double sec
     return SendRequest(request) ? TakeAnswer(seconds) : std::nullopt;
 }
 
-bool TestServer::Receive(std::string_view bytes, std::string& trouble) {
+bool TestServer::Receive(std::string_view bytes, std::string& reason) {
     m_bytes += bytes;
-    while (std::optional<TestAnswer> answer = TakeTestAnswer(m_bytes, trouble)) {
+    while (std::optional<TestAnswer> answer = TakeTestAnswer(m_bytes, reason)) {
         m_answers.push_back(std::move(*answer));
         ++m_count;
     }
     if (m_answers.size() > AnswersKept) {
-        trouble = "more than " + std::to_string(AnswersKept) + " answers that nobody asked for";
+        reason = "more than " + std::to_string(AnswersKept) + " answers without a request";
         m_answers.clear();
     }
-    return trouble.empty();
+    return reason.empty();
 }
 
 }  // namespace Bench

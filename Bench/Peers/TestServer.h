@@ -1,6 +1,6 @@
-// A test station's end of the test link: listens, sends commands by number and keeps the answers. It knows the frames
-// on the wire and nothing of the analyzer. The analyzer leaves many commands unanswered, and an answer doesn't tell to
-// which one it belongs: their order does. Operations from any thread.
+// The test station's end of the test link: it listens, sends commands by number and keeps the answers. It depends on
+// the protocol alone and on no code of the analyzer. The analyzer does not answer every command, and an answer does not
+// name its command: match them by order. Operations from any thread.
 #pragma once
 
 #include <deque>
@@ -14,27 +14,27 @@ namespace Bench {
 
 class TestServer final : public LinkServer {
 public:
-    static constexpr std::size_t AnswersKept = 256;  // not taken yet; with more the connection is cut
+    static constexpr std::size_t AnswersKept = 256;  // not taken yet; more cut the connection
 
-    // Null with a sentence in `error` where the port can't be had. Port 0: any that is free.
+    // Returns null with the reason in `error` if the port is not available. Port 0: any free port.
     static std::unique_ptr<TestServer> Listen(std::uint16_t port, std::string& error);
     ~TestServer() override { Stop(); }
 
     bool SendRequest(const TestRequest& request) { return Send(EncodeTestRequest(request)); }
 
-    // The next answer, once it is there; nothing after that time.
+    // Waits for the next answer. Nothing on timeout.
     std::optional<TestAnswer> TakeAnswer(double seconds);
-    std::size_t Waiting() const;  // answers that nobody has taken
+    std::size_t Waiting() const;  // answers not taken yet
     std::size_t AnswerCount() const;
 
-    // Sends it and takes the next answer; what came before, late, is dropped.
+    // Sends the request and takes the next answer. Earlier answers that arrived late are dropped.
     std::optional<TestAnswer> Ask(const TestRequest& request, double seconds);
 
 private:
     TestServer() = default;
 
     void Begin() override { m_bytes.clear(); }
-    bool Receive(std::string_view bytes, std::string& trouble) override;
+    bool Receive(std::string_view bytes, std::string& reason) override;
 
     // With the lock held.
     std::string m_bytes;

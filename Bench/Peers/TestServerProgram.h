@@ -1,4 +1,4 @@
-// The test station for a person or a script: a command number with what belongs to it, and the answer in words.
+// The test station for a person or a script: a command number with its settings, and the answer in words.
 #pragma once
 
 #include "Bench/Peers/Script.h"
@@ -22,7 +22,7 @@ private:
     double m_wait;
 };
 
-// Listens and runs the commands; the exit status.
+// Listens and runs the commands. Returns the exit status.
 int RunTestServer(const PeerOptions& options);
 
 }  // namespace Bench

@@ -18,7 +18,7 @@ protected:
         std::string error;
         frontEnd = Bench::FrontEnd::Listen(0, error);
         EXPECT_NE(frontEnd, nullptr) << error;
-        EXPECT_TRUE(Board().MapPort(Bench::FrontEnd::UsualPort, frontEnd->Port()));
+        EXPECT_TRUE(Board().MapPort(Bench::FrontEnd::DefaultPort, frontEnd->Port()));
     }
 
     ~WithFrontEnd() override {

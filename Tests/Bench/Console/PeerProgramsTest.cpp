@@ -71,7 +71,7 @@ TEST_F(PeerPrograms, unanswered_command_gives_1) {
 
 TEST_F(PeerPrograms, wrong_command_gives_2_with_its_line) {
     EXPECT_EQ(run.Run({"--test-server", "--test-server-port", FreePort(), "--script", Script("\nmeasure\n")}), 2);
-    EXPECT_EQ(run.Err(), "run: line 2: \"measure\" is no command number, help or quit\n");
+    EXPECT_EQ(run.Err(), "run: line 2: \"measure\": unknown command (expected a number, help or quit)\n");
 }
 
 TEST_F(PeerPrograms, missing_script_is_named) {

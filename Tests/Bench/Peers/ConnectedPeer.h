@@ -1,4 +1,4 @@
-// A peer on a port of its own, with a client in the analyzer's place that is connected to it.
+// A peer on a free port, with a client connected to it in place of the analyzer.
 #pragma once
 
 #include <memory>

@@ -13,7 +13,7 @@ class FrontEndPeer : public ConnectedPeer<FrontEnd> {};
 
 }  // namespace
 
-TEST_F(FrontEndPeer, takes_a_measurement_apart) {
+TEST_F(FrontEndPeer, parses_a_measurement) {
     client->Write("ChlorineValue~0.53;DateValue~@Tuesday March 05,02:14:07 pm\n`");
     ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
     EXPECT_EQ(peer->Frames()[0].text, "ChlorineValue~0.53;DateValue~@Tuesday March 05,02:14:07 pm\n");
@@ -31,7 +31,7 @@ TEST_F(FrontEndPeer, screen_shows_the_last_value_of_each_name) {
     EXPECT_EQ(peer->Screen().command, "-2");
 }
 
-TEST_F(FrontEndPeer, frame_in_pieces_is_put_together) {
+TEST_F(FrontEndPeer, frame_in_pieces_is_joined) {
     for (const char byte : std::string("CMD~-1`CMD~")) {
         client->Write(std::string(1, byte));
     }
@@ -42,13 +42,13 @@ TEST_F(FrontEndPeer, frame_in_pieces_is_put_together) {
     EXPECT_EQ(peer->Rest(), "");
 }
 
-TEST_F(FrontEndPeer, sends_codes_as_they_stand_on_the_wire) {
+TEST_F(FrontEndPeer, sends_codes_in_the_form_of_the_protocol) {
     EXPECT_TRUE(peer->SendCode(FrontEnd::Running));
     EXPECT_TRUE(peer->SendCode(8, "text"));
     EXPECT_EQ(client->Read(8), "2~8~text");
 }
 
-TEST_F(FrontEndPeer, a_new_connection_takes_the_place_of_the_former_and_clears_the_screen) {
+TEST_F(FrontEndPeer, a_new_connection_replaces_the_old_and_clears_the_screen) {
     client->Write("CMD~-1`half");
     ASSERT_TRUE(peer->WaitForFrames(1, Deadline));
     const RawClient second(peer->Port());
@@ -65,23 +65,23 @@ TEST_F(FrontEndPeer, sees_the_analyzer_go) {
     EXPECT_TRUE(peer->WaitForEnd(Deadline));
     EXPECT_FALSE(peer->IsConnected());
     EXPECT_FALSE(peer->SendCode(1));
-    EXPECT_EQ(peer->Trouble(), "");
+    EXPECT_EQ(peer->CutReason(), "");
 }
 
-TEST_F(FrontEndPeer, disconnects_as_a_program_that_ends) {
+TEST_F(FrontEndPeer, disconnects_like_a_program_that_ends) {
     peer->Disconnect();
     EXPECT_EQ(client->ReadResult(), 0);
 }
 
-TEST_F(FrontEndPeer, aborts_as_a_machine_that_fails) {
+TEST_F(FrontEndPeer, aborts_like_a_machine_that_fails) {
     peer->Abort();
     EXPECT_EQ(client->ReadResult(), -1);
 }
 
-TEST_F(FrontEndPeer, frame_without_an_end_is_cut_off) {
-    client->Write(std::string(FrontEnd::LongestFrame + 1, 'x'));
+TEST_F(FrontEndPeer, frame_without_an_end_cuts_the_connection) {
+    client->Write(std::string(FrontEnd::MaxFrame + 1, 'x'));
     EXPECT_TRUE(peer->WaitForEnd(Deadline));
-    EXPECT_EQ(peer->Trouble(), "a frame of more than 65536 bytes");
+    EXPECT_EQ(peer->CutReason(), "a frame of more than 65536 bytes");
     EXPECT_EQ(peer->Rest(), "");
 }
 
@@ -94,12 +94,12 @@ TEST_F(FrontEndPeer, keeps_the_last_frames_of_many) {
     ASSERT_TRUE(peer->WaitForFrames(FrontEnd::FramesKept + 10, Deadline));
     EXPECT_EQ(peer->Frames().size(), FrontEnd::FramesKept);
     EXPECT_EQ(peer->Texts().front(), "CMD~10");
-    std::size_t behind = 0;
-    EXPECT_EQ(peer->WaitForValue("CMD", std::nullopt, behind, Deadline)->text, "CMD~10");
-    EXPECT_EQ(behind, 11U);
+    std::size_t seen = 0;
+    EXPECT_EQ(peer->WaitForValue("CMD", std::nullopt, seen, Deadline)->text, "CMD~10");
+    EXPECT_EQ(seen, 11U);
 }
 
-TEST_F(FrontEndPeer, a_flood_that_nobody_reads_is_refused_and_not_kept) {
+TEST_F(FrontEndPeer, a_flood_that_is_not_read_is_refused_and_not_kept) {
     const std::string flood(1U << 20U, 'x');
     int accepted = 0;
     while (accepted < 1000 && peer->Send(flood)) {
@@ -108,14 +108,14 @@ TEST_F(FrontEndPeer, a_flood_that_nobody_reads_is_refused_and_not_kept) {
     EXPECT_LT(accepted, 1000);
 }
 
-TEST_F(FrontEndPeer, waits_for_the_value_behind_those_seen) {
+TEST_F(FrontEndPeer, waits_for_a_value_after_those_seen) {
     client->Write("CMD~-1`CMD~-2`CMD~-1`");
-    std::size_t behind = 0;
-    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", behind, Deadline).has_value());
-    EXPECT_EQ(behind, 1U);
-    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", behind, Deadline).has_value());
-    EXPECT_EQ(behind, 3U);
-    EXPECT_FALSE(peer->WaitForValue("CMD", "-1", behind, 0.0).has_value());
+    std::size_t seen = 0;
+    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", seen, Deadline).has_value());
+    EXPECT_EQ(seen, 1U);
+    EXPECT_TRUE(peer->WaitForValue("CMD", "-1", seen, Deadline).has_value());
+    EXPECT_EQ(seen, 3U);
+    EXPECT_FALSE(peer->WaitForValue("CMD", "-1", seen, 0.0).has_value());
 }
 
 TEST(FrontEndListen, busy_port_is_told) {

@@ -1,4 +1,4 @@
-// The two peers' commands, without the programs around them.
+// The commands of the two peers.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -24,7 +24,7 @@ protected:
         EXPECT_EQ(reply.text, sentence);
     }
 
-    // What the question becomes where the analyzer answers with no data and that CRC.
+    // The reply to a request that the analyzer answers with no data and this CRC.
     Reply ReplyToCrc(char crc) {
         std::thread analyzer([this, crc] {
             EXPECT_EQ(client->Read(TestHeaderSize).size(), TestHeaderSize);
@@ -33,8 +33,8 @@ protected:
             answer[TestHeaderSize] = crc;
             client->Write(answer);
         });
-        TestServerProgram patient(*peer, Deadline);
-        Reply reply = RunLine(patient, "800");
+        TestServerProgram slow(*peer, Deadline);
+        Reply reply = RunLine(slow, "800");
         analyzer.join();
         return reply;
     }
@@ -77,7 +77,7 @@ TEST_F(TestCommands, write_takes_the_rest_of_the_line) {
     EXPECT_EQ(client->Read(TestHeaderSize + 23), EncodeTestRequest(request));
 }
 
-TEST_F(TestCommands, answer_is_shown_behind_the_number) {
+TEST_F(TestCommands, answer_is_shown_after_the_number) {
     const Reply reply = ReplyToCrc(0);
     EXPECT_EQ(reply.kind, Reply::Answered);
     EXPECT_EQ(reply.text, "800: nothing");
@@ -86,23 +86,24 @@ TEST_F(TestCommands, answer_is_shown_behind_the_number) {
 TEST_F(TestCommands, answer_with_a_wrong_crc_is_a_failure) {
     const Reply reply = ReplyToCrc(1);
     EXPECT_EQ(reply.kind, Reply::Failed);
-    EXPECT_EQ(reply.text, "800: wrong CRC 0x00000001 behind 0 bytes");
+    EXPECT_EQ(reply.text, "800: wrong CRC 0x00000001 after 0 bytes");
 }
 
 TEST_F(TestCommands, wrong_words_are_named) {
-    ExpectWrong("eight", "\"eight\" is no command number, help or quit");
-    ExpectWrong("65536", "\"65536\" is no command number, help or quit");
-    ExpectWrong("-1", "\"-1\" is no command number, help or quit");
-    ExpectWrong("840 fast", "unknown word \"fast\"; help lists what there is");
-    ExpectWrong("840 speed=1", "unknown word \"speed=1\"; help lists what there is");
-    ExpectWrong("62100 count=16777216", "count does not take \"16777216\", but a whole number from 0 to 16777215");
-    ExpectWrong("62100 value=65536", "value does not take \"65536\", but a number from 0 to 65535.9999");
-    ExpectWrong("62100 value=-1", "value does not take \"-1\", but a number from 0 to 65535.9999");
+    ExpectWrong("eight", "\"eight\": unknown command (expected a number, help or quit)");
+    ExpectWrong("65536", "\"65536\": unknown command (expected a number, help or quit)");
+    ExpectWrong("-1", "\"-1\": unknown command (expected a number, help or quit)");
+    ExpectWrong("840 fast", "\"fast\": unknown word (help lists all)");
+    ExpectWrong("840 speed=1", "\"speed=1\": unknown word (help lists all)");
+    ExpectWrong("62100 count=16777216",
+                "count: invalid value \"16777216\" (expected a whole number from 0 to 16777215)");
+    ExpectWrong("62100 value=65536", "value: invalid value \"65536\" (expected a number from 0 to 65535.9999)");
+    ExpectWrong("62100 value=-1", "value: invalid value \"-1\" (expected a number from 0 to 65535.9999)");
     ExpectWrong("840 source=4294967296",
-                "source does not take \"4294967296\", but a whole number from 0 to 4294967295");
-    ExpectWrong("840 destination=x", "destination does not take \"x\", but a whole number from 0 to 4294967295");
-    ExpectWrong("840 wait=soon", "wait does not take \"soon\", but seconds, from 0 to 1000000");
-    ExpectWrong("30200 write", "write needs a text");
+                "source: invalid value \"4294967296\" (expected a whole number from 0 to 4294967295)");
+    ExpectWrong("840 destination=x", "destination: invalid value \"x\" (expected a whole number from 0 to 4294967295)");
+    ExpectWrong("840 wait=soon", "wait: invalid value \"soon\" (expected seconds from 0 to 1000000)");
+    ExpectWrong("30200 write", "write: no text");
 }
 
 TEST_F(TestCommands, without_an_analyzer_fails) {
@@ -122,7 +123,7 @@ TEST_F(TestCommands, help_names_every_word) {
     EXPECT_EQ(RunLine(program, "quit").kind, Reply::Quit);
 }
 
-TEST_F(FrontEndCommands, entering_a_state_waits_until_the_analyzer_says_so) {
+TEST_F(FrontEndCommands, entering_a_state_waits_for_the_analyzer) {
     std::thread analyzer([this] {
         EXPECT_EQ(client->Read(2), "2~");
         client->Write("InstrumentStatus~x;SoftwareVersion~1`CMD~-2`");
@@ -166,7 +167,7 @@ TEST_F(FrontEndCommands, wait_shows_the_next_frame_of_that_name) {
     EXPECT_EQ(RunLine(hasty, "wait DateValue").text, "wait: no answer in 0.05 s");
 }
 
-TEST_F(FrontEndCommands, show_tells_the_screen_in_one_line) {
+TEST_F(FrontEndCommands, show_prints_the_screen_in_one_line) {
     EXPECT_EQ(RunLine(program, "show").text, "show: value \"\" date \"\" status \"\" version \"\" state unknown");
     client->Write(
         "ChlorineValue~0.60;DateValue~@Friday May 01,01:02:03 am\n;InstrumentStatus~a\x1B"
@@ -182,7 +183,7 @@ TEST_F(FrontEndCommands, wrong_ones_are_named) {
     for (const char* line : {"jump", "code", "code x", "code 1 2", "text", "wait"}) {
         const Reply reply = RunLine(program, line);
         EXPECT_EQ(reply.kind, Reply::Wrong) << line;
-        EXPECT_EQ(reply.text, "\"" + std::string(line) + "\" is no command; help lists what there is");
+        EXPECT_EQ(reply.text, "\"" + std::string(line) + "\": unknown command (help lists all)");
     }
 }
 
@@ -196,8 +197,8 @@ TEST_F(FrontEndCommands, without_an_analyzer_fail) {
     }
 }
 
-TEST_F(FrontEndCommands, an_analyzer_that_had_to_be_cut_off_is_told) {
-    client->Write(std::string(FrontEnd::LongestFrame + 1, 'x'));
+TEST_F(FrontEndCommands, a_cut_connection_is_reported) {
+    client->Write(std::string(FrontEnd::MaxFrame + 1, 'x'));
     ASSERT_TRUE(peer->WaitForEnd(Deadline));
     EXPECT_EQ(RunLine(hasty, "idle").text, "idle: cut off: a frame of more than 65536 bytes");
 }
@@ -230,7 +231,7 @@ int Script(const std::string& text, std::string& out, std::string& err, bool isP
 
 }  // namespace
 
-TEST(PeerScript, status_tells_whether_all_was_answered) {
+TEST(PeerScript, status_is_0_if_all_was_answered) {
     std::string out;
     std::string err;
     EXPECT_EQ(Script("", out, err), 0);
@@ -253,12 +254,12 @@ TEST(PeerScript, a_person_may_try_again) {
     EXPECT_EQ(err, "");
 }
 
-TEST(PeerScript, words_and_the_rest_behind_them) {
+TEST(PeerScript, words_and_the_rest_of_a_line) {
     EXPECT_EQ(WordsOf(" a\tb  c \r"), (std::vector<std::string>{"a", "b", "c"}));
     EXPECT_TRUE(WordsOf("  ").empty());
-    EXPECT_EQ(RestBehind(" a  b  c d \r", 2), "c d");
-    EXPECT_EQ(RestBehind("a b", 2), "");
-    EXPECT_EQ(RestBehind("", 1), "");
+    EXPECT_EQ(RestAfter(" a  b  c d \r", 2), "c d");
+    EXPECT_EQ(RestAfter("a b", 2), "");
+    EXPECT_EQ(RestAfter("", 1), "");
 }
 
 TEST(FrontEndPanel, shows_every_value_and_every_button) {

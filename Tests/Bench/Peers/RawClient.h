@@ -1,4 +1,4 @@
-// A plain TCP client in the analyzer's place, with blocking calls.
+// A TCP client in place of the analyzer, with blocking calls.
 #pragma once
 
 #include <arpa/inet.h>
@@ -11,7 +11,7 @@
 
 namespace Bench {
 
-// Ends a hang; never a measure.
+// Seconds; ends a test that would hang.
 constexpr double Deadline = 60.0;
 
 class RawClient {
@@ -38,13 +38,13 @@ public:
         while (sent < bytes.size()) {
             const ssize_t length = send(m_socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
             if (length <= 0) {
-                return;  // cut off: the other side tells why
+                return;  // cut off: CutReason() of the peer says why
             }
             sent += static_cast<std::size_t>(length);
         }
     }
 
-    // That many bytes, or fewer at the end of the connection.
+    // Reads that many bytes, or fewer at the end of the connection.
     std::string Read(std::size_t size) const {
         std::string bytes(size, '\0');
         const ssize_t length = recv(m_socket, bytes.data(), size, MSG_WAITALL);

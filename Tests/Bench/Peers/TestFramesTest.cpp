@@ -17,7 +17,7 @@ std::string Bytes(const std::string& hex) {
     return bytes;
 }
 
-// A header that tells that many bytes behind it, sent at second 0x01020304 and nanosecond 5.
+// A header with that length, sent at second 0x01020304 and nanosecond 5.
 std::string HeaderOf(std::size_t length) {
     std::string header(TestHeaderSize, '\0');
     header[14] = static_cast<char>(length & 0xFF);
@@ -87,7 +87,7 @@ TEST(TestFrames, value_is_rounded_to_ten_thousandths) {
     EXPECT_EQ(EncodeTestRequest(request).substr(18, 4), Bytes("00 00 54 0B"));
     request.value = 0.99999;
     EXPECT_EQ(EncodeTestRequest(request).substr(18, 4), Bytes("01 00 00 00"));
-    request.value = HighestTestValue;
+    request.value = MaxTestValue;
     EXPECT_EQ(EncodeTestRequest(request).substr(18, 4), Bytes("FF FF 0F 27"));
 }
 
@@ -111,12 +111,12 @@ TEST(TestFrames, answer_gives_time_data_and_whether_the_crc_fits) {
     EXPECT_EQ(answer.header[14], 13);
 }
 
-TEST(TestFrames, answer_with_another_crc_is_told) {
+TEST(TestFrames, answer_with_a_wrong_crc_is_reported) {
     std::string bytes = AnswerOf("data");
     bytes[33] ^= 1;
     const TestAnswer answer = Take(bytes);
     EXPECT_FALSE(answer.crcFits);
-    EXPECT_EQ(DescribeTestAnswer({}, answer), "wrong CRC 0xADF3F363 behind 4 bytes");
+    EXPECT_EQ(DescribeTestAnswer({}, answer), "wrong CRC 0xADF3F363 after 4 bytes");
 }
 
 TEST(TestFrames, answer_is_taken_once_it_is_whole) {
@@ -133,7 +133,7 @@ TEST(TestFrames, answer_is_taken_once_it_is_whole) {
     EXPECT_EQ(trouble, "");
 }
 
-TEST(TestFrames, length_without_room_for_a_crc_is_trouble) {
+TEST(TestFrames, length_without_room_for_a_crc_is_an_error) {
     for (std::size_t length = 0; length < TestCrcSize; ++length) {
         std::string bytes = HeaderOf(length) + "....";
         std::string trouble;
@@ -153,7 +153,7 @@ TEST(TestFrames, text_is_a_time_and_a_text_with_a_zero_byte) {
     EXPECT_FALSE(DecodeTestText(Stamp + std::string("a\0b\0", 4)).has_value());
 }
 
-TEST(TestFrames, readings_have_twelve_bytes_each_behind_a_time) {
+TEST(TestFrames, readings_have_twelve_bytes_each_after_a_time) {
     const auto readings = DecodeTestReadings(Stamp + Bytes("01 00 00 00 02 00 00 00 78 56 34 12") +
                                              Bytes("03 00 00 00 04 00 00 00 66 55 44 33"));
     ASSERT_TRUE(readings.has_value());
@@ -179,7 +179,7 @@ TEST(TestFrames, measurements_have_a_time_and_a_double_each) {
     EXPECT_FALSE(DecodeTestMeasurements(Stamp + "1234567").has_value());
 }
 
-TEST(TestFrames, each_answer_is_told_in_one_line) {
+TEST(TestFrames, each_answer_is_described_in_one_line) {
     EXPECT_EQ(Describe(840, Stamp + std::string("TEST_STATE\0", 11)),
               "text \"TEST_STATE\" at 2013-01-23 15:21:36.000000009");
     EXPECT_EQ(Describe(44100, Stamp + Bytes("00 00 00 00 01 00 00 00 78 56 34 12")),
@@ -195,7 +195,7 @@ TEST(TestFrames, each_answer_is_told_in_one_line) {
     EXPECT_EQ(Describe(840, "short"), "unreadable 73 68 6F 72 74");
 }
 
-TEST(TestFrames, what_is_shown_has_no_control_characters) {
+TEST(TestFrames, output_has_no_control_characters) {
     EXPECT_EQ(Describe(840, Stamp + std::string("\x1B[2Jok\\\xFF\0", 9)),
               "text \"\\x1B[2Jok\\\\\\xFF\" at 2013-01-23 15:21:36.000000009");
 }

@@ -7,7 +7,7 @@
 namespace Bench {
 namespace {
 
-// An answer without data: a header that tells of 4 bytes, and the CRC of nothing.
+// An answer without data: a header with a length of 4, and the CRC of no data.
 std::string EmptyAnswer() {
     std::string answer(TestHeaderSize + TestCrcSize, '\0');
     answer[14] = static_cast<char>(TestCrcSize);
@@ -30,12 +30,12 @@ TEST_F(TestServerPeer, sends_a_request_and_takes_the_answer) {
     EXPECT_EQ(answer->data, "");
 }
 
-TEST_F(TestServerPeer, unanswered_question_is_given_up) {
+TEST_F(TestServerPeer, unanswered_request_times_out) {
     EXPECT_FALSE(peer->Ask({}, 0.05).has_value());
-    EXPECT_EQ(peer->Trouble(), "");
+    EXPECT_EQ(peer->CutReason(), "");
 }
 
-TEST_F(TestServerPeer, late_answer_does_not_count_for_the_next_question) {
+TEST_F(TestServerPeer, late_answer_does_not_count_for_the_next_request) {
     client->Write(EmptyAnswer());
     EXPECT_TRUE(peer->TakeAnswer(Deadline).has_value());
     client->Write(EmptyAnswer());
@@ -47,23 +47,23 @@ TEST_F(TestServerPeer, late_answer_does_not_count_for_the_next_question) {
     EXPECT_EQ(peer->Waiting(), 0U);
 }
 
-TEST_F(TestServerPeer, answers_that_nobody_asked_for_have_a_limit) {
+TEST_F(TestServerPeer, answers_without_a_request_have_a_limit) {
     std::string flood;
     for (std::size_t i = 0; i <= TestServer::AnswersKept; ++i) {
         flood += EmptyAnswer();
     }
     client->Write(flood);
     EXPECT_TRUE(peer->WaitForEnd(Deadline));
-    EXPECT_EQ(peer->Trouble(), "more than 256 answers that nobody asked for");
+    EXPECT_EQ(peer->CutReason(), "more than 256 answers without a request");
     EXPECT_EQ(peer->Waiting(), 0U);
 }
 
-TEST_F(TestServerPeer, answer_that_can_not_be_one_is_cut_off) {
+TEST_F(TestServerPeer, invalid_answer_cuts_the_connection) {
     std::string bad = EmptyAnswer();
     bad[14] = 3;
     client->Write(bad);
     EXPECT_TRUE(peer->WaitForEnd(Deadline));
-    EXPECT_EQ(peer->Trouble(), "an answer with a length of 3, too short for its CRC");
+    EXPECT_EQ(peer->CutReason(), "an answer with a length of 3, too short for its CRC");
 }
 
 TEST_F(TestServerPeer, half_an_answer_is_forgotten_with_its_connection) {
