@@ -14,8 +14,8 @@ inline constexpr int ExitSignalBase = 128;
 // Prints "program: error" on the error stream and returns ExitWrongArgument.
 int Refuse(const std::string& program, const std::string& error);
 
-// From then on SIGINT, SIGTERM and SIGHUP don't end the process; the last one is in the number that is returned, 0
-// until one comes. Call once, from the main thread.
+// From now on SIGINT, SIGTERM and SIGHUP don't end the process. Returns the place of the last one's number, 0 until
+// one comes.
 const volatile std::sig_atomic_t& CatchSignals();
 
 }  // namespace Bench

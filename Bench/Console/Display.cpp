@@ -30,12 +30,12 @@ int TerminalWidth() {
 }  // namespace
 
 Display::Display()
-    : m_terminal(isatty(STDOUT_FILENO) == 1), m_coloured(m_terminal && std::getenv("NO_COLOR") == nullptr) {}
+    : m_terminal(isatty(STDOUT_FILENO) == 1), m_colored(m_terminal && std::getenv("NO_COLOR") == nullptr) {}
 
-void Display::Write(const std::string& text, const char* colour) {
+void Display::Write(const std::string& text, const char* color) {
     EndProgress();
-    const bool coloured = m_coloured && *colour != '\0';
-    std::printf("%s%s%s\n", coloured ? colour : "", text.c_str(), coloured ? Reset : "");
+    const bool colored = m_colored && *color != '\0';
+    std::printf("%s%s%s\n", colored ? color : "", text.c_str(), colored ? Reset : "");
     std::fflush(stdout);
 }
 
@@ -57,14 +57,14 @@ void Display::Result(const std::string& text) { Write(text, m_terminal ? Bold : 
 
 void Display::Warning(const std::string& text) { Write(text, Amber); }
 
-void Display::Indicator(const std::string& text) { Write(m_coloured ? Painted(text) : text, Plain); }
+void Display::Indicator(const std::string& text) { Write(m_colored ? Painted(text) : text, Plain); }
 
 void Display::Progress(const std::string& text) {
     if (!m_terminal) {
         return;
     }
     const std::string cut = CutToWidth(text, TerminalWidth() - 1);
-    std::printf("%s%s%s%s", EraseLine, m_coloured ? Cyan : "", cut.c_str(), m_coloured ? Reset : "");
+    std::printf("%s%s%s%s", EraseLine, m_colored ? Cyan : "", cut.c_str(), m_colored ? Reset : "");
     std::fflush(stdout);
     m_progress = true;
 }
@@ -80,12 +80,12 @@ void Display::EndProgress() {
 std::string Painted(const std::string& text) {
     constexpr struct {
         const char* word;
-        const char* colour;
+        const char* color;
     } Words[] = {{"blue", Blue}, {"amber", Amber}, {"red", Red}};
     std::string painted = text;
     for (const auto& row : Words) {
         const std::string word = row.word;
-        const std::string paint = row.colour + word + Reset;
+        const std::string paint = row.color + word + Reset;
         for (std::size_t at = painted.find(word); at != std::string::npos; at = painted.find(word, at + paint.size())) {
             painted.replace(at, word.size(), paint);
         }

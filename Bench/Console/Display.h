@@ -6,7 +6,7 @@
 
 namespace Bench {
 
-// A terminal gets colour and the line in place, anything else plain lines alone.
+// A terminal gets color and the line in place, anything else plain lines alone.
 class Display {
 public:
     Display();
@@ -19,22 +19,22 @@ public:
     void LogLine(const std::string& text);
     void Result(const std::string& text);
     void Warning(const std::string& text);
-    void Indicator(const std::string& text);  // each colour that it names in that colour
+    void Indicator(const std::string& text);  // each color that it names in that color
 
     // Replaces the line in place; nothing but on a terminal.
     void Progress(const std::string& text);
     void EndProgress();
 
 private:
-    void Write(const std::string& text, const char* colour);
+    void Write(const std::string& text, const char* color);
 
     bool m_terminal;
-    bool m_coloured;
+    bool m_colored;
     bool m_progress = false;
     std::string m_date;
 };
 
-// Each blue, amber and red in the text painted in its colour, as a terminal wants it.
+// Each blue, amber and red in the text painted in its color, as a terminal wants it.
 std::string Painted(const std::string& text);
 
 // "#######-----  58 %" in that many characters for the bar.

@@ -4,11 +4,11 @@ namespace Bench {
 
 namespace {
 
-constexpr const char* Colours[] = {"blue", "amber", "red"};
-constexpr unsigned Sides = 3;  // LEDs of a side: the analyzer's come first, in the order of the colours
+constexpr const char* Colors[] = {"blue", "amber", "red"};
+constexpr unsigned Sides = 3;  // LEDs of a side: the analyzer's come first, in the order of the colors
 constexpr std::uint8_t AllOfASide = 7;
 
-std::string ColoursOf(unsigned leds) {
+std::string ColorsOf(unsigned leds) {
     if (leds == 0) {
         return "off";
     }
@@ -18,7 +18,7 @@ std::string ColoursOf(unsigned leds) {
     std::string text;
     for (unsigned i = 0; i < Sides; ++i) {
         if ((leds >> i & 1U) != 0) {
-            text += (text.empty() ? "" : "+") + std::string(Colours[i]);
+            text += (text.empty() ? "" : "+") + std::string(Colors[i]);
         }
     }
     return text;
@@ -27,11 +27,11 @@ std::string ColoursOf(unsigned leds) {
 }  // namespace
 
 std::string IndicatorLine(const IndicatorView& view) {
-    return "indicator analyzer " + ColoursOf(view.lit & AllOfASide) + " water " + ColoursOf(view.lit >> Sides) +
+    return "indicator analyzer " + ColorsOf(view.lit & AllOfASide) + " water " + ColorsOf(view.lit >> Sides) +
            " sound " + (view.sound.empty() ? "none" : view.sound);
 }
 
-std::optional<IndicatorView> IndicatorWatch::Look(const Board& board) {
+std::optional<IndicatorView> IndicatorWatch::Poll(const Board& board) {
     IndicatorView view;
     for (unsigned led = 0; led < IndicatorLeds; ++led) {
         if (board.IndicatorLit(static_cast<IndicatorLed>(led))) {
@@ -40,16 +40,16 @@ std::optional<IndicatorView> IndicatorWatch::Look(const Board& board) {
     }
     const std::string loop = board.LoopingClip();
     view.sound = loop.empty() ? board.PlayingClip() : loop;
-    return Take(view);
+    return Update(view);
 }
 
-std::optional<IndicatorView> IndicatorWatch::Take(const IndicatorView& view) {
-    const bool stands = view == m_last;
+std::optional<IndicatorView> IndicatorWatch::Update(const IndicatorView& view) {
+    const bool isSteady = view == m_last;
     m_last = view;
-    if (!stands || view == m_told.value_or(IndicatorView{})) {
+    if (!isSteady || view == m_shown.value_or(IndicatorView{})) {
         return std::nullopt;
     }
-    m_told = view;
+    m_shown = view;
     return view;
 }
 

@@ -1,4 +1,4 @@
-// The remote indicator as a person stands before it: what of it is lit, and what it plays.
+// The remote indicator as a person sees and hears it.
 #pragma once
 
 #include <cstdint>
@@ -16,22 +16,22 @@ struct IndicatorView {
     bool operator==(const IndicatorView&) const = default;
 };
 
-// "indicator analyzer blue water amber sound alert.wav". The colours of a side are joined by "+", three are "all", none
+// "indicator analyzer blue water amber sound alert.wav". The colors of a side are joined by "+", three are "all", none
 // is "off"; silence is "none".
 std::string IndicatorLine(const IndicatorView& view);
 
-// Looks at the indicator again and again. Used by one thread.
+// Reports changes of the indicator. One thread.
 class IndicatorWatch {
 public:
-    // What the indicator has changed to. A colour is changed line by line and its sound after that, so something counts
-    // once it has been met at two looks, one after the other.
-    std::optional<IndicatorView> Look(const Board& board);
-    // The same for what a look has given.
-    std::optional<IndicatorView> Take(const IndicatorView& view);
+    // The new state after a change. LEDs change one by one and the sound after them, so a state counts once two polls
+    // in a row have seen it.
+    std::optional<IndicatorView> Poll(const Board& board);
+    // The same for a state that was polled.
+    std::optional<IndicatorView> Update(const IndicatorView& view);
 
 private:
     IndicatorView m_last;
-    std::optional<IndicatorView> m_told;
+    std::optional<IndicatorView> m_shown;
 };
 
 }  // namespace Bench

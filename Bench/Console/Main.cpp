@@ -21,7 +21,8 @@ int RunPeer(const Bench::Options& options) {
     }
     Bench::AnalyzerSettings settings;
     std::string error;
-    if (!Bench::ReadAnalyzerSettings(options.config.empty() ? BENCH_CONFIGURATION : options.config, settings, error)) {
+    if (!Bench::ReadAnalyzerSettings(
+            options.config.empty() ? Bench::PlacesOfBuild("bench").configuration : options.config, settings, error)) {
         return Bench::Refuse("run", error);
     }
     return Bench::RunTestServer(
@@ -42,5 +43,5 @@ int main(int count, char** arguments) {
     if (options.frontEnd || options.testServer) {
         return RunPeer(options);
     }
-    return Bench::Runner(options, {BENCH_PROGRAM, BENCH_LIBRARY, BENCH_CLIPS, BENCH_CONFIGURATION, BENCH_FOLDER}).Run();
+    return Bench::Runner(options).Run();
 }

@@ -2,10 +2,11 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <vector>
+
+#include "Bench/Common/Text.h"
 
 namespace Bench {
 
@@ -20,20 +21,6 @@ constexpr std::string_view EndText = "End of Measurement Cycle: LED DutyCycle = 
 constexpr std::string_view CycleTexts[] = {ExecutingText, EndText,
                                            "LED Adjustment Results: ", "Waiting for Next Measurement Initiation",
                                            "Aborted Measurement Cycle"};
-
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
-
-std::vector<std::string> SplitAtCommas(const std::string& line) {
-    std::vector<std::string> fields(1);
-    for (const char character : line) {
-        if (character == ',') {
-            fields.emplace_back();
-        } else {
-            fields.back() += character;
-        }
-    }
-    return fields;
-}
 
 bool ReadReal(const std::string& text, double& value) {
     char* end = nullptr;
@@ -60,7 +47,7 @@ bool MeasurementReader::ReadColumns(const std::string& line) {
 }
 
 MeasurementReader::Kind MeasurementReader::Read(const std::string& line, MeasurementRecord& record) {
-    if (StartsWith(line, "Text Date / Time,")) {
+    if (line.starts_with("Text Date / Time,")) {
         return ReadColumns(line) ? Kind::Columns : Kind::Unreadable;
     }
     if (!m_known) {
@@ -85,19 +72,6 @@ MeasurementReader::Kind MeasurementReader::Read(const std::string& line, Measure
     return Kind::Record;
 }
 
-std::optional<std::string> TextOfLogRecord(const std::string& line) {
-    constexpr int FieldsBefore = 4;  // priority, identity, options, facility
-    std::size_t start = 0;
-    for (int field = 0; field < FieldsBefore; ++field) {
-        const std::size_t tab = line.find('\t', start);
-        if (tab == std::string::npos) {
-            return std::nullopt;
-        }
-        start = tab + 1;
-    }
-    return line.substr(start, line.find('\t', start) - start);
-}
-
 std::optional<StatusLine> ReadStatusLine(const std::string& line) {
     const std::size_t separator = line.find(" :: ");
     if (separator == std::string::npos) {
@@ -117,7 +91,7 @@ std::optional<StatusLine> ReadStatusLine(const std::string& line) {
 
 bool IsCycleStatus(const std::string& text) {
     for (const std::string_view start : CycleTexts) {
-        if (StartsWith(text, start)) {
+        if (text.starts_with(start)) {
             return true;
         }
     }
@@ -127,7 +101,7 @@ bool IsCycleStatus(const std::string& text) {
 std::optional<std::string> StepOfStatus(const std::string& text) {
     const std::string_view view = text;
     const std::size_t around = ExecutingText.size() + StepText.size();
-    if (!StartsWith(view, ExecutingText) || view.size() < around ||
+    if (!view.starts_with(ExecutingText) || view.size() < around ||
         view.substr(view.size() - StepText.size()) != StepText) {
         return std::nullopt;
     }
@@ -135,7 +109,7 @@ std::optional<std::string> StepOfStatus(const std::string& text) {
 }
 
 std::optional<double> DutyOfStatus(const std::string& text) {
-    if (!StartsWith(text, EndText)) {
+    if (!text.starts_with(EndText)) {
         return std::nullopt;
     }
     const char* start = text.c_str() + EndText.size();
@@ -149,13 +123,10 @@ std::optional<double> DutyOfStatus(const std::string& text) {
 }
 
 std::string ResultLine(const MeasurementRecord& record, double sample, double duty) {
-    char line[256];
-    std::snprintf(
-        line, sizeof(line),
+    return Format(
         "result %llu chlorine %.4f sample %.4f absorbance %.5f dark %.0f reference %.0f reacted %.0f duty %.2f",
         static_cast<unsigned long long>(record.index), record.chlorine, sample, record.absorbance, record.dark,
         record.reference, record.reacted, duty);
-    return line;
 }
 
 }  // namespace Bench

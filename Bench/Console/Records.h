@@ -33,10 +33,6 @@ private:
     bool m_known = false;
 };
 
-// The text in one line of the bench's log file; nothing where the line is of another form. Control characters in it
-// stay escaped, as the file has them.
-std::optional<std::string> TextOfLogRecord(const std::string& line);
-
 // A status text with its moment, from one line of the system log: "UTC 2026-12-31 23:57:05.000000001 :: TEXT".
 struct StatusLine {
     std::string date;  // "2026-12-31"

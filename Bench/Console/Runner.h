@@ -1,65 +1,50 @@
 // One run of the analyzer on the bench, from the empty folder to the last result. Used by one thread.
 #pragma once
 
-#include <memory>
+#include <csignal>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "Bench/Board/Board.h"
-#include "Bench/Console/Analyzer.h"
-#include "Bench/Console/BenchFolder.h"
+#include "Bench/Common/BenchedAnalyzer.h"
+#include "Bench/Common/FileTail.h"
 #include "Bench/Console/Display.h"
-#include "Bench/Console/FileTail.h"
 #include "Bench/Console/Indicator.h"
 #include "Bench/Console/Options.h"
 #include "Bench/Console/Records.h"
-#include "Bench/Console/Settings.h"
 
 namespace Bench {
 
-// Where the parts of this build lie.
-struct Places {
-    std::string program;
-    std::string library;
-    std::string clips;
-    std::string configuration;
-    std::string bench;
-};
-
 class Runner {
 public:
-    Runner(const Options& options, const Places& places) : m_options(options), m_places(places) {}
+    explicit Runner(const Options& options) : m_options(options) {}
 
-    // Lays the bench, starts the analyzer and shows what it does until the run is over; the exit status.
+    // Prepares the bench folder, starts the analyzer and shows what it does until the run is over. Returns the exit
+    // status.
     int Run();
 
 private:
     bool Prepare(std::string& error);
     bool SetLevels(std::string& error);
     bool MakeBoard(std::string& error);
-    int Follow();
-    void Greet();
+    int Follow(const volatile std::sig_atomic_t& signal);
 
-    void Look();            // at everything that has come since the last look
-    void ShowIndicator();   // where it has changed
-    void AnnounceFaults();  // that have become active
-    void TakeRecord(const DayFileTail::Line& line, std::vector<MeasurementRecord>& records);
-    void TakeLogText(const std::string& text);
+    void Poll();              // shows everything new
+    void ShowIndicator();     // if it has changed
+    void ShowActiveFaults();  // each once
+    void ReadRecord(const DayFileTail::Line& line, std::vector<MeasurementRecord>& records);
+    void ShowLogText(const std::string& text);
     void ShowResult(const MeasurementRecord& record);
     void ShowProgress();
-    std::string RunningStep() const;
+    std::string StepProgress() const;
 
-    double SecondsAllowed() const;
+    double ResultTimeout() const;  // simulated seconds
     int Fail(const std::string& reason);
+    Board& OnBoard() const { return m_analyzer.OnBoard(); }
 
     Options m_options;
-    Places m_places;
-    AnalyzerSettings m_settings;
-    BenchFolder m_folder;
-    std::unique_ptr<Board> m_board;
-    Analyzer m_analyzer;
+    BenchedAnalyzer m_analyzer;
     Display m_display;
 
     IndicatorWatch m_indicator;
@@ -72,7 +57,7 @@ private:
     double m_lastResult = 0.0;     // simulated seconds
     double m_duty = 0.0;           // percent, of the last finished cycle
     std::uint64_t m_results = 0;
-    std::set<std::string> m_announced;  // faults
+    std::set<std::string> m_shownFaults;
 };
 
 }  // namespace Bench

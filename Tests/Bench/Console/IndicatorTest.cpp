@@ -28,25 +28,25 @@ TEST(Indicator, sides_with_none_some_or_all_lit) {
 
 TEST(Indicator, a_change_is_told_once_and_when_it_stands) {
     IndicatorWatch watch;
-    EXPECT_EQ(watch.Take({}), std::nullopt);
-    EXPECT_EQ(watch.Take({Normal, ""}), std::nullopt);
-    EXPECT_EQ(watch.Take({Normal, ""}), (IndicatorView{Normal, ""}));
-    EXPECT_EQ(watch.Take({Normal, ""}), std::nullopt);
-    EXPECT_EQ(watch.Take({0, ""}), std::nullopt);  // in passing
-    EXPECT_EQ(watch.Take({Alert, ""}), std::nullopt);
-    EXPECT_EQ(watch.Take({Alert, "alert.wav"}), std::nullopt);
-    EXPECT_EQ(watch.Take({Alert, "alert.wav"}), (IndicatorView{Alert, "alert.wav"}));
-    EXPECT_EQ(watch.Take({0, ""}), std::nullopt);
-    EXPECT_EQ(watch.Take({Alert, "alert.wav"}), std::nullopt);
-    EXPECT_EQ(watch.Take({Alert, "alert.wav"}), std::nullopt);
+    EXPECT_EQ(watch.Update({}), std::nullopt);
+    EXPECT_EQ(watch.Update({Normal, ""}), std::nullopt);
+    EXPECT_EQ(watch.Update({Normal, ""}), (IndicatorView{Normal, ""}));
+    EXPECT_EQ(watch.Update({Normal, ""}), std::nullopt);
+    EXPECT_EQ(watch.Update({0, ""}), std::nullopt);  // in passing
+    EXPECT_EQ(watch.Update({Alert, ""}), std::nullopt);
+    EXPECT_EQ(watch.Update({Alert, "alert.wav"}), std::nullopt);
+    EXPECT_EQ(watch.Update({Alert, "alert.wav"}), (IndicatorView{Alert, "alert.wav"}));
+    EXPECT_EQ(watch.Update({0, ""}), std::nullopt);
+    EXPECT_EQ(watch.Update({Alert, "alert.wav"}), std::nullopt);
+    EXPECT_EQ(watch.Update({Alert, "alert.wav"}), std::nullopt);
 }
 
 TEST(Indicator, dark_again_is_a_change) {
     IndicatorWatch watch;
-    watch.Take({Normal, ""});
-    EXPECT_TRUE(watch.Take({Normal, ""}).has_value());
-    watch.Take({});
-    EXPECT_EQ(watch.Take({}), IndicatorView{});
+    watch.Update({Normal, ""});
+    EXPECT_TRUE(watch.Update({Normal, ""}).has_value());
+    watch.Update({});
+    EXPECT_EQ(watch.Update({}), IndicatorView{});
 }
 
 TEST(Indicator, colours_are_painted_on_a_terminal) {

@@ -90,14 +90,6 @@ TEST(Records, status_line_gives_date_time_and_text) {
     EXPECT_EQ(status->text, "Executing Mixing Step");
 }
 
-TEST(Records, text_is_the_fifth_field_of_a_log_record) {
-    EXPECT_EQ(TextOfLogRecord("7\tVernicor\t43\t8\ta text\t%s"), "a text");
-    EXPECT_EQ(TextOfLogRecord("7\t\t0\t8\t\t"), "");
-    EXPECT_EQ(TextOfLogRecord("7\tVernicor\t43\t8\ta\\tb"), "a\\tb");
-    EXPECT_FALSE(TextOfLogRecord("7\tVernicor\t43").has_value());
-    EXPECT_FALSE(TextOfLogRecord("").has_value());
-}
-
 TEST(Records, other_log_lines_give_no_status) {
     for (const char* line : {"", " :: ", "x :: y", "UTC 2026-12-31 :: y", "UTC 26-12-31 23:57:05.0 :: y",
                              "SystemControl: no time", "UTC 2026-12-31 23:57 :: y"}) {

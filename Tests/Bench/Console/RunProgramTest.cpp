@@ -125,15 +125,16 @@ TEST_F(RunProgram, level_that_the_configuration_does_not_know_is_refused) {
     EXPECT_FALSE(std::filesystem::exists(Bench()));
 }
 
-TEST_F(RunProgram, levels_stand_in_the_runs_own_configuration) {
+TEST_F(RunProgram, levels_change_the_items_of_its_own_configuration) {
+    const std::string comment = "<!-- former levels: <INFO_ITEM name=\"AlarmLevel\" value=\"0.9\"/> -->";
     const std::string levels =
-        "<INFO_ITEM name=\"AlarmLevel\" value=\"0.8\"/><INFO_ITEM name=\"AlertLevel\" value=\"0.5\"/>";
+        comment + "<INFO_ITEM name=\"AlarmLevel\" value='0.8'/><INFO_ITEM name='AlertLevel' value=\"0.5\"/>";
     WriteFile(m_folder / "c.xml", Configuration + levels);
     StartFake("cycle", {"--cycles", "1", "--alert", "0.25", "--alarm", "1.125"});
     EXPECT_EQ(Wait(), 0) << Err();
     EXPECT_EQ(ReadFile(Bench() + "/usr/share/vorn/bin/configuration/analyzer.conf.xml"),
-              Configuration + std::string("<INFO_ITEM name=\"AlarmLevel\" value=\"1.125\"/>"
-                                          "<INFO_ITEM name=\"AlertLevel\" value=\"0.25\"/>"));
+              Configuration + comment +
+                  "<INFO_ITEM name=\"AlarmLevel\" value='1.125'/><INFO_ITEM name='AlertLevel' value=\"0.25\"/>");
     EXPECT_EQ(ReadFile(m_folder / "c.xml"), Configuration + levels);
 }
 
@@ -233,15 +234,14 @@ TEST_F(RunProgram, configuration_may_come_from_the_folder_that_is_reset) {
 TEST_F(RunProgram, end_of_the_analyzer_is_told_with_its_status) {
     StartFake("end", {"--cycles", "1"});
     EXPECT_EQ(Wait(), 1);
-    EXPECT_EQ(Err(), "run: the analyzer ended with status 3; what it printed stands in " + Bench() + "/output\n");
+    EXPECT_EQ(Err(), "run: the analyzer ended with status 3; its output is in " + Bench() + "/output\n");
     EXPECT_EQ(ReadFile(Bench() + "/output"), "the fake ends\n");
 }
 
 TEST_F(RunProgram, fault_of_the_analyzer_is_told_with_its_signal) {
     StartFake("fault");
     EXPECT_EQ(Wait(), 1);
-    EXPECT_EQ(Err(),
-              "run: the analyzer was ended by a signal: Aborted; what it printed stands in " + Bench() + "/output\n");
+    EXPECT_EQ(Err(), "run: the analyzer was ended by a signal: Aborted; its output is in " + Bench() + "/output\n");
 }
 
 TEST_F(RunProgram, run_without_a_result_ends) {

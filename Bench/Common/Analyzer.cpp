@@ -1,0 +1,186 @@
+#include "Bench/Common/Analyzer.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+// How the keeper says that the program could not be started at all.
+constexpr int StartFailure = 127;
+
+struct Launch {
+    std::string program;
+    std::string output;
+    std::vector<std::string> environment;
+};
+
+std::vector<std::string> MakeEnvironment(const std::string& library, const std::string& bench) {
+    std::vector<std::string> environment;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string text = *entry;
+        const std::string name = text.substr(0, text.find('='));
+        if (name != "LD_PRELOAD" && name != "VERNICOR_BENCH" && name != "TZ") {
+            environment.push_back(text);
+        }
+    }
+    environment.push_back("LD_PRELOAD=" + library);
+    environment.push_back("VERNICOR_BENCH=" + bench);
+    environment.emplace_back("TZ=UTC");
+    return environment;
+}
+
+// In the program's own process, up to the point where it becomes the program.
+[[noreturn]] void BecomeProgram(const Launch& launch, pid_t keeper) {
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != keeper) {
+        _exit(StartFailure);
+    }
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    const int input = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const int output = open(launch.output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
+    if (input < 0 || output < 0 || dup2(input, STDIN_FILENO) < 0 || dup2(output, STDOUT_FILENO) < 0 ||
+        dup2(output, STDERR_FILENO) < 0) {
+        _exit(StartFailure);
+    }
+    std::vector<char*> environment;
+    for (const std::string& entry : launch.environment) {
+        environment.push_back(const_cast<char*>(entry.c_str()));
+    }
+    environment.push_back(nullptr);
+    char* const arguments[] = {const_cast<char*>(launch.program.c_str()), nullptr};
+    execve(launch.program.c_str(), arguments, environment.data());
+    _exit(StartFailure);
+}
+
+// Lists a process's children, the eldest first.
+std::string ChildrenOf(pid_t process) {
+    const std::string number = std::to_string(process);
+    return "/proc/" + number + "/task/" + number + "/children";
+}
+
+// Whatever is left of the program: its process group, and orphans of it that have come to the keeper.
+void EndAll(pid_t program) {
+    const std::string children = ChildrenOf(getpid());
+    kill(-program, SIGKILL);
+    pid_t ended = 0;
+    while ((ended = waitpid(-1, nullptr, WNOHANG)) >= 0) {
+        if (ended > 0) {
+            continue;
+        }
+        std::ifstream list(children);
+        pid_t child = 0;
+        while (list >> child) {
+            kill(child, SIGKILL);
+        }
+        usleep(1000);
+    }
+}
+
+// The keeper's whole life: waits until the program has ended or the bench wants or has found an end.
+[[noreturn]] void Keep(const Launch& launch, pid_t bench) {
+    sigset_t awaited;
+    sigemptyset(&awaited);
+    for (const int signal : {SIGTERM, SIGCHLD, SIGINT, SIGHUP}) {
+        sigaddset(&awaited, signal);
+    }
+    sigprocmask(SIG_BLOCK, &awaited, nullptr);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const pid_t keeper = getpid();
+    if (getppid() != bench) {
+        _exit(StartFailure);
+    }
+    const pid_t program = fork();
+    if (program < 0) {
+        _exit(StartFailure);
+    }
+    if (program == 0) {
+        BecomeProgram(launch, keeper);
+    }
+    setpgid(program, program);
+    while (true) {
+        int signal = 0;
+        sigwait(&awaited, &signal);
+        if (signal == SIGTERM) {
+            EndAll(program);
+            _exit(0);
+        }
+        int status = 0;
+        pid_t ended = 0;
+        while ((ended = waitpid(-1, &status, WNOHANG)) > 0) {
+            if (ended != program) {
+                continue;
+            }
+            EndAll(program);
+            // As a shell tells it: the exit status, or 128 and the signal.
+            _exit(WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status));
+        }
+    }
+}
+
+}  // namespace
+
+bool Analyzer::Start(const std::string& program, const std::string& library, const std::string& bench,
+                     const std::string& output, std::string& error) {
+    const Launch launch{program, output, MakeEnvironment(library, bench)};
+    const pid_t self = getpid();
+    m_endCode = -1;
+    m_keeper = fork();
+    if (m_keeper < 0) {
+        error = std::string("can't start a process: ") + std::strerror(errno);
+        return false;
+    }
+    if (m_keeper == 0) {
+        Keep(launch, self);
+    }
+    return true;
+}
+
+bool Analyzer::HasEnded(std::string& reason) {
+    int status = 0;
+    if (m_keeper < 0 || waitpid(m_keeper, &status, WNOHANG) != m_keeper) {
+        return false;
+    }
+    m_keeper = -1;
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    m_endCode = code;
+    if (code == StartFailure) {
+        reason = "the analyzer could not be started";
+    } else if (code > 128 && code < 128 + NSIG) {
+        reason = std::string("the analyzer was ended by a signal: ") + strsignal(code - 128);
+    } else {
+        reason = "the analyzer ended with status " + std::to_string(code);
+    }
+    return true;
+}
+
+pid_t Analyzer::Process() const {
+    pid_t program = -1;
+    return m_keeper >= 0 && std::ifstream(ChildrenOf(m_keeper)) >> program ? program : -1;
+}
+
+void Analyzer::Stop() {
+    if (m_keeper < 0) {
+        return;
+    }
+    kill(m_keeper, SIGTERM);
+    while (waitpid(m_keeper, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    m_keeper = -1;
+}
+
+}  // namespace Bench

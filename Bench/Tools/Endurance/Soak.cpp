@@ -1,0 +1,271 @@
+#include "Bench/Tools/Endurance/Soak.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Bench/Common/Text.h"
+
+namespace Bench {
+
+namespace {
+
+constexpr double SecondsOfDay = 86400.0;
+
+// Of real time, since it is the machine that they are given to: until a record is on the card, until a reset is done.
+constexpr double RecordTimeout = 10.0;
+constexpr double ResetTimeout = 2.0;
+constexpr int SoakResetRequests = 30;  // one that comes together with another button isn't seen
+
+// Simulated seconds without a result until the analyzer is told to run, is reset, and is given up.
+constexpr double RunAgain = 1500.0;
+constexpr double ResetAgain = 6000.0;
+constexpr double GiveUp = 60000.0;
+
+SoakPace PaceOf(const SoakGoals& goals) {
+    if (goals.days > 0.0) {
+        return {600.0, 43200.0, 1200.0};
+    }
+    return goals.cycles > 0 ? SoakPace{60.0, 7200.0, 400.0} : SoakPace{10.0, 40.0, 60.0};
+}
+
+bool IsCardFault(const std::string& fault) { return fault.starts_with("card-"); }
+
+}  // namespace
+
+Soak::Soak(SystemUnderTest& system, std::uint32_t seed, const SoakGoals& goals)
+    : m_system(system),
+      m_goals(goals),
+      m_plan(seed, PaceOf(goals)),
+      m_next(m_plan.Next()),
+      m_ledger(system.Card(), system.Settings().measurementFileName),
+      m_events(system.Folder() + "/events") {}
+
+bool Soak::IsDone() const {
+    return m_ledger.Recorded() >= m_goals.cycles && m_resets >= m_goals.resets &&
+           m_system.OnBoard().Seconds() >= m_goals.days * SecondsOfDay;
+}
+
+bool Soak::Run(const volatile int& stop, std::string& trouble) {
+    while (!IsDone() && stop == 0) {
+        if (!Tick(trouble)) {
+            return false;
+        }
+        SleepMilliseconds(TickMilliseconds);
+    }
+    if (!SettleResults(trouble) || !SavedHours(trouble)) {
+        return false;
+    }
+    const bool isLong = m_goals.cycles >= 50 || m_goals.resets >= 50 || m_goals.days >= 1.0;
+    if (isLong && m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
+        trouble = "the program grew";
+        return false;
+    }
+    return true;
+}
+
+bool Soak::Tick(std::string& trouble) {
+    Measure();
+    Look();
+    if (!m_system.StaysUp(trouble) || !JudgeResults(trouble) || !KeepGoing(trouble)) {
+        return false;
+    }
+    // A machine that falls behind the plan makes it longer and not denser.
+    const double now = m_system.OnBoard().Seconds();
+    if (m_next.second + m_delay > now) {
+        return true;
+    }
+    m_delay = now - m_next.second;
+    const bool isWell = Do(m_next, trouble);
+    m_delay += m_next.action == SoakAction::Reset ? m_system.OnBoard().Seconds() - now : 0.0;
+    m_next = m_plan.Next();
+    return isWell;
+}
+
+void Soak::Measure() {
+    const double elapsed = std::chrono::duration<double>(Clock::now() - m_start).count();
+    if (elapsed < m_nextReading) {
+        return;
+    }
+    m_nextReading = elapsed + FootprintSeconds;
+    if (const std::optional<Footprint> footprint = m_system.Measure()) {
+        m_series.Add(*footprint);
+    }
+    m_system.LimitOutput(MaxOutputBytes);
+}
+
+void Soak::Look() {
+    std::vector<FrontEndFrame> frames;
+    while (std::optional<FrontEndFrame> frame =
+               m_system.AtFrontEnd().WaitForValue("ChlorineValue", std::nullopt, m_frames, 0.0)) {
+        frames.push_back(std::move(*frame));
+    }
+    const double now = m_system.OnBoard().Seconds();
+    if (!frames.empty()) {
+        m_lastResult = now;
+        m_nudged = now;
+    }
+    m_ledger.Look(frames, now);
+    while (m_system.AtStation().TakeAnswer(0.0)) {
+        ++m_answers;
+    }
+}
+
+bool Soak::Do(const SoakEvent& event, std::string& trouble) {
+    m_events << event.Describe() << std::endl;
+    Board& board = m_system.OnBoard();
+    switch (event.action) {
+        case SoakAction::Button:
+            ++m_commands;
+            m_system.AtFrontEnd().SendCode(event.code);
+            return true;
+        case SoakAction::Station:
+            ++m_commands;
+            m_system.AtStation().SendRequest(event.request);
+            return true;
+        case SoakAction::FaultOn:
+            ++m_faults;
+            m_cardFaults += IsCardFault(event.fault) ? 1 : 0;
+            m_setBack += event.fault.starts_with("clock-back=") ? std::strtod(event.fault.c_str() + 11, nullptr) : 0.0;
+            return board.SetFault(event.fault, trouble);
+        case SoakAction::FaultOff:
+            if (IsCardFault(event.fault)) {
+                --m_cardFaults;
+                m_cardFaultEnd = board.Seconds();
+            }
+            return board.ClearFault(event.fault, trouble);
+        case SoakAction::Reset:
+            return Reset(event.byStation, trouble);
+    }
+    return true;
+}
+
+// What has been reported first comes to the card: a reset drops what still stands in the queue of the logging.
+bool Soak::Reset(bool byStation, std::string& trouble) {
+    if (!SettleResults(trouble)) {
+        return false;
+    }
+    m_resetBegin = m_system.OnBoard().Seconds();
+    for (int request = 0; request < SoakResetRequests; ++request) {
+        // The station is heard in the test state alone.
+        if (TryReset(byStation && request == 0)) {
+            ++m_resets;
+            Look();
+            m_resetEnd = m_system.OnBoard().Seconds();
+            return true;
+        }
+        if (!m_system.StaysUp(trouble)) {
+            return false;
+        }
+    }
+    trouble = "no reset on request";
+    return false;
+}
+
+bool Soak::TryReset(bool byStation) {
+    FrontEnd& frontEnd = m_system.AtFrontEnd();
+    const std::size_t generation = frontEnd.Connections();
+    TestRequest request;
+    request.command = 860;
+    if (!byStation || !m_system.AtStation().SendRequest(request)) {
+        frontEnd.SendCode(FrontEnd::Reset);
+    }
+    return frontEnd.WaitForConnection(generation + 1, ResetTimeout);
+}
+
+bool Soak::KeepGoing(std::string& trouble) {
+    if (m_goals.cycles == 0 && !(m_goals.days > 0.0)) {
+        return true;
+    }
+    const double now = m_system.OnBoard().Seconds();
+    if (now - m_lastResult > GiveUp) {
+        trouble = "no result in " + std::to_string(static_cast<int>(GiveUp)) + " simulated seconds";
+        return false;
+    }
+    if (now - m_nudged > ResetAgain) {
+        m_nudged = now;
+        return Reset(false, trouble);
+    }
+    if (now - std::max(m_lastResult, m_asked) > RunAgain) {
+        m_asked = now;
+        m_system.AtFrontEnd().SendCode(FrontEnd::Running);
+    }
+    return true;
+}
+
+bool Soak::IsExcused(const ResultLedger::Missing& result) const {
+    const double margin = 60.0 + m_system.OnBoard().Speed();
+    return m_cardFaults > 0 || result.seconds < m_cardFaultEnd + margin;
+}
+
+bool Soak::JudgeResults(std::string& trouble) {
+    const double now = m_system.OnBoard().Seconds();
+    while (!m_ledger.Pending().empty()) {
+        const ResultLedger::Missing& oldest = m_ledger.Pending().front();
+        const double timeout = 60.0 + RecordTimeout * m_system.OnBoard().Speed();
+        if (now - oldest.seconds < timeout) {
+            break;
+        }
+        if (oldest.seconds >= m_resetBegin && oldest.seconds <= m_resetEnd) {
+            ++m_cut;
+        } else if (IsExcused(oldest)) {
+            ++m_excused;
+        } else {
+            trouble = "the result " + oldest.date + " stands in no day file";
+            return false;
+        }
+        m_ledger.Forgive();
+    }
+    trouble = m_ledger.Trouble();
+    return trouble.empty();
+}
+
+// Waits for the records of what has been reported so far, unless the card is in trouble.
+bool Soak::SettleResults(std::string& trouble) {
+    const double begin = m_system.OnBoard().Seconds();
+    const auto isAwaited = [&](const ResultLedger::Missing& result) {
+        return result.seconds <= begin && !IsExcused(result);
+    };
+    while (std::any_of(m_ledger.Pending().begin(), m_ledger.Pending().end(), isAwaited)) {
+        if (!JudgeResults(trouble)) {
+            return false;
+        }
+        SleepMilliseconds(TickMilliseconds);
+        Look();
+    }
+    return true;
+}
+
+// Hours are saved every two, from the first second of running on; the clock's jumps put that off.
+bool Soak::SavedHours(std::string& trouble) {
+    if (!(m_goals.days > 0.0)) {
+        return true;
+    }
+    SettingsFile saved;
+    std::string error;
+    saved.Read(m_system.Folder() + "/var/log/vorn/data/analyzer.op.xml", error);
+    const std::optional<std::string> hours = saved.Find("ElectronicsRunHours");
+    m_hours = hours ? std::strtod(hours->c_str(), nullptr) : -1.0;
+    const double passed = m_system.OnBoard().Seconds() / 3600.0;
+    if (m_hours > passed || m_hours < passed - 4.0 - m_setBack / 3600.0) {
+        trouble = "the saved hours don't fit the " + std::to_string(passed) + " that have passed";
+        return false;
+    }
+    return true;
+}
+
+std::string Soak::Describe() const {
+    return Format(
+               "soak: %.2f simulated days in %.0f s, %llu results reported, %llu of them in the day files, %llu "
+               "without a card, %llu cut by a reset; %llu resets, %llu commands, %zu answers, %llu faults, %llu ends "
+               "by a broken pipe, %.1f hours saved; ",
+               m_system.OnBoard().Seconds() / SecondsOfDay,
+               std::chrono::duration<double>(Clock::now() - m_start).count(),
+               static_cast<unsigned long long>(m_ledger.Reported()),
+               static_cast<unsigned long long>(m_ledger.Recorded()), static_cast<unsigned long long>(m_excused),
+               static_cast<unsigned long long>(m_cut), static_cast<unsigned long long>(m_resets),
+               static_cast<unsigned long long>(m_commands), m_answers, static_cast<unsigned long long>(m_faults),
+               static_cast<unsigned long long>(m_system.BrokenPipes()), m_hours) +
+           m_series.Describe();
+}
+
+}  // namespace Bench
