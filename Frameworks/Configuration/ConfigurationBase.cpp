@@ -8,8 +8,8 @@ namespace {
 
 constexpr const char* ItemName = "INFO_ITEM";
 
-// A section that can't be found, entered, left or added to is logged by this one character, without the section's name:
-// the watchers of existing logs know the failure by it.
+// The whole report if a section can't be found, entered, left or added to: log readers know the failure by this one
+// character.
 constexpr const char* SectionFailedText = "\"";
 
 struct ItemAttribute {
@@ -25,35 +25,26 @@ constexpr ItemAttribute WriteOrder[] = {
     {"unitOfMeasure", &ItemInfoElement::GetUnitOfMeasure},
 };
 
-// The texts of an item whose tag has to be searched for them.
-struct ItemValues {
-    std::string name;
-    std::string description;
-    std::string type;
-    std::string unitOfMeasure;
-    std::string value;
-};
-
-// Whether the tag has its attributes as they are written here, and nothing in it to be decoded.
-bool ReadAsWritten(std::string_view tag, ItemTexts& texts) {
+// Whether the tag has these attributes in this order, without entities.
+bool ReadInOrder(std::string_view tag, ItemTexts& texts) {
     XmlAttributes attributes(tag, 1 + std::string_view(ItemName).size());
     return attributes.NextIs("name", texts.name) && attributes.NextIs("type", texts.type) &&
            attributes.NextIs("value", texts.value) && attributes.NextIs("description", texts.description) &&
            attributes.NextIs("unitOfMeasure", texts.unitOfMeasure) && tag.find('&') == std::string_view::npos;
 }
 
-// Of the current element: views of the document or of `values`.
-ItemTexts ReadTexts(const XmlDocument& document, ItemValues& values) {
+// The current element, with its texts in that memory.
+std::unique_ptr<ItemInfoElement> ReadItem(const XmlDocument& document, std::pmr::memory_resource* memory) {
     ItemTexts texts;
-    if (ReadAsWritten(document.GetStartTag(), texts)) {
-        return texts;
+    if (ReadInOrder(document.GetStartTag(), texts)) {
+        return std::make_unique<ItemInfoElement>(texts, memory);
     }
-    values = {.name = document.GetAttribute("name"),
-              .description = document.GetAttribute("description"),
-              .type = document.GetAttribute("type"),
-              .unitOfMeasure = document.GetAttribute("unitOfMeasure"),
-              .value = document.GetAttribute("value")};
-    return {values.name, values.description, values.type, values.unitOfMeasure, values.value};
+    const std::string name = document.GetAttribute("name");
+    const std::string description = document.GetAttribute("description");
+    const std::string type = document.GetAttribute("type");
+    const std::string unitOfMeasure = document.GetAttribute("unitOfMeasure");
+    const std::string value = document.GetAttribute("value");
+    return std::make_unique<ItemInfoElement>(ItemTexts{name, description, type, unitOfMeasure, value}, memory);
 }
 
 }  // namespace
@@ -109,9 +100,8 @@ bool ConfigurationBase::ReadItems(const char* refusedText) {
 int ConfigurationBase::AddItems(ItemInfoContainer& items, AddOperation add, const char* refusedText) {
     XmlDocument& document = *GetDocument();
     int added = 0;
-    ItemValues values;
     while (document.FindElement(ItemName)) {
-        if ((items.*add)(ReadTexts(document, values))) {
+        if ((items.*add)(ReadItem(document, items.Memory()))) {
             ++added;
         } else {
             ReportError(refusedText, SYSTEM_CONTROL);

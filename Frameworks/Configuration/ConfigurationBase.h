@@ -1,6 +1,6 @@
 // One section of a settings file: a flat run of INFO_ITEM elements, held by name. "Get" reads from the document into
-// the object, "Set" writes from the object into the document. The document and its cursor are shared by all sections,
-// so reading and writing is for one thread; once read, any thread may ask for items.
+// the object, "Set" writes from the object into the document. All sections share the document and its cursor, so only
+// one thread reads and writes; after reading, any thread may ask for items.
 #pragma once
 
 #include <memory>
@@ -8,49 +8,48 @@
 #include "Frameworks/Configuration/ItemInfoContainer.h"
 #include "Frameworks/Xml/XMLData.h"
 
-// Of every settings file but the user's.
+// Root element of every settings file except the user's.
 inline constexpr const char* AnalyzerRootName = "ROOT_ANALYZER";
 
 class ConfigurationBase : public XMLData {
 public:
-    // Reads the section from among the siblings behind the document's current position, which must be inside the root,
-    // and leaves the position on the section. Elements handed out before are gone afterwards. False: no document, no
-    // such section (the items stay as they were), or the section could not be entered or left. A section without items
-    // is no failure.
+    // Reads the section from the siblings after the document's current position, which must be inside the root, and
+    // leaves the position on the section. Frees the elements read before. Returns false without a document, without the
+    // section (the items stay), or if the section could not be entered or left. A section without items is no failure.
     virtual bool GetXML(const StdString& sectionName);
 
-    // Replaces or adds one item of a section in the document; saving it is the caller's. Only a document whose root is
-    // ROOT_ANALYZER has it. The position is reset, and ends on the root.
+    // Replaces or adds one item of a section in the document, without saving it. The root must be ROOT_ANALYZER. The
+    // position is reset and ends on the root.
     virtual bool SetXML(const StdString& sectionName, ItemInfoElement* item);
 
     // Null for an unknown key, and before the first read.
     ItemInfoElement* GetItem(const StdString& name) const;
 
-    // The value of a key that the system can't run without: where it is missing, the process ends with a line that
-    // names the file, the section and the key, in the system log and on the error stream.
+    // The value of a required key. If it is missing, the process ends with a line that names the file, the section and
+    // the key, in the system log and on the error stream.
     StdString RequireValue(const StdString& key) const;
     StdString GetValueOr(const StdString& key, const StdString& fallback) const;
 
     ItemInfoContainer* GetItems() const { return m_items.get(); }
     void SetItems(std::unique_ptr<ItemInfoContainer> items) { m_items = std::move(items); }
 
-    // The file's path, for the line about a missing key. Set it before reading.
+    // The file's path, for the message about a missing key. Set it before reading.
     void SetSource(const StdString& path) { m_source = path; }
 
 protected:
     // By name or by value.
-    using AddOperation = bool (ItemInfoContainer::*)(const ItemTexts&);
+    using AddOperation = bool (ItemInfoContainer::*)(std::unique_ptr<ItemInfoElement>&&);
 
-    // The steps of reading and writing that a section with more than a flat run of items shares. Each needs a document,
-    // but for FindSection and WriteItem, which test for it.
-    bool FindSection(const StdString& sectionName);  // and sees to it that there is a container
-    bool ReadItems(const char* refusedText);         // of the current element, in place of the items held
-    // The INFO_ITEM elements behind the position; the number of those that were not refused.
+    // Steps of reading and writing, for a section with more than a flat run of items. All need a document; FindSection
+    // and WriteItem test for it.
+    bool FindSection(const StdString& sectionName);  // also creates the container
+    bool ReadItems(const char* refusedText);         // of the current element; replaces the items held
+    // Adds the INFO_ITEM elements after the position; returns the number that were not refused.
     int AddItems(ItemInfoContainer& items, AddOperation add, const char* refusedText);
-    // "prefix" stands in front of each report.
+    // Each report begins with `prefix`.
     bool WriteItem(const StdString& prefix, const StdString& sectionName, const ItemInfoElement* item);
 
-    StdString Place() const;  // file and section, as a missing key is told with
+    StdString Place() const;  // file and section, for the message about a missing key
 
 private:
     bool WriteIntoSection(const StdString& prefix, const StdString& sectionName, const ItemInfoElement& item);

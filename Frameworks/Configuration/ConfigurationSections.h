@@ -1,4 +1,4 @@
-// The sections of the settings files that are a flat run of items and nothing more.
+// The sections that are only a flat run of items. Threads as for ConfigurationBase.
 #pragma once
 
 #include "Frameworks/Configuration/ConfigurationBase.h"
@@ -12,5 +12,5 @@ class SystemControlConfigInfo : public ConfigurationBase {};
 class SystemMonitoringConfigInfo : public ConfigurationBase {};
 class TestInterfaceConfigInfo : public ConfigurationBase {};
 class UserConfigInfo : public ConfigurationBase {};
-class WatchDogSystemConfigInfo : public ConfigurationBase {};  // kept for a watchdog; no file has it
+class WatchDogSystemConfigInfo : public ConfigurationBase {};  // for a watchdog; no file has it
 class WebDataInterfaceConfigInfo : public ConfigurationBase {};

@@ -1,4 +1,4 @@
-// Item containers by key: the measurement steps by their names. It owns them. Any number of threads may read at once,
+// Item containers by key: the measurement steps by their names. It owns them. Any number of threads may read at once
 // while none adds or clears.
 #pragma once
 
@@ -11,8 +11,8 @@ class InfoContainer {
 public:
     virtual ~InfoContainer() = default;
 
-    // False for a null container and for a key that is there already: the first one stays, and the caller keeps the
-    // refused.
+    // Returns false for a null container and for a known key: the first one stays, and the caller keeps the refused
+    // one.
     bool AddItemContainer(std::unique_ptr<ItemInfoContainer>&& container, const StdString& key);
 
     // Null for an unknown key; a miss adds nothing.

@@ -3,46 +3,16 @@
 #include "Frameworks/Configuration/MissingSetting.h"
 
 bool ItemInfoContainer::AddItem(std::unique_ptr<ItemInfoElement>&& element) {
-    return element != nullptr &&
-           Add(element->GetName().Text(), [&element] { return Owner(element.release(), Release{false}); });
+    return element != nullptr && m_items.try_emplace(element->m_name, std::move(element)).second;
 }
 
 bool ItemInfoContainer::AddItemByValue(std::unique_ptr<ItemInfoElement>&& element) {
-    return element != nullptr &&
-           Add(element->GetValue().Text(), [&element] { return Owner(element.release(), Release{false}); });
-}
-
-bool ItemInfoContainer::AddItem(const ItemTexts& texts) { return Add(texts.name, texts); }
-
-bool ItemInfoContainer::AddItemByValue(const ItemTexts& texts) { return Add(texts.value, texts); }
-
-bool ItemInfoContainer::Add(std::string_view key, const ItemTexts& texts) {
-    return Add(key, [this, &texts] {
-        std::pmr::polymorphic_allocator<> blocks(&m_blocks);
-        return Owner(blocks.new_object<ItemInfoElement>(texts), Release{true});
-    });
-}
-
-template <class Make>
-bool ItemInfoContainer::Add(std::string_view key, const Make& make) {
-    const auto [place, isNew] = m_items.emplace(key, nullptr);
-    if (isNew) {
-        place->second = make();
-    }
-    return isNew;
+    return element != nullptr && m_items.try_emplace(element->m_value, std::move(element)).second;
 }
 
 void ItemInfoContainer::Clear() {
     m_items.clear();
-    m_blocks.release();
-}
-
-void ItemInfoContainer::Release::operator()(ItemInfoElement* element) const {
-    if (isInBlock) {
-        std::destroy_at(element);
-    } else {
-        delete element;
-    }
+    m_memory.release();
 }
 
 ItemInfoElement* ItemInfoContainer::GetItem(const StdString& key) const {

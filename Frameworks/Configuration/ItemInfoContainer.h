@@ -1,13 +1,11 @@
-// The items of one section or one step by key, in the byte order of the keys. It owns them. Those that it makes of
-// texts lie side by side in few large blocks, which go when it is cleared. Any number of threads may read at once,
-// while none adds, clears or changes an item.
+// The items of one section or one step by key, in the byte order of the keys. It owns them, and their texts can be in
+// its memory, which takes one allocation for many items. Any number of threads may read at once while none adds, clears
+// or changes an item.
 #pragma once
 
 #include <map>
 #include <memory>
 #include <memory_resource>
-#include <string>
-#include <string_view>
 
 #include "Frameworks/Configuration/ItemInfoElement.h"
 
@@ -15,46 +13,32 @@ class ItemInfoContainer {
 public:
     virtual ~ItemInfoContainer() = default;
 
-    // What a missing key is told with: the file and the part of it, such as "analyzer.conf.xml: section LOGGING_INFO".
+    // File and part of it, for the message about a missing key, such as "analyzer.conf.xml: section LOGGING_INFO".
     void SetPlace(const StdString& place) { m_place = place; }
 
-    // False for a null element and for a key that is there already: the first one stays, and the caller keeps the
-    // refused.
+    // Return false for null and for a known key: the first element stays, and the caller keeps the refused one.
     bool AddItem(std::unique_ptr<ItemInfoElement>&& element);         // under its name
     bool AddItemByValue(std::unique_ptr<ItemInfoElement>&& element);  // under its value
-    // The same for an item made of these texts; a refused one is not made.
-    bool AddItem(const ItemTexts& texts);
-    bool AddItemByValue(const ItemTexts& texts);
 
-    // Null for an unknown key. A miss leaves no trace, so that controllers may ask at the same time; nobody adds to a
-    // container after asking it, so nobody could find one.
+    // Null for an unknown key. A miss adds nothing, so that controllers may ask at the same time; nothing is added to a
+    // container after the first question, so a null entry would not be seen.
     ItemInfoElement* GetItem(const StdString& key) const;
 
-    // The value of a key that the system can't run without: where it is missing, the process ends with a line that
-    // names the place and the key, in the system log and on the error stream.
+    // The value of a required key. If it is missing, the process ends with a line that names the place and the key, in
+    // the system log and on the error stream.
     StdString RequireValue(const StdString& key) const;
     StdString GetValueOr(const StdString& key, const StdString& fallback) const;
 
-    // Frees every item.
+    // Frees every item and the memory.
     void Clear();
 
+    // For the texts of items that are added here. Free a refused item before the container.
+    std::pmr::memory_resource* Memory() { return &m_memory; }
+
 private:
-    static constexpr std::size_t FirstBlock = 2048;  // bytes, some five items; each one behind it is larger
-
-    // The memory of an item that lies in a block goes with the block.
-    struct Release {
-        bool isInBlock = false;
-
-        void operator()(ItemInfoElement* element) const;
-    };
-    using Owner = std::unique_ptr<ItemInfoElement, Release>;
-
-    // Under the key, unless it is there already, the element that `make` gives.
-    template <class Make>
-    bool Add(std::string_view key, const Make& make);
-    bool Add(std::string_view key, const ItemTexts& texts);
+    static constexpr std::size_t FirstBlock = 2048;  // bytes, about five items; each later block is larger
 
     StdString m_place = "settings";
-    std::pmr::monotonic_buffer_resource m_blocks{FirstBlock};
-    std::pmr::map<std::pmr::string, Owner, std::less<>> m_items{&m_blocks};
+    std::pmr::monotonic_buffer_resource m_memory{FirstBlock};
+    std::pmr::map<std::pmr::string, std::unique_ptr<ItemInfoElement>, std::less<>> m_items{&m_memory};
 };

@@ -7,7 +7,7 @@
 
 #include "Frameworks/Utilities/StdString.h"
 
-// The texts of an item that is yet to be made.
+// The texts of a new item.
 struct ItemTexts {
     std::string_view name = {};
     std::string_view description = {};
@@ -18,18 +18,15 @@ struct ItemTexts {
 
 class ItemInfoElement {
 public:
-    // Of the container that holds it.
-    using allocator_type = std::pmr::polymorphic_allocator<>;
-
     ItemInfoElement() = default;
-    // Its texts lie in memory of the allocator for as long as it stands.
-    ItemInfoElement(const ItemTexts& texts, const allocator_type& allocator)
-        : m_description(texts.description, allocator),
-          m_name(texts.name, allocator),
-          m_type(texts.type, allocator),
-          m_unitOfMeasure(texts.unitOfMeasure, allocator),
-          m_value(texts.value, allocator) {}
-    ItemInfoElement(const ItemInfoElement&) = default;  // which lies on the heap
+    // The memory is that of the container that the item goes to, and must outlive the item.
+    ItemInfoElement(const ItemTexts& texts, std::pmr::memory_resource* memory)
+        : m_description(texts.description, memory),
+          m_name(texts.name, memory),
+          m_type(texts.type, memory),
+          m_unitOfMeasure(texts.unitOfMeasure, memory),
+          m_value(texts.value, memory) {}
+    ItemInfoElement(const ItemInfoElement&) = default;  // on the heap
     ItemInfoElement& operator=(const ItemInfoElement&) = default;
     virtual ~ItemInfoElement() = default;
 
@@ -46,11 +43,13 @@ public:
     void SetValue(const StdString& value) { m_value = value.Text(); }
 
 private:
+    friend class ItemInfoContainer;  // reads name and value in place
+
     static StdString Copy(std::string_view text) { return std::string(text); }
 
     std::pmr::string m_description;    // for people
     std::pmr::string m_name;           // the key
-    std::pmr::string m_type;           // carried, never acted on
-    std::pmr::string m_unitOfMeasure;  // carried, never acted on
+    std::pmr::string m_type;           // never evaluated
+    std::pmr::string m_unitOfMeasure;  // never evaluated
     std::pmr::string m_value;
 };

@@ -14,7 +14,7 @@ constexpr const char* ItemRefusedText = "MeasurementEngineConfigInfo::GetMeasure
 constexpr const char* ContainerRefusedText =
     "MeasurementEngineConfigInfo::GetMeasurementStepItems  Unable to add itemContainer";
 
-// Null becomes an empty container, and one that is there loses what it holds.
+// Creates the container, or clears an existing one.
 template <class Container>
 void Empty(std::unique_ptr<Container>& container) {
     if (container == nullptr) {
@@ -38,7 +38,7 @@ bool MeasurementEngineConfigInfo::GetBaseItems() {
     return ReadItems("MeasurementEngineConfigInfo::GetBaseItems  Unable to add item");
 }
 
-// Whatever fails inside, what was entered is left again: the sections behind this one are searched from its level.
+// Leaves what it entered even after a failure: later sections are searched from this level.
 bool MeasurementEngineConfigInfo::GetMeasurementStepItems() {
     XmlDocument* document = GetDocument();
     if (!document->IntoElement()) {

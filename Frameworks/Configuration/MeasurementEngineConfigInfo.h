@@ -1,4 +1,4 @@
-// The measurement section: its own items, and behind them the list of measurement steps. Threads as for the base.
+// The measurement section: its own items, then the list of measurement steps. Threads as for the base.
 #pragma once
 
 #include <memory>
@@ -8,20 +8,20 @@
 
 class MeasurementEngineConfigInfo : public ConfigurationBase {
 public:
-    // As the base, and false as well without a step list behind the items that has an order list in front of its steps.
+    // As the base; also false without a step list that begins with an order list and has a step.
     bool GetXML(const StdString& sectionName) override;
     bool SetXML(const StdString& sectionName, ItemInfoElement* item) override;
 
     // The steps by their internal names; null before the first read.
     InfoContainer* GetMeasurementSteps() const { return m_steps.get(); }
-    // The order list, by the value of its items. Steps run in the order of their numbers, whatever it says.
+    // The order list, by the values of its items. It has no effect: steps run in the order of their numbers.
     ItemInfoContainer* GetMeasurementStepOrder() const { return m_stepOrder.get(); }
 
 private:
     bool GetBaseItems();
     bool GetMeasurementStepItems();
     bool ReadStepOrder();
-    bool FindStepOrder();  // false as well where a step stands in front of it
+    bool FindStepOrder();  // false also if a step comes first
     bool ReadSteps();
     bool ReadStep(const StdString& place);
 

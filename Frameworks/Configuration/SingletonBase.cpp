@@ -4,7 +4,7 @@
 
 namespace {
 
-// Freed only by being replaced: when the process ends, threads that still run may be reading them.
+// Freed only when replaced: at the end of the process running threads may still read them.
 std::atomic<SystemConfigurationFile*> systemConfiguration{nullptr};
 std::atomic<UserConfigurationFile*> userConfiguration{nullptr};
 

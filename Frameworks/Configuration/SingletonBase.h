@@ -1,5 +1,5 @@
-// The settings of the process, reached from everywhere. Set them while no other thread asks: before the controllers are
-// created, and after they have ended.
+// The settings of the process, available everywhere. Set them only while no other thread reads them: before the
+// controllers are created and after they have ended.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@ class SingletonBase {
 public:
     virtual ~SingletonBase() = default;
 
-    // Frees what was held before. True where the new one is not null.
+    // Frees the previous one. Returns true if the new one is not null.
     static bool SetSystemConfiguration(std::unique_ptr<SystemConfigurationFile> file);
     static bool SetUserConfiguration(std::unique_ptr<UserConfigurationFile> file);
 

@@ -1,5 +1,5 @@
-// The analyzer's settings file: it owns the document and one object a section. It is read on one thread before the
-// controllers exist; after that any thread may ask.
+// The analyzer's settings file: the document and one object per section. One thread reads it before the controllers
+// exist; after that any thread may ask for items.
 #pragma once
 
 #include <memory>
@@ -15,16 +15,17 @@ public:
     SystemConfigurationFile& operator=(const SystemConfigurationFile&) = delete;
     ~SystemConfigurationFile() override;
 
-    // False, without a report, where the file can't be read or is not well formed; what was loaded before then stays.
+    // Returns false, without a report, if the file can't be read or is not well formed; the previous content then
+    // stays.
     bool Load(const StdString& path);
 
-    // Builds the sections. A section that can't be read is reported and left null, and the others are read all the
-    // same; false only without a document or without ROOT_ANALYZER.
+    // Builds the sections. A section that can't be read is reported and stays null; the others are still read. Returns
+    // false only without a document or without ROOT_ANALYZER.
     bool GetXML();
 
     void Cleanup();  // sections and document
 
-    // Null where the section could not be read.
+    // Null if the section could not be read.
     GlobalConfigInfo* GetGlobalConfigInfo() const { return m_general.get(); }
     LoggingConfigInfo* GetLoggingConfigInfo() const { return m_logging.get(); }
     MeasurementEngineConfigInfo* GetMeasurementEngineConfigInfo() const { return m_measurement.get(); }
@@ -33,7 +34,7 @@ public:
     SystemMonitoringConfigInfo* GetSystemMonitoringConfigInfo() const { return m_systemMonitor.get(); }
     TestInterfaceConfigInfo* GetTestInterfaceConfigInfo() const { return m_testInterface.get(); }
 
-    // For the readers that can't go on without: a missing section ends the process with a line that names it.
+    // For required sections: a missing one ends the process with a line that names it.
     GlobalConfigInfo& RequireGlobalConfigInfo() const;
     TestInterfaceConfigInfo& RequireTestInterfaceConfigInfo() const;
 
@@ -53,5 +54,5 @@ private:
     std::unique_ptr<SystemMonitoringConfigInfo> m_systemMonitor;
     std::unique_ptr<TestInterfaceConfigInfo> m_testInterface;
     std::unique_ptr<WebDataInterfaceConfigInfo> m_web;
-    std::unique_ptr<ConfigurationBase> m_reserved[2];  // room for sections to come
+    std::unique_ptr<ConfigurationBase> m_reserved[2];  // for future sections
 };

@@ -8,7 +8,7 @@ constexpr char Path[] = "/var/log/vorn/data/analyzer.op.xml";
 constexpr char BackupPath[] = "/var/log/vorn/data/analyzer.op.backup.xml";
 constexpr char SectionName[] = "SYSTEM_INFO";
 
-// What a unit begins its life with.
+// Factory defaults.
 constexpr char DefaultDocument[] =
     R"(<?xml version="1.0" encoding="utf-8"?>
 <ROOT_ANALYZER>
@@ -24,7 +24,7 @@ constexpr char DefaultDocument[] =
 </ROOT_ANALYZER>
 )";
 
-// Never freed once it is sound: when the process ends, the thread that counts may be using it.
+// Never freed if it is sound: at the end of the process a thread may still use it.
 SystemOperationFile* instance = nullptr;
 bool isValid = false;
 
@@ -53,7 +53,7 @@ SystemOperationFile::~SystemOperationFile() {
     isValid = false;
 }
 
-// Nothing is written here: a damaged file is mended by the next save.
+// Writes nothing: the next save repairs a damaged file.
 bool SystemOperationFile::Load() {
     m_ownedDocument = std::make_unique<XmlDocument>();
     SetDocument(m_ownedDocument.get());

@@ -1,5 +1,5 @@
-// A settings file for the user. The class is complete, and nothing loads such a file: the analyzer's settings file
-// decides alone. One thread at a time.
+// A user's settings file. The running system never loads one: only the analyzer's settings file counts. One thread at a
+// time.
 #pragma once
 
 #include <memory>
@@ -14,14 +14,14 @@ public:
     UserConfigurationFile& operator=(const UserConfigurationFile&) = delete;
     ~UserConfigurationFile() override;
 
-    // An empty path means "./configuration/user.conf.xml". False, without a report, where the file can't be read or is
-    // not well formed; what was loaded before then stays.
+    // An empty path means "./configuration/user.conf.xml". Returns false, without a report, if the file can't be read
+    // or is not well formed; the previous content then stays.
     bool Load(const StdString& path);
 
     virtual bool GetXML();  // false without ROOT_USER or without its section
-    virtual bool SetXML();  // writing is not provided for: false
+    virtual bool SetXML();  // not supported: false
 
-    void Cleanup() {}  // nothing: the section and the document live as long as the file object
+    void Cleanup() {}  // does nothing: section and document live as long as this object
 
     UserConfigInfo* GetUserConfigInfo() const { return m_user.get(); }  // null before the first read
 

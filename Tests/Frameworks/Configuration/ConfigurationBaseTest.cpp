@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 class ConfigurationSection : public testing::Test {
 protected:
-    // The position ends before the first child of the root, where a section is read from.
+    // Leaves the position before the first child of the root, as for reading a section.
     void SetText(const char* text) {
         ASSERT_TRUE(m_document.SetDocumentText(text));
         ASSERT_TRUE(m_document.FindElement());
@@ -73,8 +73,8 @@ TEST_F(ConfigurationSection, reads_all_five_attributes_of_an_item) {
     EXPECT_EQ(item->GetUnitOfMeasure(), "u");
 }
 
-// However the attributes stand in the tag, the texts are the same.
-TEST_F(ConfigurationSection, reads_an_item_in_whatever_form_it_is_written) {
+// The texts are the same for any form of the attributes.
+TEST_F(ConfigurationSection, reads_an_item_in_each_form_of_its_tag) {
     constexpr const char* Tags[] = {
         R"(<INFO_ITEM name="n" type="t" value="a long value &gt; 5" description="d" unitOfMeasure="u"/>)",
         R"(<INFO_ITEM name="n" type="t" value="a long value > 5" description="d" unitOfMeasure="u"/>)",
@@ -102,10 +102,10 @@ TEST_F(ConfigurationSection, reads_an_item_in_whatever_form_it_is_written) {
     }
 }
 
-TEST_F(ConfigurationSection, an_attribute_that_the_form_of_a_tag_leaves_out_reads_as_empty_text) {
+TEST_F(ConfigurationSection, a_missing_attribute_reads_as_empty_text) {
     SetText(
         "<ROOT_ANALYZER><S>"
-        R"(<INFO_ITEM name="n" type="left by the item before" value="1" description="d" unitOfMeasure="u"/>)"
+        R"(<INFO_ITEM name="n" type="of the item before" value="1" description="d" unitOfMeasure="u"/>)"
         R"(<INFO_ITEM name="m" type="t" value="2"/>)"
         "</S></ROOT_ANALYZER>");
     ASSERT_TRUE(m_section.GetXML("S"));
@@ -136,7 +136,7 @@ TEST_F(ConfigurationSection, without_items_is_read_and_holds_no_key) {
     EXPECT_EQ(m_section.GetItem(""), nullptr);
 }
 
-TEST_F(ConfigurationSection, of_two_items_with_one_name_the_first_stays_and_reading_goes_on) {
+TEST_F(ConfigurationSection, keeps_the_first_of_two_items_with_one_name) {
     SetText(
         "<ROOT_ANALYZER><S><INFO_ITEM name='A' value='1'/><INFO_ITEM name='A' value='2'/>"
         "<INFO_ITEM name='B' value='3'/></S></ROOT_ANALYZER>");
@@ -146,7 +146,7 @@ TEST_F(ConfigurationSection, of_two_items_with_one_name_the_first_stays_and_read
     EXPECT_THAT(m_lines.Texts(), ElementsAre("ConfigurationBase::GetXML  Unable to add item"));
 }
 
-TEST_F(ConfigurationSection, an_item_without_a_name_stands_under_the_empty_key) {
+TEST_F(ConfigurationSection, an_item_without_a_name_has_the_empty_key) {
     SetText("<ROOT_ANALYZER><S><INFO_ITEM value='1'/></S></ROOT_ANALYZER>");
     EXPECT_TRUE(m_section.GetXML("S"));
     EXPECT_EQ(Value(""), "1");
@@ -216,7 +216,7 @@ TEST_F(ConfigurationSection, a_required_value_is_the_value) {
 
 using ConfigurationSectionDeathTest = ConfigurationSection;
 
-TEST_F(ConfigurationSectionDeathTest, a_missing_required_value_ends_the_process_and_names_file_section_and_key) {
+TEST_F(ConfigurationSectionDeathTest, a_missing_required_key_ends_the_process) {
     SetText("<ROOT_ANALYZER><LOGGING_INFO/></ROOT_ANALYZER>");
     m_section.SetSource("/etc/analyzer.conf.xml");
     ASSERT_TRUE(m_section.GetXML("LOGGING_INFO"));
@@ -226,7 +226,7 @@ TEST_F(ConfigurationSectionDeathTest, a_missing_required_value_ends_the_process_
                  "^/etc/analyzer\\.conf\\.xml: section LOGGING_INFO has no key LoggingLevel\n");
 }
 
-TEST_F(ConfigurationSectionDeathTest, a_required_value_before_the_first_read_ends_the_process_too) {
+TEST_F(ConfigurationSectionDeathTest, a_required_key_before_the_first_read_ends_the_process) {
     EXPECT_DEATH(m_section.RequireValue("LoggingLevel"), "section  has no key LoggingLevel\n");
 }
 
@@ -246,7 +246,7 @@ TEST_F(ConfigurationSection, writing_adds_an_item_of_a_new_name) {
     EXPECT_THAT(m_lines.Texts(), IsEmpty());
 }
 
-TEST_F(ConfigurationSection, writing_replaces_an_item_of_the_name_with_its_attributes_in_order) {
+TEST_F(ConfigurationSection, writing_replaces_an_item_of_that_name) {
     SetText(TwoItems);
     ItemInfoElement item = Item("B", "4");
     EXPECT_TRUE(m_section.SetXML("SYSTEM_INFO", &item));
@@ -275,7 +275,7 @@ TEST_F(ConfigurationSection, replacing_the_first_item_puts_it_last) {
               "</ROOT_ANALYZER>\n");
 }
 
-TEST_F(ConfigurationSection, what_was_written_reads_back_whatever_its_characters) {
+TEST_F(ConfigurationSection, a_written_item_reads_back_with_any_characters) {
     SetText("<ROOT_ANALYZER><S/></ROOT_ANALYZER>");
     ItemInfoElement item = Item("<&>", "\"it's\" 5 > 4 & 3 < 4");
     ASSERT_TRUE(m_section.SetXML("S", &item));
@@ -286,7 +286,7 @@ TEST_F(ConfigurationSection, what_was_written_reads_back_whatever_its_characters
     EXPECT_EQ(Value("<&>"), "\"it's\" 5 > 4 & 3 < 4");
 }
 
-TEST_F(ConfigurationSection, writing_ends_on_the_root_wherever_the_position_was) {
+TEST_F(ConfigurationSection, writing_ends_on_the_root_from_any_position) {
     SetText(TwoItems);
     ASSERT_TRUE(m_document.FindElement("SYSTEM_INFO"));
     ASSERT_TRUE(m_document.IntoElement());
@@ -296,7 +296,7 @@ TEST_F(ConfigurationSection, writing_ends_on_the_root_wherever_the_position_was)
     EXPECT_FALSE(m_document.OutOfElement());
 }
 
-TEST_F(ConfigurationSection, writing_without_a_section_name_touches_neither_document_nor_position) {
+TEST_F(ConfigurationSection, writing_without_a_section_name_changes_nothing) {
     SetText(TwoItems);
     ASSERT_TRUE(m_document.FindElement("SYSTEM_INFO"));
     ASSERT_TRUE(m_document.IntoElement());
@@ -328,7 +328,7 @@ TEST_F(ConfigurationSection, writing_into_another_root_is_refused) {
     EXPECT_EQ(m_document.GetDocumentText(), "<ROOT_USER><USER_CONFIG_INFO/></ROOT_USER>");
 }
 
-TEST_F(ConfigurationSection, writing_into_an_absent_section_logs_one_double_quote_and_ends_outside_the_root) {
+TEST_F(ConfigurationSection, writing_into_an_absent_section_logs_one_double_quote) {
     SetText(TwoItems);
     ItemInfoElement item = Item("A", "4");
     EXPECT_FALSE(m_section.SetXML("ABSENT_INFO", &item));

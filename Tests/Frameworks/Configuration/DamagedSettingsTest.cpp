@@ -1,5 +1,4 @@
-// Settings files with damaged bytes. Whatever is left of one, reading it ends in one of the states that the system
-// knows.
+// Settings files with damaged bytes: reading one ends in a state that the system knows.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +18,7 @@ std::string InstalledText() {
     return text.str();
 }
 
-// A few bytes replaced, a piece left out or a piece doubled.
+// Replaces a few bytes, removes a piece or repeats one.
 std::string Damage(std::string text, std::mt19937& random) {
     const auto below = [&random](std::size_t limit) -> std::size_t { return random() % limit; };
     const int count = 1 + static_cast<int>(below(4));

@@ -1,4 +1,4 @@
-// The settings file that is installed, held against the keys that the system reads.
+// Compares the installed settings file with the keys that the system reads.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -110,7 +110,7 @@ protected:
         ASSERT_TRUE(m_document.IntoElement());
     }
 
-    // The current element's children of that name, by one of their attributes, as often as they stand there.
+    // One attribute of each child of that name of the current element, duplicates included.
     std::vector<std::string> Children(const char* name, const char* attribute) {
         std::vector<std::string> found;
         EXPECT_TRUE(m_document.IntoElement());

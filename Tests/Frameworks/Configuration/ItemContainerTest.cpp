@@ -14,6 +14,13 @@ std::unique_ptr<ItemInfoElement> Item(const char* name, const char* value) {
     return item;
 }
 
+// With its texts in the container's memory.
+std::unique_ptr<ItemInfoElement> Item(ItemInfoContainer& items, const ItemTexts& texts) {
+    return std::make_unique<ItemInfoElement>(texts, items.Memory());
+}
+
+constexpr char LongText[] = "a text that is too long for the item itself";
+
 }  // namespace
 
 TEST(ItemInfoElement, all_texts_are_empty_at_first) {
@@ -61,67 +68,48 @@ TEST(ItemInfoContainer, an_item_added_by_value_is_found_under_its_value) {
     EXPECT_EQ(items.GetItem("Name"), nullptr);
 }
 
-TEST(ItemInfoContainer, an_item_made_of_texts_has_copies_of_all_five) {
+TEST(ItemInfoContainer, an_item_has_copies_of_the_texts_it_is_made_of) {
     ItemInfoContainer items;
-    std::string description = "a description that is too long to lie in the item itself";
-    EXPECT_TRUE(items.AddItem(ItemTexts{"Name", description, "Type", "Unit", "Value"}));
+    std::string description = LongText;
+    EXPECT_TRUE(items.AddItem(Item(items, {"Name", description, "Type", "Unit", "Value"})));
     description.assign(description.size(), '-');
     const ItemInfoElement* item = items.GetItem("Name");
     ASSERT_NE(item, nullptr);
     EXPECT_EQ(item->GetName(), "Name");
-    EXPECT_EQ(item->GetDescription(), "a description that is too long to lie in the item itself");
+    EXPECT_EQ(item->GetDescription(), LongText);
     EXPECT_EQ(item->GetType(), "Type");
     EXPECT_EQ(item->GetUnitOfMeasure(), "Unit");
     EXPECT_EQ(item->GetValue(), "Value");
-    EXPECT_EQ(items.GetItem("Value"), nullptr);
 }
 
-TEST(ItemInfoContainer, an_item_made_of_texts_by_value_is_found_under_its_value) {
+TEST(ItemInfoContainer, an_item_takes_other_texts_and_keeps_its_key) {
     ItemInfoContainer items;
-    EXPECT_TRUE(items.AddItemByValue(ItemTexts{.name = "Name", .value = "Value"}));
-    ASSERT_NE(items.GetItem("Value"), nullptr);
-    EXPECT_EQ(items.GetItem("Value")->GetName(), "Name");
-    EXPECT_EQ(items.GetItem("Name"), nullptr);
-}
-
-TEST(ItemInfoContainer, the_first_item_stays_whether_given_or_made_of_texts) {
-    ItemInfoContainer items;
-    EXPECT_TRUE(items.AddItem(Item("Given", "first")));
-    EXPECT_TRUE(items.AddItem(ItemTexts{.name = "Made", .value = "first"}));
-    EXPECT_FALSE(items.AddItem(ItemTexts{.name = "Given", .value = "second"}));
-    EXPECT_FALSE(items.AddItem(Item("Made", "second")));
-    EXPECT_EQ(items.GetItem("Given")->GetValue(), "first");
-    EXPECT_EQ(items.GetItem("Made")->GetValue(), "first");
-}
-
-TEST(ItemInfoContainer, an_item_made_of_texts_takes_other_texts_and_keeps_its_key) {
-    ItemInfoContainer items;
-    items.AddItem(ItemTexts{.name = "Name", .value = "Value"});
+    items.AddItem(Item(items, {.name = "Name", .value = "Value"}));
     items.GetItem("Name")->SetName("Other");
-    items.GetItem("Name")->SetValue("a value that is too long to lie in the item itself");
+    items.GetItem("Name")->SetValue(LongText);
     EXPECT_EQ(items.GetItem("Name")->GetName(), "Other");
-    EXPECT_EQ(items.GetItem("Name")->GetValue(), "a value that is too long to lie in the item itself");
+    EXPECT_EQ(items.GetItem("Name")->GetValue(), LongText);
     EXPECT_EQ(items.GetItem("Other"), nullptr);
 }
 
 TEST(ItemInfoContainer, a_copy_of_an_item_outlives_the_container) {
     auto items = std::make_unique<ItemInfoContainer>();
-    items->AddItem(ItemTexts{.name = "Name", .value = "a value that is too long to lie in the item itself"});
+    items->AddItem(Item(*items, {.name = "Name", .value = LongText}));
     ItemInfoElement assigned;
     assigned = *items->GetItem("Name");
     const ItemInfoElement copied = *items->GetItem("Name");
     items.reset();
-    EXPECT_EQ(copied.GetValue(), "a value that is too long to lie in the item itself");
-    EXPECT_EQ(assigned.GetValue(), "a value that is too long to lie in the item itself");
+    EXPECT_EQ(copied.GetValue(), LongText);
+    EXPECT_EQ(assigned.GetValue(), LongText);
 }
 
-TEST(ItemInfoContainer, many_items_made_of_texts_are_found_and_gone_when_it_is_cleared) {
+TEST(ItemInfoContainer, many_items_are_found_until_it_is_cleared) {
     constexpr int Count = 1000;
     ItemInfoContainer items;
     for (int round = 0; round < 2; ++round) {
         for (int number = 0; number < Count; ++number) {
             const std::string name = "a name that is a long one: " + std::to_string(number);
-            EXPECT_TRUE(items.AddItem(ItemTexts{.name = name, .value = std::to_string(number)}));
+            EXPECT_TRUE(items.AddItem(Item(items, {.name = name, .value = std::to_string(number)})));
         }
         for (int number = 0; number < Count; ++number) {
             const ItemInfoElement* item = items.GetItem("a name that is a long one: " + std::to_string(number));
@@ -214,7 +202,7 @@ TEST(ItemInfoContainer, a_required_value_is_the_value) {
     EXPECT_EQ(items.RequireValue("Name"), "Value");
 }
 
-TEST(ItemInfoContainerDeathTest, a_missing_required_value_ends_the_process_and_names_place_and_key) {
+TEST(ItemInfoContainerDeathTest, a_missing_required_key_ends_the_process) {
     ItemInfoContainer items;
     items.SetPlace("analyzer.conf.xml: section LOGGING_INFO");
     EXPECT_DEATH(items.RequireValue("LoggingLevel"),

@@ -16,7 +16,7 @@ constexpr const char* SectionName = "MEASUREMENT_ENGINE_INFO";
 
 class MeasurementSection : public testing::Test {
 protected:
-    // Reads a section of that content; the position is then that of the root's children.
+    // Reads a section of that content; the position is then among the root's children.
     bool Read(const std::string& content) {
         EXPECT_TRUE(
             m_document.SetDocumentText(Element("ROOT_ANALYZER", Element(SectionName, content) + "<BEHIND/>").c_str()));
@@ -62,13 +62,13 @@ TEST_F(MeasurementSection, reads_its_items_the_order_and_the_steps) {
     EXPECT_THAT(m_lines.Texts(), IsEmpty());
 }
 
-TEST_F(MeasurementSection, a_doubled_item_of_its_own_is_reported_and_the_first_stays) {
+TEST_F(MeasurementSection, a_duplicate_item_is_reported_and_the_first_stays) {
     EXPECT_TRUE(Read(Item("A", "1") + Item("A", "2") + StepList(StepOrder() + Step("Light"))));
     EXPECT_EQ(m_section.RequireValue("A"), "1");
     EXPECT_THAT(m_lines.Texts(), ElementsAre("MeasurementEngineConfigInfo::GetBaseItems  Unable to add item"));
 }
 
-TEST_F(MeasurementSection, a_doubled_value_in_the_order_list_is_reported_and_the_first_stays) {
+TEST_F(MeasurementSection, a_duplicate_value_in_the_order_list_is_reported) {
     EXPECT_TRUE(
         Read(StepList(Element("MEASUREMENT_STEP_ORDER", Item("1", "Light") + Item("2", "Light")) + Step("Light"))));
     EXPECT_EQ(m_section.GetMeasurementStepOrder()->GetItem("Light")->GetName(), "1");
@@ -76,7 +76,7 @@ TEST_F(MeasurementSection, a_doubled_value_in_the_order_list_is_reported_and_the
                 ElementsAre("MeasurementEngineConfigInfo::GetMeasurementStepItems  Unable to add item"));
 }
 
-TEST_F(MeasurementSection, a_doubled_item_of_a_step_is_reported_and_the_first_stays) {
+TEST_F(MeasurementSection, a_duplicate_item_of_a_step_is_reported) {
     EXPECT_TRUE(Read(StepList(StepOrder() + Element("MEASUREMENT_STEP", Item("Step", "Light") + Item("Duration", "1") +
                                                                             Item("Duration", "2")))));
     EXPECT_EQ(m_section.GetMeasurementSteps()->GetItemContainer("Light")->RequireValue("Duration"), "1");
@@ -84,7 +84,7 @@ TEST_F(MeasurementSection, a_doubled_item_of_a_step_is_reported_and_the_first_st
                 ElementsAre("MeasurementEngineConfigInfo::GetMeasurementStepItems  Unable to add item"));
 }
 
-TEST_F(MeasurementSection, of_two_steps_with_one_name_the_first_stays_and_the_second_is_reported) {
+TEST_F(MeasurementSection, a_second_step_of_a_name_is_reported) {
     EXPECT_TRUE(
         Read(StepList(StepOrder() + Element("MEASUREMENT_STEP", Item("Step", "Light") + Item("Duration", "1")) +
                       Element("MEASUREMENT_STEP", Item("Step", "Light") + Item("Duration", "2")) + Step("Mixing"))));
@@ -94,7 +94,7 @@ TEST_F(MeasurementSection, of_two_steps_with_one_name_the_first_stays_and_the_se
                 ElementsAre("MeasurementEngineConfigInfo::GetMeasurementStepItems  Unable to add itemContainer"));
 }
 
-TEST_F(MeasurementSection, a_step_without_a_name_stands_under_the_empty_key) {
+TEST_F(MeasurementSection, a_step_without_a_name_has_the_empty_key) {
     EXPECT_TRUE(Read(StepList(StepOrder() + Element("MEASUREMENT_STEP", Item("Duration", "1")))));
     EXPECT_TRUE(HasStep(""));
 }
@@ -113,11 +113,11 @@ TEST_F(MeasurementSection, with_an_empty_order_list_is_unreadable) {
     EXPECT_FALSE(Read(StepList("<MEASUREMENT_STEP_ORDER/>" + Step("Light"))));
 }
 
-TEST_F(MeasurementSection, with_the_order_list_behind_the_first_step_is_unreadable) {
+TEST_F(MeasurementSection, with_the_order_list_after_the_first_step_is_unreadable) {
     EXPECT_FALSE(Read(StepList(Step("HomePosition") + StepOrder() + Step("Light"))));
 }
 
-TEST_F(MeasurementSection, with_the_order_list_behind_all_steps_is_unreadable) {
+TEST_F(MeasurementSection, with_the_order_list_after_all_steps_is_unreadable) {
     EXPECT_FALSE(Read(StepList(Step("HomePosition") + Step("Light") + StepOrder())));
 }
 
@@ -128,7 +128,7 @@ TEST_F(MeasurementSection, other_elements_in_the_step_list_are_passed_over) {
     EXPECT_TRUE(HasStep("Light"));
 }
 
-TEST_F(MeasurementSection, that_is_unreadable_leaves_the_position_on_it_for_the_sections_behind) {
+TEST_F(MeasurementSection, that_is_unreadable_leaves_the_position_for_later_sections) {
     for (const std::string& content : {std::string("<MEASUREMENT_STEP_LIST/>"), StepList(Step("Light") + StepOrder()),
                                        StepList(StepOrder()), StepList("<MEASUREMENT_STEP_ORDER/>"), Item("A", "1")}) {
         ASSERT_FALSE(Read(content));
@@ -157,13 +157,13 @@ TEST_F(MeasurementSection, reads_a_very_long_step_list) {
 
 using MeasurementSectionDeathTest = MeasurementSection;
 
-TEST_F(MeasurementSectionDeathTest, a_missing_item_of_a_step_ends_the_process_and_names_file_section_step_and_item) {
+TEST_F(MeasurementSectionDeathTest, a_missing_item_of_a_step_ends_the_process) {
     ASSERT_TRUE(Read(StepList(StepOrder() + Step("Light"))));
     EXPECT_DEATH(m_section.GetMeasurementSteps()->GetItemContainer("Light")->RequireValue("LED On"),
                  "^analyzer\\.conf\\.xml: section MEASUREMENT_ENGINE_INFO, step Light has no key LED On\n");
 }
 
-TEST_F(MeasurementSection, writing_reports_under_its_own_name) {
+TEST_F(MeasurementSection, writing_reports_with_its_class_name) {
     EXPECT_FALSE(m_section.SetXML("", nullptr));
     ASSERT_TRUE(m_document.SetDocumentText("<ROOT_USER/>"));
     m_section.SetDocument(&m_document);

@@ -1,6 +1,6 @@
 // The process is killed while it saves: the next start finds sound counters, none of them below the last completed
-// save. One kill at a time, since a start writes nothing: where the backup was cut, the main file alone stands until
-// the next save is complete.
+// save. One kill at a time, since a start writes nothing: after a cut backup only the main file is sound until the next
+// complete save.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -14,12 +14,12 @@ namespace {
 
 constexpr const char* Counters[] = {"TubingRunCycles", "ReagentDeliveryRunCycles"};
 
-// So long that a file takes several writes.
+// Long enough for several writes per file.
 constexpr std::size_t LongText = 20000;
 
 class KilledOperation : public OperationTest {
 protected:
-    // Adds one to each counter and saves, over and over; tells of each save when it is complete.
+    // Adds one to each counter and saves, repeatedly; reports each complete save.
     static void CountAndSave(const NewProcess::Tell& tell) {
         while (true) {
             CountOnce();
@@ -34,7 +34,7 @@ protected:
         }
     }
 
-    // Where a sound start leaves the counters; one more save then makes both files sound again.
+    // The counters after a sound start; one more save then makes both files sound again.
     static std::uint32_t CountersAfterStart() {
         const std::string text = AfterStart([](SystemOperationFile& file) {
             StdString first = file.ReadItem(Counters[0]);
@@ -67,7 +67,7 @@ struct Damage {
 
 }  // namespace
 
-// Each call on a file that a save makes, in two saves in a row.
+// Each file call of two consecutive saves.
 TEST_F(KilledOperation, at_every_single_call_of_a_save_keeps_the_counters) {
     MakeLong();
     Damage damage;
@@ -129,7 +129,7 @@ TEST_F(KilledOperation, at_two_hundred_random_moments_keeps_the_counters) {
     }
 }
 
-// Between two starts nothing is written, so that what the first kill left is what the second one meets.
+// Nothing is written between two starts, so the second kill meets what the first one left.
 TEST_F(KilledOperation, while_it_counts_keeps_the_last_save) {
     AfterStart([](SystemOperationFile& file) {
         CountOnce();

@@ -1,5 +1,4 @@
-// The operation file on a board of its own. The product keeps one object for the life of a process, so each start is a
-// process.
+// The operation file on a board. The product keeps one object for the life of a process, so each start is a process.
 #pragma once
 
 #include <filesystem>
@@ -24,7 +23,7 @@ protected:
 
     static std::string Text(bool value) { return value ? "true" : "false"; }
 
-    // What the action says of the file right after a start.
+    // The result of the action on the file after a start.
     static std::string AfterStart(const std::function<std::string(SystemOperationFile& file)>& action) {
         const NewProcess process([&](const NewProcess::Tell& tell) {
             SystemOperationFile* file = SystemOperationFile::GetInstance();
@@ -37,7 +36,7 @@ protected:
         return AfterStart([](SystemOperationFile& file) { return file.ReadItem("TubingRunCycles").Text(); });
     }
 
-    // The document of a unit whose tubing has run so many cycles, as a save writes it.
+    // The document that a save writes for that number of tubing cycles.
     static std::string WithTubingCycles(const std::string& cycles) {
         return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
                "<ROOT_ANALYZER>\n"

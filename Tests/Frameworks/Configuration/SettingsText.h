@@ -1,4 +1,4 @@
-// Settings files for tests, and a folder of their own to lie in.
+// Settings files for tests, and a folder for them.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 #include <fstream>
 #include <string>
 
-// Made empty, and removed with all that lies in it.
+// Made empty, and removed with its content.
 class TestFolder {
 public:
     TestFolder() {

@@ -37,7 +37,7 @@ std::string UnableToCreate(const std::string& className) {
     return "SystemConfigurationFile::GetXML Unable to create " + className + " Item";
 }
 
-// A section that holds its own name under the key "Name".
+// A section with its name as the value of the key "Name".
 std::string Section(const std::string& element) {
     std::string content = Item("Name", element);
     if (element == "MEASUREMENT_ENGINE_INFO") {
@@ -65,7 +65,7 @@ protected:
         return section == nullptr ? "no section" : section->GetValueOr("Name", "no key").Text();
     }
 
-    // Each getter's section, by its element.
+    // The section of each getter, by its element.
     std::map<std::string, const ConfigurationBase*> Reached() const {
         return {{"GENERAL_INFO", m_file.GetGlobalConfigInfo()},
                 {"LOGGING_INFO", m_file.GetLoggingConfigInfo()},
@@ -144,7 +144,7 @@ TEST_P(SettingsFileWithout, one_section_is_read_and_reports_it_alone) {
     EXPECT_THAT(m_lines.Texts(), ElementsAre(UnableToCreate(row.className)));
 }
 
-TEST_F(SettingsFile, with_a_root_alone_is_read_and_reports_every_section_in_the_order_of_reading) {
+TEST_F(SettingsFile, with_only_a_root_reports_each_section) {
     EXPECT_TRUE(LoadAndRead(""));
     EXPECT_THAT(m_lines.Texts(),
                 ElementsAre("SystemConfigurationFile::GetXML Unable to create GlobalConfigInfo Item",
@@ -159,7 +159,7 @@ TEST_F(SettingsFile, with_a_root_alone_is_read_and_reports_every_section_in_the_
                             "SystemConfigurationFile::GetXML Unable to create WebDataInterfaceConfigInfo Item"));
 }
 
-TEST_F(SettingsFile, with_an_empty_step_list_drops_the_measurement_section_alone) {
+TEST_F(SettingsFile, with_an_empty_step_list_drops_only_the_measurement_section) {
     EXPECT_TRUE(LoadAndRead(Element("MEASUREMENT_ENGINE_INFO", Item("Name", "x") + "<MEASUREMENT_STEP_LIST/>") +
                             AllSectionsBut("MEASUREMENT_ENGINE_INFO")));
     for (const auto& [element, section] : Reached()) {
@@ -168,7 +168,7 @@ TEST_F(SettingsFile, with_an_empty_step_list_drops_the_measurement_section_alone
     EXPECT_THAT(m_lines.Texts(), ElementsAre(UnableToCreate("MeasurementEngineConfigInfo")));
 }
 
-TEST_F(SettingsFile, with_the_step_order_behind_a_step_drops_the_measurement_section_alone) {
+TEST_F(SettingsFile, with_the_step_order_after_a_step_drops_only_the_measurement_section) {
     EXPECT_TRUE(LoadAndRead(Element("MEASUREMENT_ENGINE_INFO", StepList(Step("Light") + StepOrder() + Step("Mixing"))) +
                             AllSectionsBut("MEASUREMENT_ENGINE_INFO")));
     EXPECT_EQ(m_file.GetMeasurementEngineConfigInfo(), nullptr);
@@ -182,7 +182,7 @@ TEST_F(SettingsFile, of_two_sections_with_one_name_the_first_counts) {
     EXPECT_EQ(Name(m_file.GetGlobalConfigInfo()), "first");
 }
 
-TEST_F(SettingsFile, keeps_what_it_holds_where_another_file_does_not_load) {
+TEST_F(SettingsFile, keeps_its_content_if_another_file_does_not_load) {
     ASSERT_TRUE(LoadAndRead(AllSectionsBut()));
     EXPECT_FALSE(m_file.Load((m_folder.Path() + "/absent.xml").c_str()));
     EXPECT_EQ(Name(m_file.GetGlobalConfigInfo()), "GENERAL_INFO");
@@ -217,7 +217,7 @@ TEST_F(SettingsFile, is_not_changed_by_reading) {
     EXPECT_EQ(kept.str(), text);
 }
 
-TEST_F(SettingsFile, takes_the_defaults_of_the_test_link_where_keys_are_missing) {
+TEST_F(SettingsFile, takes_the_defaults_of_the_test_link_for_missing_keys) {
     ASSERT_TRUE(LoadAndRead(Element("TEST_INTERFACE_INFO", "") + Element("GENERAL_INFO", "")));
     EXPECT_EQ(m_file.RequireTestInterfaceConfigInfo().GetValueOr("TestServerPortNumber", "1200"), "1200");
     EXPECT_EQ(m_file.RequireTestInterfaceConfigInfo().GetValueOr("ConnectionRetryCount", "1").ToInteger(), 1);
@@ -235,7 +235,7 @@ TEST_F(SettingsFileDeathTest, a_missing_key_is_named_with_file_and_section) {
                  "/analyzer\\.conf\\.xml: section MEASUREMENT_ENGINE_INFO has no key PrimeCycleCount\n");
 }
 
-TEST_F(SettingsFileDeathTest, a_missing_section_that_cannot_be_done_without_is_named_with_its_file) {
+TEST_F(SettingsFileDeathTest, a_missing_required_section_is_named_with_its_file) {
     ASSERT_TRUE(LoadAndRead(""));
     EXPECT_DEATH(m_file.RequireGlobalConfigInfo(),
                  "/analyzer\\.conf\\.xml: section GENERAL_INFO is missing or can't be read\n");
@@ -271,7 +271,7 @@ TEST_F(ProcessSettings, set_to_null_are_none) {
     EXPECT_EQ(SingletonBase::GetSystemConfiguration(), nullptr);
 }
 
-TEST_F(ProcessSettings, of_the_user_have_a_place_of_their_own) {
+TEST_F(ProcessSettings, of_the_user_are_kept_separately) {
     EXPECT_TRUE(SingletonBase::SetUserConfiguration(std::make_unique<UserConfigurationFile>()));
     EXPECT_NE(SingletonBase::GetUserConfiguration(), nullptr);
     EXPECT_EQ(SingletonBase::GetSystemConfiguration(), nullptr);

@@ -110,14 +110,14 @@ TEST_F(Operation, is_one_object_to_the_end_of_the_process) {
               "true7");
 }
 
-// An orderly end, so that a leak check looks at it.
+// A regular exit, so that the leak check runs.
 TEST_F(Operation, object_left_at_the_end_of_the_process_is_no_leak) {
     NewProcess process(
         [](const NewProcess::Tell& /*tell*/) { std::exit(SystemOperationFile::GetInstance() == nullptr); });
     EXPECT_EQ(process.Wait(), 0);
 }
 
-TEST_F(Operation, a_damaged_main_file_gives_way_to_the_backup_and_is_mended_by_the_next_save) {
+TEST_F(Operation, the_backup_replaces_a_damaged_main_file) {
     for (const char* damaged : {"", "<", "<ROOT_ANALYZER>", "no document", "<ROOT_ANALYZER/><ROOT_ANALYZER/>"}) {
         LayMain(damaged);
         LayBackup(WithTubingCycles("5"));
@@ -129,7 +129,7 @@ TEST_F(Operation, a_damaged_main_file_gives_way_to_the_backup_and_is_mended_by_t
     }
 }
 
-TEST_F(Operation, a_sound_main_file_counts_whatever_the_backup_says) {
+TEST_F(Operation, a_sound_main_file_counts_with_any_backup) {
     LayMain(WithTubingCycles("5"));
     for (const std::string& backup : {std::string(), std::string("<"), WithTubingCycles("9")}) {
         LayBackup(backup);
@@ -137,7 +137,7 @@ TEST_F(Operation, a_sound_main_file_counts_whatever_the_backup_says) {
     }
 }
 
-TEST_F(Operation, two_damaged_files_begin_from_zero_and_are_mended_by_the_next_save) {
+TEST_F(Operation, two_damaged_files_start_from_zero) {
     for (const char* damaged : {"", "<ROOT_ANALYZER>"}) {
         LayMain(damaged);
         LayBackup("<SYSTEM_INFO>");
@@ -148,7 +148,7 @@ TEST_F(Operation, two_damaged_files_begin_from_zero_and_are_mended_by_the_next_s
     }
 }
 
-// Wherever the main file is cut, either nothing of what counts is lost or the backup takes its place.
+// At any cut of the main file, either no counter is lost or the backup replaces it.
 TEST_F(Operation, a_main_file_cut_anywhere_never_counts_wrong) {
     const std::string whole = WithTubingCycles("6");
     const std::size_t rootEnd = whole.rfind('>') + 1;
@@ -167,13 +167,13 @@ TEST_F(Operation, a_main_file_cut_anywhere_never_counts_wrong) {
     }
 }
 
-TEST_F(Operation, a_main_file_of_zero_bytes_as_after_a_power_failure_gives_way_to_the_backup) {
+TEST_F(Operation, the_backup_replaces_a_main_file_of_zero_bytes) {
     LayMain(std::string(1200, '\0'));
     LayBackup(WithTubingCycles("5"));
     EXPECT_EQ(TubingCyclesAfterStart(), "5");
 }
 
-TEST_F(Operation, of_another_root_is_not_available_until_the_file_is_mended) {
+TEST_F(Operation, of_another_root_is_not_available_until_it_is_repaired) {
     LayMain(Element("ROOT_USER", Element("SYSTEM_INFO", Item("TubingRunCycles", "3"))));
     LayBackup(WithTubingCycles("5"));
     NewProcess process([this](const NewProcess::Tell& tell) {
@@ -210,8 +210,8 @@ TEST_F(Operation, a_missing_folder_is_not_made_and_no_save_succeeds) {
     EXPECT_FALSE(fs::exists(DataFolder()));
 }
 
-// A folder in the file's place, since for root no folder is read only.
-TEST_F(Operation, a_save_is_judged_by_the_backup_alone) {
+// A folder in place of the file, since for root no folder is read-only.
+TEST_F(Operation, a_save_returns_the_result_of_the_backup) {
     fs::create_directory(MainPath());
     EXPECT_EQ(AfterStart([](SystemOperationFile& file) { return Text(file.Save()); }), "true");
     EXPECT_EQ(Backup(), DefaultText);
@@ -223,7 +223,7 @@ TEST_F(Operation, a_save_is_judged_by_the_backup_alone) {
 }
 
 TEST_F(Operation, a_folder_that_cannot_be_written_fails_the_save) {
-    ASSERT_TRUE(Board().FailCall("fopen", 4, EACCES));  // loading asks for both files first
+    ASSERT_TRUE(Board().FailCall("fopen", 4, EACCES));  // loading opens both files first
     EXPECT_EQ(AfterStart([](SystemOperationFile& file) { return Text(file.Save()); }), "false");
 }
 

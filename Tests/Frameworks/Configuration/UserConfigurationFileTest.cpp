@@ -22,7 +22,7 @@ const std::string UserText = Element("ROOT_USER", Element("USER_CONFIG_INFO", It
 
 }  // namespace
 
-TEST_F(UserSettings, load_from_their_usual_place_where_no_path_is_given) {
+TEST_F(UserSettings, load_from_the_default_path_without_a_path) {
     m_folder.Write("configuration/user.conf.xml", UserText);
     EXPECT_TRUE(m_file.Load(""));
     EXPECT_TRUE(m_file.GetXML());

@@ -20,7 +20,7 @@ const char* logIdentity = "";
 
 }  // namespace
 
-// The system log of this program is its error stream, one line an entry.
+// The system log of this program is its error stream, one line per entry.
 extern "C" {
 void openlog(const char* identity, int, int) { logIdentity = identity; }
 void closelog() {}
@@ -71,7 +71,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FailingDocument, writing_takes_these_steps_where_all_goes_well) {
+TEST_F(FailingDocument, writing_makes_these_calls) {
     Fail("FindElement INFO_ITEM#2");
     EXPECT_TRUE(Write());
     EXPECT_THAT(Calls(), ElementsAre("ResetPosition", "FindElement ROOT_ANALYZER", "IntoElement", "FindElement S",
@@ -97,15 +97,15 @@ TEST_F(FailingDocument, a_section_that_cannot_be_entered_is_one_double_quote) {
     EXPECT_EQ(Calls().back(), "OutOfElement");
 }
 
-TEST_F(FailingDocument, an_item_that_cannot_be_removed_is_reported_and_writing_goes_on) {
-    m_item.SetName("name");  // what every attribute of this document says
+TEST_F(FailingDocument, an_item_that_cannot_be_removed_is_reported_and_written) {
+    m_item.SetName("name");  // the value of the attribute in this document
     Fail("RemoveElement");
     EXPECT_TRUE(Write());
     EXPECT_THAT(m_lines.Texts(), ElementsAre("ConfigurationBase::SetXML  Unable to remove element"));
     EXPECT_THAT(Calls(), testing::Contains("AddElement INFO_ITEM 0"));
 }
 
-TEST_F(FailingDocument, an_item_that_cannot_be_added_is_one_double_quote_and_gets_no_attributes) {
+TEST_F(FailingDocument, an_item_that_cannot_be_added_logs_one_double_quote) {
     Fail("FindElement INFO_ITEM");
     Fail("AddElement INFO_ITEM 0");
     EXPECT_TRUE(Write());
@@ -115,7 +115,7 @@ TEST_F(FailingDocument, an_item_that_cannot_be_added_is_one_double_quote_and_get
                             "FindElement INFO_ITEM", "AddElement INFO_ITEM 0", "OutOfElement", "OutOfElement"));
 }
 
-TEST_F(FailingDocument, each_attribute_that_cannot_be_set_has_its_line_and_the_next_is_tried) {
+TEST_F(FailingDocument, each_attribute_that_cannot_be_set_is_reported) {
     Fail("FindElement INFO_ITEM");
     for (const char* call : {"SetAttribute name=N", "SetAttribute type=T", "SetAttribute value=V",
                              "SetAttribute description=D", "SetAttribute unitOfMeasure=U"}) {
@@ -129,14 +129,14 @@ TEST_F(FailingDocument, each_attribute_that_cannot_be_set_has_its_line_and_the_n
                                              "ConfigurationBase::SetXML  Unable to add attribute \"unitOfMeasure\""));
 }
 
-TEST_F(FailingDocument, a_section_that_cannot_be_left_is_one_double_quote_and_fails_the_write) {
+TEST_F(FailingDocument, a_section_that_cannot_be_left_fails_the_write) {
     Fail("FindElement INFO_ITEM");
     Fail("OutOfElement#1");
     EXPECT_FALSE(Write());
     EXPECT_THAT(m_lines.Texts(), ElementsAre("\""));
 }
 
-TEST_F(FailingDocument, a_root_that_cannot_be_left_is_reported_and_the_write_still_counts) {
+TEST_F(FailingDocument, a_root_that_cannot_be_left_is_only_reported) {
     Fail("FindElement INFO_ITEM");
     Fail("OutOfElement#2");
     EXPECT_TRUE(Write());
@@ -144,7 +144,7 @@ TEST_F(FailingDocument, a_root_that_cannot_be_left_is_reported_and_the_write_sti
                 ElementsAre("ConfigurationBase::SetXML  Unable to move out of element \"ROOT_ANALYZER\""));
 }
 
-TEST_F(FailingDocument, the_measurement_section_writes_alike_and_reports_under_its_own_name) {
+TEST_F(FailingDocument, the_measurement_section_writes_the_same_way) {
     m_item.SetName("name");
     for (const char* call : {"RemoveElement", "SetAttribute name=name", "SetAttribute type=T", "SetAttribute value=V",
                              "SetAttribute description=D", "SetAttribute unitOfMeasure=U", "OutOfElement#2"}) {
@@ -168,7 +168,7 @@ TEST_F(FailingDocument, the_measurement_section_reports_a_root_that_cannot_be_en
                 ElementsAre("MeasurementEngineConfigInfo::SetXML  Unable to move in to element \"ROOT_ANALYZER\""));
 }
 
-TEST_F(FailingDocument, the_measurement_section_tells_a_failed_section_by_one_double_quote) {
+TEST_F(FailingDocument, the_measurement_section_logs_a_failed_section_as_one_double_quote) {
     for (const char* call : {"FindElement S", "IntoElement#2", "AddElement INFO_ITEM 0", "OutOfElement#1"}) {
         DocumentScript::Get() = {};
         Fail("FindElement INFO_ITEM");
@@ -186,15 +186,15 @@ TEST_F(FailingDocument, a_section_that_cannot_be_entered_is_not_read) {
     EXPECT_THAT(Calls(), ElementsAre("FindElement S", "IntoElement"));
 }
 
-TEST_F(FailingDocument, a_section_that_cannot_be_left_counts_as_not_read_and_holds_its_items) {
+TEST_F(FailingDocument, a_section_that_cannot_be_left_is_not_read) {
     Fail("FindElement INFO_ITEM#2");
     Fail("OutOfElement");
     EXPECT_FALSE(m_base.GetXML("S"));
     EXPECT_NE(m_base.GetItem("name"), nullptr);
 }
 
-TEST_F(FailingDocument, a_measurement_section_is_unreadable_whatever_cannot_be_entered_or_left) {
-    // Into and out of: the section for its items, then again, the step list, the order list, the one step.
+TEST_F(FailingDocument, a_measurement_section_needs_every_element_entered_and_left) {
+    // Entered and left: the section for its items, then again, the step list, the order list, the one step.
     for (const char* call :
          {"IntoElement#1", "IntoElement#2", "IntoElement#3", "IntoElement#4", "IntoElement#5", "OutOfElement#1",
           "OutOfElement#2", "OutOfElement#3", "OutOfElement#4", "OutOfElement#5", "none"}) {
@@ -230,7 +230,7 @@ TEST_F(FailingDocument, a_settings_file_that_is_not_well_formed_does_not_load) {
     EXPECT_EQ(user.GetDocument(), nullptr);
 }
 
-TEST_F(FailingDocument, the_user_file_lies_in_its_usual_place) {
+TEST_F(FailingDocument, the_user_file_has_a_default_path) {
     UserConfigurationFile user;
     EXPECT_TRUE(user.Load(""));
     EXPECT_EQ(Calls().front(), "Load ./configuration/user.conf.xml");
@@ -244,7 +244,7 @@ TEST_F(FailingDocument, a_settings_file_whose_root_cannot_be_entered_is_not_read
     EXPECT_THAT(m_lines.Texts(), IsEmpty());
 }
 
-TEST_F(FailingDocument, a_settings_file_whose_root_cannot_be_left_counts_as_not_read) {
+TEST_F(FailingDocument, a_settings_file_needs_its_root_left) {
     SystemConfigurationFile file;
     ASSERT_TRUE(file.Load("path"));
     for (const char* section : {"GENERAL_INFO", "DEVICE_MONITOR_INFO", "LOGGING_INFO", "MEASUREMENT_ENGINE_INFO",
@@ -268,12 +268,12 @@ TEST_F(FailingDocument, a_user_file_whose_root_cannot_be_left_counts_as_not_read
 
 using FailingDocumentDeathTest = FailingDocument;
 
-// The error stream, where a program that qemu runs ends with a line of qemu's own.
+// The error stream; under qemu it ends with a line of qemu.
 std::string WholeStream(const std::string& lines) {
     return "^" + lines + "(qemu: uncaught target signal 6 [^\n]*\n)?$";
 }
 
-TEST_F(FailingDocumentDeathTest, a_missing_key_is_told_on_the_error_stream_and_in_the_system_log) {
+TEST_F(FailingDocumentDeathTest, a_missing_key_is_printed_and_logged) {
     m_base.SetSource("analyzer.conf.xml");
     Fail("FindElement INFO_ITEM");
     ASSERT_TRUE(m_base.GetXML("LOGGING_INFO"));
@@ -282,7 +282,7 @@ TEST_F(FailingDocumentDeathTest, a_missing_key_is_told_on_the_error_stream_and_i
                              "<5>Vernicor: analyzer\\.conf\\.xml: section LOGGING_INFO has no key LoggingLevel\n"));
 }
 
-TEST_F(FailingDocumentDeathTest, a_percent_sign_reaches_the_system_log_as_it_is) {
+TEST_F(FailingDocumentDeathTest, a_percent_sign_reaches_the_system_log_unchanged) {
     m_base.SetSource("100%s.xml");
     Fail("FindElement INFO_ITEM");
     ASSERT_TRUE(m_base.GetXML("S"));
@@ -290,7 +290,7 @@ TEST_F(FailingDocumentDeathTest, a_percent_sign_reaches_the_system_log_as_it_is)
                                                          "<5>Vernicor: 100%s\\.xml: section S has no key K%n\n"));
 }
 
-TEST_F(FailingDocumentDeathTest, a_missing_section_is_told_on_the_error_stream_and_in_the_system_log) {
+TEST_F(FailingDocumentDeathTest, a_missing_section_is_printed_and_logged) {
     SystemConfigurationFile file;
     ASSERT_TRUE(file.Load("/etc/analyzer.conf.xml"));
     EXPECT_DEATH(

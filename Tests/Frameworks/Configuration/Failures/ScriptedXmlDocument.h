@@ -1,4 +1,4 @@
-// The document class of this program does as it is told: what a sound document never does to its callers is told here.
+// The document class of this program fails on request, in ways in which a sound document never fails.
 #pragma once
 
 #include <set>
@@ -6,7 +6,7 @@
 #include <vector>
 
 struct DocumentScript {
-    std::set<std::string> failing;   // calls that give false, such as "IntoElement#2" for the second one
+    std::set<std::string> failing;   // calls that return false, such as "IntoElement#2" for the second one
     std::vector<std::string> calls;  // with their arguments
 
     static DocumentScript& Get();
