@@ -1,5 +1,5 @@
-// The root of every class that talks to an XML document: settings read themselves from one, records write themselves
-// into one. The document is borrowed and may be null. One thread at a time.
+// The base of every class that reads from or writes into an XML document. The document is borrowed and may be null. One
+// thread at a time.
 #pragma once
 
 class XmlDocument;
@@ -14,7 +14,7 @@ public:
     virtual ~XMLData() = default;
 
     XmlDocument* GetDocument() const { return m_document; }
-    // The document set before stays alive: it belongs to someone else.
+    // Does not free the previous document.
     void SetDocument(XmlDocument* document) { m_document = document; }
 
 private:

@@ -7,15 +7,15 @@ namespace {
 
 bool IsQuote(char byte) { return byte == '"' || byte == '\''; }
 
-const char* BehindWhiteSpace(const char* at, const char* end) {
+const char* SkipWhiteSpace(const char* at, const char* end) {
     while (at != end && IsXmlWhiteSpace(*at)) {
         ++at;
     }
     return at;
 }
 
-// Behind a byte or a quoted run.
-const char* BehindUnit(const char* at, const char* end) {
+// To the end of a byte or of a quoted run.
+const char* SkipUnit(const char* at, const char* end) {
     if (!IsQuote(*at)) {
         return at + 1;
     }
@@ -23,16 +23,16 @@ const char* BehindUnit(const char* at, const char* end) {
     return close == end ? end : close + 1;
 }
 
-// Behind what separates attributes.
-const char* BehindGap(const char* at, const char* end) {
+// To the end of what separates attributes.
+const char* SkipGap(const char* at, const char* end) {
     while (at != end && (IsXmlWhiteSpace(*at) || *at == '/')) {
         ++at;
     }
     return at;
 }
 
-// A quoted run within it is a part of the name.
-const char* BehindName(const char* at, const char* end) {
+// A quoted run within a name is a part of it.
+const char* SkipName(const char* at, const char* end) {
     for (;;) {
         while (at != end && !StopsXmlAttributeName(*at)) {
             ++at;
@@ -40,14 +40,14 @@ const char* BehindName(const char* at, const char* end) {
         if (at == end || !IsQuote(*at)) {
             return at;
         }
-        at = BehindUnit(at, end);
+        at = SkipUnit(at, end);
     }
 }
 
 std::string_view Between(const char* start, const char* end) { return {start, static_cast<std::size_t>(end - start)}; }
 
-// `start` is in front of `end`.
-const char* BehindValue(const char* start, const char* end, std::string_view& value) {
+// `start` is before `end`.
+const char* SkipValue(const char* start, const char* end, std::string_view& value) {
     if (IsQuote(*start)) {
         // The quote may be missing in a processing instruction, whose end does not look at quotes.
         const char* const close = FindXmlByte(start + 1, end, *start);
@@ -56,7 +56,7 @@ const char* BehindValue(const char* start, const char* end, std::string_view& va
     }
     const char* at = start;
     while (at != end && !IsXmlWhiteSpace(*at)) {
-        at = BehindUnit(at, end);
+        at = SkipUnit(at, end);
     }
     value = Between(start, at);
     return at;
@@ -66,24 +66,24 @@ const char* BehindValue(const char* start, const char* end, std::string_view& va
 
 bool XmlAttributes::Next(XmlAttribute& attribute) {
     const char* const end = m_end;
-    const char* at = BehindGap(m_at, end);
+    const char* at = SkipGap(m_at, end);
     if (at == end) {
         m_at = end;
         return false;
     }
-    const char* const nameEnd = BehindName(at, end);
+    const char* const nameEnd = SkipName(at, end);
     attribute.name = Between(at, nameEnd);
     attribute.value = {};
-    at = BehindWhiteSpace(nameEnd, end);
+    at = SkipWhiteSpace(nameEnd, end);
     attribute.hasEqualSign = at != end && *at == '=';
     const char* valueStart = nameEnd;
     const char* valueEnd = nameEnd;
     if (attribute.hasEqualSign) {
         valueStart = valueEnd = at + 1;
-        at = BehindWhiteSpace(valueStart, end);
+        at = SkipWhiteSpace(valueStart, end);
         if (at != end) {
             valueStart = at;
-            at = valueEnd = BehindValue(valueStart, end, attribute.value);
+            at = valueEnd = SkipValue(valueStart, end, attribute.value);
         }
     }
     attribute.valueStart = static_cast<std::size_t>(valueStart - m_tag);
@@ -107,7 +107,7 @@ void XmlAttributeFinder::Start(std::string_view tag, std::size_t nameEnd) {
     m_rest = XmlAttributes(tag, nameEnd);
     m_count = 0;
     XmlAttribute attribute;
-    while (m_count < Most && m_rest.Next(attribute)) {
+    while (m_count < MaxKnown && m_rest.Next(attribute)) {
         m_known[m_count++] = {attribute.name, attribute.value};
     }
 }

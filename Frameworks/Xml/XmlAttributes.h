@@ -1,5 +1,5 @@
-// Walks the attributes of one tag. Like the scanner it takes a quoted run as a unit wherever it stands, so that a cut
-// at any of its offsets leaves the rest of the tag to be read as before.
+// Walks the attributes of one tag. Like the scanner it takes a quoted run as one unit anywhere in the tag, so a change
+// at any of its offsets leaves the rest of the tag readable as before. One thread at a time.
 #pragma once
 
 #include <algorithm>
@@ -22,13 +22,13 @@ struct XmlAttribute {
 class XmlAttributes {
 public:
     XmlAttributes() = default;
-    // `tag` from the "<" to the ">"; the walk starts at `offset`, behind the name.
+    // `tag` from the "<" to the ">"; the walk starts at `offset`, after the name.
     XmlAttributes(std::string_view tag, std::size_t offset);
 
-    // False behind the last, which leaves the attribute alone.
+    // Returns false after the last, and leaves the attribute unchanged.
     bool Next(XmlAttribute& attribute);
-    // For a reader that knows how they mostly stand: the value of the next one, taken if it is written as a blank, the
-    // name, "=" and the value in double quotes. False otherwise, and nothing is taken.
+    // Twice as fast, for the usual form: takes the next attribute if it is a blank, the name, "=" and a value in double
+    // quotes. Otherwise returns false and takes nothing.
     bool NextIs(std::string_view name, std::string_view& value);
 
 private:
@@ -37,20 +37,20 @@ private:
     const char* m_end = nullptr;  // of the attributes: at the ">" or "/>" or "?>"
 };
 
-// True and the attribute, if the tag has one of that name. `nameEnd` is the offset behind the tag's own name.
+// Returns true and the first attribute of that name, if there is one. `nameEnd` is the offset after the tag's own name.
 bool FindXmlAttribute(std::string_view tag, std::size_t nameEnd, std::string_view name, XmlAttribute& attribute);
 
-// The same for a reader that asks for one attribute of a tag after the other: the tag is walked once for all of them.
+// Finds several attributes of one tag with one walk over it.
 class XmlAttributeFinder {
 public:
-    // What it keeps points into `tag`.
+    // Keeps views into `tag`.
     void Start(std::string_view tag, std::size_t nameEnd);
 
-    // Of the first attribute of that name, with its entities decoded; empty if there is none.
+    // The value of the first attribute of that name, entities decoded; empty if there is none.
     std::string ValueOf(std::string_view name) const;
 
 private:
-    static constexpr std::size_t Most = 8;  // what a tag has beyond these is walked each time
+    static constexpr std::size_t MaxKnown = 8;  // later attributes are searched for on each call
 
     struct Known {
         std::string_view name;
@@ -59,9 +59,9 @@ private:
 
     std::string_view TextOf(std::string_view name) const;
 
-    std::array<Known, Most> m_known{};
+    std::array<Known, MaxKnown> m_known{};
     std::size_t m_count = 0;
-    XmlAttributes m_rest;  // behind the known
+    XmlAttributes m_rest;  // after the known ones
     bool m_hasEntities = false;
 };
 

@@ -1,4 +1,4 @@
-// What a byte can mean to the scanner of tags and attributes.
+// The meaning of a byte to the scanner of tags and attributes. Any thread.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@ enum XmlByteClass : std::uint8_t {
     XML_ATTRIBUTE_NAME_STOP = 16  // white space, "=" and quotes
 };
 
-// For each byte the classes that it is in.
+// The classes of each byte.
 constexpr std::array<std::uint8_t, 256> MakeXmlByteClasses() {
     std::array<std::uint8_t, 256> classes{};
     for (const char byte : {'\t', '\n', '\r', ' '}) {
@@ -23,7 +23,7 @@ constexpr std::array<std::uint8_t, 256> MakeXmlByteClasses() {
     for (std::size_t byte = 'A'; byte <= 'Z'; ++byte) {
         classes[byte] = XML_NAME_START;
     }
-    // From the small letters up, which takes in every byte of a character beyond ASCII.
+    // From the lower-case letters up, so that every byte of a character beyond ASCII is included.
     for (std::size_t byte = 'a'; byte < classes.size(); ++byte) {
         classes[byte] = XML_NAME_START;
     }
@@ -37,7 +37,7 @@ constexpr std::array<std::uint8_t, 256> MakeXmlByteClasses() {
     return classes;
 }
 
-// The same, made when the program is built.
+// Computed at compile time.
 inline constexpr std::array<std::uint8_t, 256> XmlByteClasses = MakeXmlByteClasses();
 
 // Whether the byte is in that class.
@@ -45,7 +45,7 @@ inline bool IsXmlByte(char byte, XmlByteClass byteClass) {
     return (XmlByteClasses[static_cast<unsigned char>(byte)] & byteClass) != 0;
 }
 
-// By single bytes, whatever the encoding; any byte from 0x61 up may start a name.
+// By single bytes, for any encoding; each byte from 0x61 up may start a name.
 inline bool IsXmlWhiteSpace(char byte) { return IsXmlByte(byte, XML_WHITE_SPACE); }
 inline bool IsXmlNameStart(char byte) { return IsXmlByte(byte, XML_NAME_START); }
 inline bool EndsXmlName(char byte) { return IsXmlByte(byte, XML_NAME_END); }

@@ -12,10 +12,10 @@
 
 namespace {
 
-constexpr std::size_t BytesPerRecord = 64;  // an element is expected every so many bytes
+constexpr std::size_t BytesPerRecord = 64;  // expected length of an element
 constexpr std::size_t SpareRecords = 8;
 
-// The content of a CDATA section begins behind its second "[".
+// The content of a CDATA section begins after its second "[".
 std::string_view CDataContent(std::string_view section) {
     constexpr std::string_view Start = "<![";
     constexpr std::string_view End = "]]>";
@@ -29,7 +29,7 @@ std::string_view CDataContent(std::string_view section) {
 bool XmlDocument::SetDocumentText(const char* text) {
     m_result.clear();
     const std::string_view content = text == nullptr ? std::string_view() : std::string_view(text);
-    const bool fits = content.size() <= LongestText;
+    const bool fits = content.size() <= MaxTextSize;
     if (!fits) {
         AddXmlReport(m_result, "file_error", {.msg = std::strerror(EFBIG)});
     }
@@ -39,7 +39,7 @@ bool XmlDocument::SetDocumentText(const char* text) {
 
 bool XmlDocument::Load(const char* path) {
     m_result.clear();
-    const bool isRead = ReadXmlFile(path, LongestText, m_text, m_form, m_result);
+    const bool isRead = ReadXmlFile(path, MaxTextSize, m_text, m_form, m_result);
     return Parse() && isRead;
 }
 
@@ -147,12 +147,11 @@ std::string XmlDocument::GetData() const {
         std::string_view(m_text).substr(0, m_index.End(m_main) - m_index.EndTagLength(m_main));
     XmlScanner scanner(text, m_index.At(m_main).start + std::size_t{m_index.StartTagLength(m_main)});
     std::uint32_t child = m_index.At(m_main).firstChild;
-    for (const XmlToken* token = &scanner.Next(); token->kind != XmlTokenKind::END_OF_TEXT_TOKEN;
-         token = &scanner.Next()) {
+    for (const XmlToken* token = &scanner.Next(); token->kind != XmlTokenKind::EndOfText; token = &scanner.Next()) {
         const std::string_view content = text.substr(token->start, token->end - token->start);
-        if (token->kind == XmlTokenKind::TEXT_TOKEN) {
+        if (token->kind == XmlTokenKind::Text) {
             data += DecodeXml(content);
-        } else if (token->kind == XmlTokenKind::CDATA_SECTION_TOKEN) {
+        } else if (token->kind == XmlTokenKind::CDataSection) {
             data += CDataContent(content);
         } else if (child != 0 && token->start == m_index.At(child).start) {
             scanner.Seek(m_index.End(child));

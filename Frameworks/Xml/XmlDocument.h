@@ -1,7 +1,7 @@
-// A document as one text in its exact characters, with an index of its elements beside it and a cursor of parent, main
-// (the current element) and child. Reading picks text out of the document; changing splices it, so that everything
-// untouched survives a load and save byte for byte. A bad document is indexed as far as it goes and never throws: ask
-// IsWellFormed. No lock: one thread at a time.
+// A document as one text in its exact characters, with an index of its elements and a cursor of parent, main (the
+// current element) and child. Reading takes text from the document; a change replaces part of it, so everything else
+// survives a load and save byte for byte. Nothing throws for a malformed document: it is indexed as far as possible,
+// and IsWellFormed returns false. No lock: one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -17,7 +17,7 @@ public:
     // Flags of AddElement.
     static constexpr std::uint32_t CDataFlag = 0x1;          // the data goes into a CDATA section
     static constexpr std::uint32_t NoLineFeedFlag = 0x2;     // no line feeds are added
-    static constexpr std::uint32_t BlankFlag = 0x4;          // a blank stands before "/>"
+    static constexpr std::uint32_t BlankFlag = 0x4;          // a blank before "/>"
     static constexpr std::uint32_t NoEndTagFlag = 0x10;      // no end tag is written; data is refused
     static constexpr std::uint32_t FirstPlaceFlag = 0x1000;  // first among the siblings
     static constexpr std::uint32_t BeforeFlag = 0x2000;      // before, not after, the main element
@@ -33,21 +33,21 @@ public:
     bool SetDocumentText(const char* text);
     const std::string& GetDocumentText() const { return m_text; }
 
-    // False if the file cannot be read, which leaves an empty document; otherwise whether it is well formed.
+    // Returns whether the document is well formed. A file that cannot be read gives false and an empty document.
     bool Load(const char* path);
-    // Rewrites the file in place, in the encoding and with the byte order mark of the load. The cursor stays.
+    // Rewrites the file in place, in the encoding and with the byte order mark of the last load. The cursor stays.
     bool Save(const char* path);
 
-    // A text with one root and no fault in it. What is at fault is indexed all the same.
+    // Whether the text has one root and no fault.
     bool IsWellFormed() const;
-    // What the last load, save or parse had to say: one element a report; and the same as text for display.
+    // The reports of the last load, save or parse: one element each; and as text for display.
     const std::string& GetResult() const { return m_result; }
     std::string GetResultText() const;
 
     void ResetPosition();      // above the root
     void ResetMainPosition();  // before the first child of the parent
-    // The next sibling of that name behind the main element; no name finds the next sibling whatever its name. On false
-    // the cursor has not moved.
+    // Moves to the next sibling of that name after the main element; without a name to the next sibling. If there is
+    // none, returns false and the cursor stays.
     bool FindElement(const char* name = nullptr);
     bool IntoElement();
     bool OutOfElement();
@@ -56,25 +56,26 @@ public:
     std::string GetTagName() const;
     // The value with its entities decoded; empty if there is no current element or no such attribute.
     std::string GetAttribute(const char* name) const;
-    // From the "<" to the ">", for a reader that walks the attributes itself; holds until the next change.
+    // From the "<" to the ">", for a reader that walks the attributes; valid until the next change.
     std::string_view GetStartTag() const;
     // All text directly in the current element, entities decoded and CDATA sections as they are.
     std::string GetData() const;
 
-    // False without a current element, or for a name that would break the tag. A new attribute goes behind the last.
+    // Returns false without a current element and for a name that would break the tag. A new attribute becomes the
+    // last.
     bool SetAttribute(const char* name, const char* value);
-    // Adds an element behind the main element, or at the end of the parent's content; it becomes the main position.
-    // Null or empty data makes an empty element. False leaves the document and cursor untouched.
+    // Adds an element after the main element, or at the end of the parent's content; it becomes the main position.
+    // Null or empty data makes an empty element. If refused, returns false; document and cursor are unchanged.
     bool AddElement(const char* name, const char* data = nullptr, std::uint32_t flags = 0);
     // Removes the current element with its text; the previous sibling, if any, becomes the main position.
     bool RemoveElement();
 
-    // The positions of the elements, for a reader that walks them itself; holds until the next change.
+    // The positions of the elements; valid until the next change.
     const XmlIndex& GetIndex() const { return m_index; }
 
 private:
-    // Every offset has to fit the words of the index.
-    static constexpr std::uint64_t LongestText = 0xFFFFFFFF;
+    // Every offset must fit the words of the index.
+    static constexpr std::uint64_t MaxTextSize = 0xFFFFFFFF;
 
     struct Place;
 
@@ -86,7 +87,7 @@ private:
 
     bool FindPlace(std::uint32_t flags, Place& place) const;
     bool Change(std::uint32_t enclosing, std::size_t offset, std::size_t removed, std::string_view text);
-    std::size_t BehindWhiteSpace(std::size_t offset) const;
+    std::size_t SkipWhiteSpace(std::size_t offset) const;
 
     std::string m_text;
     std::string m_result;
@@ -95,7 +96,7 @@ private:
     std::uint32_t m_child = 0;  // remembered child of the main element
     XmlFileForm m_form;         // of the last load
     XmlIndex m_index;
-    // The element whose attributes were last asked for, 0 if the text has changed since, and those attributes.
+    // The attributes of the element last asked for; 0 if the text has changed since.
     mutable std::uint32_t m_attributesOf = 0;
     mutable XmlAttributeFinder m_attributes;
 };

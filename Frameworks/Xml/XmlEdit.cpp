@@ -1,4 +1,4 @@
-// How a document changes: one splice of the text, and the same change to the offsets of the index.
+// The changes of a document: each replaces one part of the text and moves the offsets of the index.
 #include <algorithm>
 
 #include "Frameworks/Xml/XmlAttributes.h"
@@ -15,7 +15,7 @@ bool BreaksName(char byte) {
     return EndsXmlName(byte) || std::string_view("<=&\"'").find(byte) != std::string_view::npos;
 }
 
-// A name that the scanner would read back as it is.
+// Whether the scanner would read the name back unchanged.
 bool IsAttributeName(std::string_view name) {
     return !name.empty() && std::none_of(name.begin(), name.end(), BreaksName);
 }
@@ -41,7 +41,7 @@ ElementText MakeElement(std::string_view name, std::string_view data, std::uint3
     element.text += '>';
     element.startTag = element.text.size();
     element.text +=
-        (flags & XmlDocument::CDataFlag) != 0 ? XmlCDataSection(data) : EscapeXml(data, XmlEscapeMode::TEXT_MODE);
+        (flags & XmlDocument::CDataFlag) != 0 ? XmlCDataSection(data) : EscapeXml(data, XmlEscapeMode::Text);
     element.endTag = EndTagStart.size() + name.size() + 1;
     element.text.append(EndTagStart).append(name).append(">");
     return element;
@@ -55,7 +55,7 @@ struct AttributeChange {
 
 AttributeChange ChangeOfAttribute(std::string_view tag, std::size_t nameEnd, std::string_view name,
                                   std::string_view value) {
-    std::string quoted = "\"" + EscapeXml(value, XmlEscapeMode::ATTRIBUTE_MODE) + "\"";
+    std::string quoted = "\"" + EscapeXml(value, XmlEscapeMode::Attribute) + "\"";
     XmlAttribute attribute;
     if (FindXmlAttribute(tag, nameEnd, name, attribute)) {
         quoted.insert(0, attribute.hasEqualSign ? "" : "=");
@@ -68,7 +68,7 @@ AttributeChange ChangeOfAttribute(std::string_view tag, std::size_t nameEnd, std
         last = attribute.valueEnd;
         isCutOff = attribute.hasEqualSign && attribute.valueStart == attribute.valueEnd;
     }
-    // A last attribute that ends in its "=" would take the new one for its value.
+    // A last attribute that ends in its "=" would take the new attribute as its value.
     std::string text = isCutOff ? "\"\" " : " ";
     return {last, 0, text.append(name).append("=").append(quoted)};
 }
@@ -77,13 +77,13 @@ AttributeChange ChangeOfAttribute(std::string_view tag, std::size_t nameEnd, std
 
 struct XmlDocument::Place {
     std::uint32_t parent = 0;
-    std::uint32_t previous = 0;   // sibling in front of the new element, 0 for none
+    std::uint32_t previous = 0;   // sibling before the new element, 0 for none
     std::size_t offset = 0;       // where the new text goes
     bool opensParent = false;     // the parent is an empty element; the offset is that of its "/"
     bool isFirstContent = false;  // the parent has both tags and nothing between them
 };
 
-std::size_t XmlDocument::BehindWhiteSpace(std::size_t offset) const {
+std::size_t XmlDocument::SkipWhiteSpace(std::size_t offset) const {
     std::size_t at = offset;
     while (at < m_text.size() && IsXmlWhiteSpace(m_text[at])) {
         ++at;
@@ -91,11 +91,11 @@ std::size_t XmlDocument::BehindWhiteSpace(std::size_t offset) const {
     return at < m_text.size() && m_text[at] == '<' ? at : offset;
 }
 
-// Replaces a part of the text within `enclosing` and moves all offsets behind it. False if the text would grow too
-// long.
+// Replaces a part of the text within `enclosing` and moves all later offsets. Returns false if the text would become
+// too long.
 bool XmlDocument::Change(std::uint32_t enclosing, std::size_t offset, std::size_t removed, std::string_view text) {
     const std::size_t needed = m_text.size() - removed + text.size();
-    if (needed > LongestText) {
+    if (needed > MaxTextSize) {
         return false;
     }
     if (needed > m_text.capacity()) {
@@ -136,7 +136,7 @@ bool XmlDocument::FindPlace(std::uint32_t flags, Place& place) const {
         reference = m_child;
     }
     const XmlRecord& parent = m_index.At(place.parent);
-    // An element without an end tag has no content that an element could be put into.
+    // An element without an end tag has no content to add an element to.
     if (place.parent != 0 && (parent.flags & XmlIndex::NoEndTagFlag) != 0) {
         return false;
     }
@@ -147,7 +147,7 @@ bool XmlDocument::FindPlace(std::uint32_t flags, Place& place) const {
     if (reference != 0) {
         const bool isBefore = (flags & BeforeFlag) != 0;
         place.previous = isBefore ? m_index.Previous(reference) : reference;
-        place.offset = isBefore ? m_index.At(reference).start : BehindWhiteSpace(m_index.End(reference));
+        place.offset = isBefore ? m_index.At(reference).start : SkipWhiteSpace(m_index.End(reference));
         return true;
     }
     place.previous = m_index.LastChild(place.parent);
@@ -179,7 +179,7 @@ bool XmlDocument::AddElement(const char* name, const char* data, std::uint32_t f
     std::string lead(place.opensParent || place.isFirstContent ? lineFeed : "");
     std::string end(lineFeed);
     if (place.opensParent) {
-        // The old ">" closes the new end tag. A second "/" must not come to stand before the new ">".
+        // The old ">" closes the new end tag. A "/" before it must not end up before the new ">".
         lead.insert(0, m_text[place.offset - 1] == '/' ? " >" : ">");
         end.append(EndTagStart).append(NameAt(place.parent));
     }
@@ -196,7 +196,7 @@ bool XmlDocument::AddElement(const char* name, const char* data, std::uint32_t f
                                              static_cast<std::uint32_t>(element.text.size()));
     m_index.SetTagLengths(added, static_cast<std::uint32_t>(element.startTag),
                           static_cast<std::uint32_t>(element.endTag));
-    m_index.LinkBehind(place.parent, place.previous, added);
+    m_index.LinkAfter(place.parent, place.previous, added);
     if ((flags & NoEndTagFlag) != 0) {
         m_index.At(added).flags |= XmlIndex::NoEndTagFlag;
         m_index.MarkIllFormed(place.parent);
@@ -211,7 +211,7 @@ bool XmlDocument::RemoveElement() {
         return false;
     }
     const std::size_t start = m_index.At(m_main).start;
-    const std::size_t end = BehindWhiteSpace(m_index.End(m_main));
+    const std::size_t end = SkipWhiteSpace(m_index.End(m_main));
     const std::uint32_t previous = m_index.Previous(m_main);
     m_index.Remove(m_main);
     Change(m_parent, start, end - start, {});

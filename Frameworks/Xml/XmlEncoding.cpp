@@ -15,9 +15,9 @@
 namespace {
 
 constexpr std::size_t ScratchSize = 2048;
-constexpr std::size_t LongestEncodingName = 99;
+constexpr std::size_t MaxEncodingName = 99;
 
-using Length = unsigned long long;  // of a result, which may be longer than memory can hold
+using Length = unsigned long long;  // of a result, which may not fit the memory
 
 struct CloseConverter {
     void operator()(void* converter) const { iconv_close(converter); }
@@ -29,10 +29,10 @@ bool IsNameByte(unsigned char byte) {
            std::string_view("-_.:+()").find(static_cast<char>(byte)) != std::string_view::npos;
 }
 
-// The name comes out of a file: what cannot be an encoding's name is kept from the library, whose own syntax for
-// options and modules begins with a slash.
+// The name comes from a file. Only a plausible encoding name reaches the library, whose own syntax for options and
+// modules begins with a slash.
 bool ConverterName(const std::string& encoding, std::string& name) {
-    if (encoding.size() > LongestEncodingName || !std::all_of(encoding.begin(), encoding.end(), IsNameByte)) {
+    if (encoding.size() > MaxEncodingName || !std::all_of(encoding.begin(), encoding.end(), IsNameByte)) {
         return false;
     }
     name = encoding;
@@ -51,7 +51,7 @@ Converter OpenConverter(const std::string& to, const std::string& from) {
         return nullptr;
     }
     iconv_t converter = iconv_open(toName.c_str(), fromName.c_str());
-    // The library's sign of failure is a pointer of all ones.
+    // On failure the library returns a pointer of all ones.
     return Converter(reinterpret_cast<std::intptr_t>(converter) == -1 ? nullptr : converter);
 }
 
@@ -60,7 +60,7 @@ std::size_t UnitOf(const std::string& encoding) {
     return ConverterName(encoding, name) && name.starts_with("UTF-16") ? 2 : 1;
 }
 
-// One pass over the text. With no target it only measures.
+// One pass over the text. Without a target it only measures.
 class Pass {
 public:
     Pass(iconv_t converter, bool isTargetUtf8, std::string_view text, std::size_t unit, std::string* target)
@@ -76,14 +76,14 @@ public:
 
     void Run() {
         while (m_left > 0 && Convert(&m_source, &m_left)) {
-            // Convert stopped at a sequence that is no character.
+            // Convert stopped at an invalid sequence.
             const std::size_t skipped = std::min(m_unit, m_left);
             m_source += skipped;
             m_left -= skipped;
             ++m_lost;
             WriteMark();
         }
-        Convert(nullptr, nullptr);  // a target with shift states ends in its first one
+        Convert(nullptr, nullptr);  // returns a target with shift states to its initial state
     }
 
     Length Size() const { return m_size + Used(); }
@@ -99,7 +99,7 @@ private:
         m_room = m_target != nullptr ? m_target->size() : ScratchSize;
     }
 
-    // A target other than UTF-8 is converted to from UTF-8, so the mark goes the same way and takes the target's form.
+    // A target other than UTF-8 is converted from UTF-8, so the mark is converted too.
     void WriteMark() {
         char mark = '?';
         char* source = &mark;
@@ -116,7 +116,8 @@ private:
         }
     }
 
-    // True if it stopped at a faulty sequence; false at the end, at a sequence that is cut off, and at a full target.
+    // Returns true if it stopped at an invalid sequence; false at the end, at an incomplete sequence and at a full
+    // target.
     bool Convert(char** source, std::size_t* left) {
         for (;;) {
             if (iconv(m_converter, source, left, &m_out, &m_room) != static_cast<std::size_t>(-1)) {
@@ -143,7 +144,7 @@ private:
     char m_scratch[ScratchSize];
 };
 
-// The C library of a small system may lack the module for UTF-16.
+// For a C library without the UTF-16 module.
 bool ConvertByHand(const std::string& to, const std::string& from, std::string_view text, XmlConversion& conversion) {
     if (from == NativeUtf16() && to == Utf8) {
         conversion.lost = Utf16ToUtf8(text, conversion.text);
@@ -191,7 +192,7 @@ XmlConversion ConvertEncoding(const std::string& to, const std::string& from, st
 
 namespace {
 
-// The name of a start tag, or of a processing instruction, stands right behind its first bytes.
+// The name of a start tag or of a processing instruction follows its first bytes.
 std::string_view AttributeOf(std::string_view tag, const XmlToken& token, std::string_view name) {
     XmlAttribute attribute;
     const std::size_t nameEnd = 1 + (tag[1] == '?' ? 1 : 0) + token.name.size();
@@ -209,10 +210,10 @@ std::string_view CharacterSet(std::string_view content) {
 }
 
 std::string_view EncodingIn(std::string_view tag, const XmlToken& token) {
-    if (token.kind == XmlTokenKind::PROCESSING_INSTRUCTION_TOKEN && token.name == "xml") {
+    if (token.kind == XmlTokenKind::ProcessingInstruction && token.name == "xml") {
         return AttributeOf(tag, token, "encoding");
     }
-    const bool isMeta = token.kind == XmlTokenKind::START_TAG_TOKEN && token.name == "meta";
+    const bool isMeta = token.kind == XmlTokenKind::StartTag && token.name == "meta";
     if (isMeta && AttributeOf(tag, token, "http-equiv") == "Content-Type") {
         return CharacterSet(AttributeOf(tag, token, "content"));
     }
@@ -220,11 +221,10 @@ std::string_view EncodingIn(std::string_view tag, const XmlToken& token) {
 }
 
 bool EndsSearch(const XmlToken& token) {
-    if (token.kind == XmlTokenKind::START_TAG_TOKEN) {
+    if (token.kind == XmlTokenKind::StartTag) {
         return token.name != "html" && token.name != "head" && token.name != "meta";
     }
-    return token.kind == XmlTokenKind::END_OF_TEXT_TOKEN ||
-           (token.kind == XmlTokenKind::END_TAG_TOKEN && token.name == "head");
+    return token.kind == XmlTokenKind::EndOfText || (token.kind == XmlTokenKind::EndTag && token.name == "head");
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// Character encodings of document files: conversion by iconv, and the search for the encoding that a document declares.
-// Any thread.
+// Character encodings of document files: conversion by iconv, and the search for the declared encoding. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -7,13 +6,13 @@
 #include <string>
 #include <string_view>
 
-// What a document is in memory.
+// The encoding of a document in memory.
 inline constexpr const char* Utf8 = "UTF-8";
 
-// In both operations one of the two encodings is UTF-8; an empty name means that of the locale.
+// In both operations one of the two encodings is UTF-8; an empty name means the encoding of the locale.
 bool CanConvertEncoding(const std::string& to, const std::string& from);
 
-// What became of a text.
+// A converted text.
 struct XmlConversion {
     std::string text;
     std::size_t lost = 0;  // characters that became "?"
@@ -21,10 +20,10 @@ struct XmlConversion {
     bool isTooLong = false;
 };
 
-// `margin` more bytes of room than measured: one in so many; 0 for none.
+// Reserves 1/margin more bytes than measured; 0 reserves no more.
 XmlConversion ConvertEncoding(const std::string& to, const std::string& from, std::string_view text,
                               std::uint64_t limit, std::size_t margin = 0);
 
-// The encoding that the head of a document names, in its XML declaration or the meta element of an HTML form; empty if
-// none is found.
+// The encoding that the start of a document names, in its XML declaration or the meta element of an HTML form; empty if
+// there is none.
 std::string DeclaredEncoding(std::string_view text);

@@ -4,5 +4,5 @@
 #include <cstdint>
 #include <string_view>
 
-// The Windows code page of an encoding name, whatever its case; 0 if the name is not known or has over 99 characters.
+// The Windows code page of an encoding name in any case; 0 if the name is unknown or has over 99 characters.
 std::uint32_t EncodingCodePage(std::string_view name);

@@ -1,4 +1,4 @@
-// The registered names of character encodings with their Windows code pages: 365 rows, in small letters.
+// The registered names of character encodings with their Windows code pages: 365 rows, in lower case.
 #pragma once
 
 #include "Frameworks/Xml/XmlPackedTable.h"

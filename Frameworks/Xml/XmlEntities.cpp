@@ -14,7 +14,7 @@ constexpr std::size_t EntityBuckets = 130;
 constexpr std::size_t EntityTextSize = XmlTableTextSize(XmlEntityRows, EntityCount, 1 + 4);
 constexpr XmlPackedTable<EntityBuckets, 1, 4, EntityTextSize> Entities(XmlEntityRows, EntityCount);
 
-constexpr std::size_t EntityReach = 9;  // bytes behind the "&", the ";" included
+constexpr std::size_t EntityReach = 9;  // bytes after the "&", the ";" included
 constexpr std::string_view CDataStart = "<![CDATA[";
 constexpr std::string_view CDataEnd = "]]>";
 constexpr std::string_view SplitCDataEnd = "]]]]><![CDATA[>";
@@ -48,9 +48,9 @@ const char* EscapeOf(char byte, XmlEscapeMode mode) {
         case '>':
             return "&gt;";
         case '"':
-            return mode == XmlEscapeMode::ATTRIBUTE_MODE ? "&quot;" : nullptr;
+            return mode == XmlEscapeMode::Attribute ? "&quot;" : nullptr;
         case '\'':
-            return mode == XmlEscapeMode::ATTRIBUTE_MODE ? "&apos;" : nullptr;
+            return mode == XmlEscapeMode::Attribute ? "&apos;" : nullptr;
         default:
             return nullptr;
     }

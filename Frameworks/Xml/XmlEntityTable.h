@@ -3,8 +3,8 @@
 
 #include "Frameworks/Xml/XmlPackedTable.h"
 
-// Two entities of a pair that differ in case alone share a name here, and the first row wins: the small letters and the
-// single strokes stand first, so that "&eacute;" gives the small letter.
+// Two entities that differ only in case share a name here, and the first row wins: lower-case letters and single
+// strokes come first, so "&eacute;" gives the lower-case letter.
 constexpr XmlTableRow XmlEntityRows[] = {
     {"quot", 34},
     {"amp", 38},

@@ -17,9 +17,9 @@ namespace {
 
 constexpr std::size_t SampleSize = 1024;
 constexpr std::size_t PieceSize = 32768;
-constexpr off64_t LargestReserve = 1 << 26;    // a larger file has to prove its size by its bytes
-constexpr std::size_t EditMargin = 1024;       // room for the first change of a text just read
-constexpr std::size_t ConversionMargin = 100;  // one byte more in so many, for the same purpose
+constexpr off64_t MaxReserve = 1 << 26;        // memory for a larger file is only taken as its bytes arrive
+constexpr std::size_t EditMargin = 1024;       // room for the first change
+constexpr std::size_t ConversionMargin = 100;  // one more byte for so many, for the same purpose
 
 struct ByteOrderMark {
     std::string_view bytes;
@@ -60,7 +60,7 @@ public:
 
 private:
     bool ReadBytes(std::FILE* file);
-    std::size_t RecogniseForm(std::string_view sample);
+    std::size_t RecognizeForm(std::string_view sample);
     void Append(std::string_view piece);
     void RemoveNullUnits();
     bool ConvertUtf16();
@@ -73,7 +73,7 @@ private:
     std::string& m_text;
     XmlFileForm& m_form;
     std::string& m_result;
-    std::uint64_t m_bytesRead = 0;  // behind the mark
+    std::uint64_t m_bytesRead = 0;  // after the mark
     std::uint64_t m_nulls = 0;      // units
 };
 
@@ -101,12 +101,12 @@ bool FileReader::ReadBytes(std::FILE* file) {
         errno = EFBIG;
         return false;
     }
-    std::setvbuf(file, nullptr, _IONBF, 0);  // what is read in large pieces needs no buffer in between
+    std::setvbuf(file, nullptr, _IONBF, 0);  // large pieces need no buffer
     char piece[PieceSize];
     std::size_t wanted = SampleSize;
     std::size_t count = std::fread(piece, 1, wanted, file);
-    std::size_t skipped = RecogniseForm({piece, count});
-    m_text.reserve(static_cast<std::size_t>(std::min(status.st_size, LargestReserve)) + EditMargin);
+    std::size_t skipped = RecognizeForm({piece, count});
+    m_text.reserve(static_cast<std::size_t>(std::min(status.st_size, MaxReserve)) + EditMargin);
     while (count > 0) {
         m_bytesRead += count - skipped;
         if (m_bytesRead > m_limit) {
@@ -123,7 +123,7 @@ bool FileReader::ReadBytes(std::FILE* file) {
 }
 
 // The size of the byte order mark.
-std::size_t FileReader::RecogniseForm(std::string_view sample) {
+std::size_t FileReader::RecognizeForm(std::string_view sample) {
     for (const ByteOrderMark& mark : ByteOrderMarks) {
         if (sample.starts_with(mark.bytes)) {
             m_form = {mark.flag, mark.encoding};
@@ -138,7 +138,7 @@ std::size_t FileReader::RecogniseForm(std::string_view sample) {
     return 0;
 }
 
-// Zero bytes are left out at once, so that a file that is one big hole takes no memory.
+// Drops zero bytes immediately, so that a sparse file takes no memory.
 void FileReader::Append(std::string_view piece) {
     if (IsUtf16() || piece.find('\0') == std::string_view::npos) {
         m_text.append(piece);
@@ -187,7 +187,7 @@ bool FileReader::ConvertUtf16() {
 bool FileReader::ConvertBytes() {
     if (!m_form.encoding.empty()) {
         ReportRead(m_form.encoding);
-        // UTF-8 needs no conversion, and a text whose encoding nobody knows stays as it is.
+        // UTF-8 needs no conversion, and a text in an unknown encoding stays unchanged.
         return IsUtf8Name(m_form.encoding) || !CanConvertEncoding(Utf8, m_form.encoding) ||
                ConvertFrom(m_form.encoding);
     }

@@ -26,7 +26,7 @@ void XmlIndex::Clear() {
     m_freed = 0;
 }
 
-// A segment takes its whole size only when its first part is full: most of the last one would never be used.
+// A segment takes its whole size only when its first part is full, since most of the last one would stay unused.
 void XmlIndex::MakeRoom() {
     if (m_nextFree >= m_capacity) {
         m_capacity = std::max<std::size_t>(std::size_t{m_nextFree} + 1, std::size_t{m_nextFree} * 3 / 2);
@@ -98,7 +98,7 @@ void XmlIndex::SetTagLengths(std::uint32_t index, std::uint32_t startTag, std::u
     } else if (!m_longTags.empty()) {
         m_longTags.erase(index);
     }
-    // A field with all bits set says that the lengths are in the table.
+    // All bits set: the lengths are in the table.
     At(index).tagLengths = isLong ? ~std::uint32_t{0} : startTag | endTag << StartTagBits;
 }
 
@@ -121,7 +121,7 @@ std::uint32_t XmlIndex::DepthBelow(std::uint32_t parent) const {
     return std::min((At(parent).flags & DepthMask) + 1, DepthMask);
 }
 
-void XmlIndex::LinkBehind(std::uint32_t parent, std::uint32_t previous, std::uint32_t index) {
+void XmlIndex::LinkAfter(std::uint32_t parent, std::uint32_t previous, std::uint32_t index) {
     XmlRecord& above = At(parent);
     XmlRecord& record = At(index);
     record.parent = parent;
@@ -159,7 +159,7 @@ void XmlIndex::Remove(std::uint32_t index) {
             next.flags |= FirstChildFlag;
         }
     }
-    // Down to the leaves and back up: a record is released when it has no child left.
+    // Down to the leaves and back up: a record without children is released.
     for (std::uint32_t current = index;;) {
         XmlRecord& at = At(current);
         if (at.firstChild != 0) {

@@ -1,5 +1,5 @@
-// A name table packed into one text at compile time: buckets by the sum of the name's bytes, in each bucket one record
-// a row: digits of the name's length, digits of its number, the name. The first of two equal names wins.
+// A name table, packed into one text at compile time: buckets by the sum of the name's bytes, in each bucket one record
+// per row: digits of the name's length, digits of its number, the name. The first of two equal names wins. Any thread.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-// What goes into a table.
+// One row of a table.
 struct XmlTableRow {
     std::string_view name;
     std::uint32_t number;
@@ -45,7 +45,7 @@ public:
         }
     }
 
-    // 0 for a name that is not in the table. The name is in small letters.
+    // 0 for an unknown name. The name is in lower case.
     constexpr std::uint32_t Find(std::string_view name) const {
         const std::size_t bucket = Bucket(name);
         const std::size_t end = m_ends[bucket];

@@ -9,13 +9,13 @@ void XmlParser::Run() {
     XmlScanner scanner(m_text);
     for (;;) {
         const XmlToken& token = scanner.Next();
-        if (token.kind == XmlTokenKind::START_TAG_TOKEN) {
+        if (token.kind == XmlTokenKind::StartTag) {
             AddElement(token);
-        } else if (token.kind == XmlTokenKind::END_TAG_TOKEN) {
+        } else if (token.kind == XmlTokenKind::EndTag) {
             CloseElement(token);
-        } else if (token.kind == XmlTokenKind::FAULTY_TOKEN) {
+        } else if (token.kind == XmlTokenKind::Faulty) {
             NoteFault(token);
-        } else if (token.kind == XmlTokenKind::END_OF_TEXT_TOKEN) {
+        } else if (token.kind == XmlTokenKind::EndOfText) {
             break;
         }
     }
@@ -63,8 +63,8 @@ void XmlParser::CloseElement(const XmlToken& token) {
     Pop();
 }
 
-// The innermost `count` open elements have no end tag: each is its start tag alone, and what was read as its children
-// follows it as siblings.
+// The innermost `count` open elements have no end tag: each is only its start tag, and its children become its
+// following siblings.
 void XmlParser::EndOpenElements(std::size_t count, std::uint32_t closedAt) {
     if (count == 0) {
         return;

@@ -1,4 +1,4 @@
-// Builds the index of a text and notes what is wrong with it. Used for one parse, by the document's thread.
+// Builds the index of a text and reports its faults. One object for one parse, on the document's thread.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +12,10 @@
 
 class XmlParser {
 public:
-    // The text fits the words of the index; the index is reset and takes everything below record 0. Reports are added
-    // to `result`.
+    // The text must fit the words of the index, and the index must be reset. Reports are added to `result`.
     XmlParser(std::string_view text, XmlIndex& index, std::string& result);
 
-    // Once.
+    // Call once.
     void Run();
 
 private:
@@ -42,8 +41,8 @@ private:
     XmlIndex& m_index;
     std::string& m_result;
     std::vector<OpenElement> m_open;  // the first one is record 0, which no end tag closes
-    // How often each name is open. It stays empty until an end tag first fails to match the innermost element: from
-    // then on a look-up replaces the walk through all that is open.
+    // How often each name is open. Empty until an end tag first fails to match the innermost element; after that a
+    // look-up replaces the walk over all open elements.
     std::map<std::string_view, std::size_t> m_openNames;
     bool m_countsNames = false;
     bool m_hasLifted = false;

@@ -10,7 +10,7 @@ constexpr std::size_t ReportLimit = 999;
 
 struct DisplayText {
     std::string_view key;
-    std::string_view text;  // "@name@" stands for the value of that attribute
+    std::string_view text;  // "@name@" is replaced by the value of that attribute
 };
 
 constexpr std::string_view EncodingAndLength = "@encoding@ length @length@";
@@ -69,7 +69,7 @@ void AddXmlReport(std::string& result, const char* key, const XmlReportDetails& 
     if (result.size() > ReportLimit) {
         return;
     }
-    // The fragment has no single root, which is of no account here.
+    // The fragment has no single root, which does not matter here.
     XmlDocument fragment;
     fragment.SetDocumentText(result.c_str());
     fragment.AddElement(key, nullptr, XmlDocument::NoLineFeedFlag);

@@ -1,5 +1,5 @@
-// The result report of a document: a run of empty elements, one for each thing that a load, save or parse had to say,
-// with the key as its name. Any thread, one text at a time.
+// The result report of a document: one empty element for each report of a load, save or parse, named by its key. Any
+// thread, one text at a time.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-// The attributes of a report; what isn't set is left out.
+// The attributes of a report; unset ones are left out.
 struct XmlReportDetails {
     const char* type = nullptr;
     const char* encoding = nullptr;
@@ -19,7 +19,7 @@ struct XmlReportDetails {
     std::optional<std::uint64_t> offset2 = {};
 };
 
-// Appends one report, unless the text is over 999 characters already.
+// Appends one report, unless the text is over 999 characters.
 void AddXmlReport(std::string& result, const char* key, const XmlReportDetails& details = {});
 
 // The reports as text for display, joined by a blank.

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t NotFound = std::string_view::npos;
 
-// The ">" that ends a tag, from `at` behind its name, by a step from quote to quote; `end` if there is none.
+// The ">" that ends a tag, from `at` after its name, found from quote to quote; `end` if there is none.
 const char* WalkToTagEnd(const char* at, const char* end) {
     for (;;) {
         at = std::find_if(at, end, StopsXmlTag);
@@ -24,8 +24,8 @@ const char* WalkToTagEnd(const char* at, const char* end) {
     }
 }
 
-// The same, sooner: the next ">" is it if the quotes in front of it come in pairs. Where apostrophes are among them, it
-// takes the walk to see which of the two stands within the other.
+// The same, faster: the next ">" is the end if the quotes before it come in pairs. With apostrophes among them, only
+// the walk shows which of the two is within the other.
 const char* FindTagEnd(const char* at, const char* end) {
     for (;;) {
         const char* const close = FindXmlByte(at, end, '>');
@@ -55,7 +55,7 @@ const XmlToken& XmlScanner::Next() {
     m_token = XmlToken{};
     m_token.start = m_offset;
     if (m_offset >= m_text.size()) {
-        Finish(XmlTokenKind::END_OF_TEXT_TOKEN, m_text.size());
+        Finish(XmlTokenKind::EndOfText, m_text.size());
         return m_token;
     }
     if (m_text[m_offset] != '<') {
@@ -68,13 +68,13 @@ const XmlToken& XmlScanner::Next() {
     }
     const char second = m_text[m_offset + 1];
     if (IsXmlNameStart(second)) {
-        ScanTag(XmlTokenKind::START_TAG_TOKEN, m_offset + 1);
+        ScanTag(XmlTokenKind::StartTag, m_offset + 1);
     } else if (second == '/') {
-        ScanTag(XmlTokenKind::END_TAG_TOKEN, m_offset + 2);
+        ScanTag(XmlTokenKind::EndTag, m_offset + 2);
     } else if (second == '!') {
         ScanDeclaration();
     } else if (second == '?') {
-        ScanUntil(XmlTokenKind::PROCESSING_INSTRUCTION_TOKEN, "processing_instruction", m_offset + 2, "?>");
+        ScanUntil(XmlTokenKind::ProcessingInstruction, "processing_instruction", m_offset + 2, "?>");
     } else {
         SkipFault("first_tag_syntax", m_offset);
     }
@@ -89,7 +89,7 @@ void XmlScanner::Finish(XmlTokenKind kind, std::size_t end) {
 
 void XmlScanner::CutOff(const char* type) {
     m_token.cutOff = type;
-    Finish(XmlTokenKind::FAULTY_TOKEN, m_text.size());
+    Finish(XmlTokenKind::Faulty, m_text.size());
 }
 
 void XmlScanner::SkipFault(const char* fault, std::size_t faultOffset) {
@@ -100,12 +100,12 @@ void XmlScanner::SkipFault(const char* fault, std::size_t faultOffset) {
         CutOff("tag");
         return;
     }
-    Finish(XmlTokenKind::FAULTY_TOKEN, end + 1);
+    Finish(XmlTokenKind::Faulty, end + 1);
 }
 
 void XmlScanner::ScanText() {
     const std::size_t end = m_text.find('<', m_offset);
-    Finish(XmlTokenKind::TEXT_TOKEN, end == NotFound ? m_text.size() : end);
+    Finish(XmlTokenKind::Text, end == NotFound ? m_text.size() : end);
 }
 
 void XmlScanner::ScanTag(XmlTokenKind kind, std::size_t nameStart) {
@@ -115,10 +115,10 @@ void XmlScanner::ScanTag(XmlTokenKind kind, std::size_t nameStart) {
     const char* const close = FindTagEnd(nameEnd, end);
     m_token.name = {name, static_cast<std::size_t>(nameEnd - name)};
     if (close == end) {
-        CutOff(kind == XmlTokenKind::START_TAG_TOKEN ? "start_tag" : "end_tag");
+        CutOff(kind == XmlTokenKind::StartTag ? "start_tag" : "end_tag");
         return;
     }
-    m_token.isEmptyElement = kind == XmlTokenKind::START_TAG_TOKEN && close[-1] == '/';
+    m_token.isEmptyElement = kind == XmlTokenKind::StartTag && close[-1] == '/';
     Finish(kind, static_cast<std::size_t>(close - m_text.data()) + 1);
 }
 
@@ -128,7 +128,7 @@ void XmlScanner::ScanUntil(XmlTokenKind kind, const char* type, std::size_t from
         CutOff(type);
         return;
     }
-    if (kind == XmlTokenKind::PROCESSING_INSTRUCTION_TOKEN) {
+    if (kind == XmlTokenKind::ProcessingInstruction) {
         std::size_t nameEnd = from;
         while (nameEnd < end && !EndsXmlName(m_text[nameEnd])) {
             ++nameEnd;
@@ -153,7 +153,7 @@ void XmlScanner::ScanDeclaration() {
             } else if (fourth != '-') {
                 SkipFault("comment_tag_syntax", m_offset);
             } else {
-                ScanUntil(XmlTokenKind::COMMENT_TOKEN, "comment", third + 2, "-->");
+                ScanUntil(XmlTokenKind::Comment, "comment", third + 2, "-->");
             }
             return;
         case '[':
@@ -162,7 +162,7 @@ void XmlScanner::ScanDeclaration() {
             } else if (fourth != 'C') {
                 SkipFault("cdata_section_syntax", m_offset);
             } else {
-                ScanUntil(XmlTokenKind::CDATA_SECTION_TOKEN, "cdata_section", third + 2, "]]>");
+                ScanUntil(XmlTokenKind::CDataSection, "cdata_section", third + 2, "]]>");
             }
             return;
         case 'D':
@@ -178,7 +178,7 @@ void XmlScanner::ScanDocumentType() {
     for (std::size_t at = m_offset + 3; at < m_text.size();) {
         const char byte = m_text[at];
         if (byte == '>' && --nesting == 0) {
-            Finish(XmlTokenKind::DOCUMENT_TYPE_TOKEN, at + 1);
+            Finish(XmlTokenKind::DocumentType, at + 1);
             return;
         }
         std::size_t next = at + 1;
@@ -199,7 +199,7 @@ void XmlScanner::ScanDocumentType() {
     CutOff("document_type");
 }
 
-// Behind a comment or processing instruction that starts at the "<", or right behind the "<" of a declaration.
+// The end of a comment or processing instruction that starts at the "<", or the offset after the "<" of a declaration.
 std::size_t XmlScanner::InDocumentType(std::size_t at, bool& isFault) const {
     const bool isDeclaration = ByteAt(at + 1) == '!';
     const char third = ByteAt(at + 2);

@@ -1,40 +1,40 @@
-// Takes a text apart into tags and other tokens, one at a time, by a walk over its bytes that stops at no fault. It
-// keeps no copy: the text has to outlive it.
+// Splits a text into tags and other tokens, one at a time. No fault stops it. It keeps no copy: the text must outlive
+// it. One thread at a time.
 #pragma once
 
 #include <cstddef>
 #include <string_view>
 
-// What a token is.
+// The kind of a token.
 enum class XmlTokenKind {
-    END_OF_TEXT_TOKEN,
-    TEXT_TOKEN,
-    START_TAG_TOKEN,
-    END_TAG_TOKEN,
-    PROCESSING_INSTRUCTION_TOKEN,
-    COMMENT_TOKEN,
-    CDATA_SECTION_TOKEN,
-    DOCUMENT_TYPE_TOKEN,
-    FAULTY_TOKEN,  // not a tag, or cut off by the end of the text
+    EndOfText,
+    Text,
+    StartTag,
+    EndTag,
+    ProcessingInstruction,
+    Comment,
+    CDataSection,
+    DocumentType,
+    Faulty,  // not a tag, or cut off by the end of the text
 };
 
-// A piece of the text; offsets and views into it.
+// A part of the text, by offsets and views.
 struct XmlToken {
-    XmlTokenKind kind = XmlTokenKind::END_OF_TEXT_TOKEN;
+    XmlTokenKind kind = XmlTokenKind::EndOfText;
     std::size_t start = 0;
-    std::size_t end = 0;           // behind the last byte
+    std::size_t end = 0;           // after the last byte
     std::string_view name;         // of a start tag, an end tag or a processing instruction
     bool isEmptyElement = false;   // a start tag that ends in "/>"
     const char* fault = nullptr;   // key of a syntax report
     std::size_t faultOffset = 0;   // the "<" at fault
-    const char* cutOff = nullptr;  // what kind of token the end of the text cut off
+    const char* cutOff = nullptr;  // the kind of token that the end of the text cut off
 };
 
 class XmlScanner {
 public:
     explicit XmlScanner(std::string_view text, std::size_t offset = 0) : m_text(text), m_offset(offset) {}
 
-    // The token is overwritten by the next call.
+    // The next call overwrites the token.
     const XmlToken& Next();
     void Seek(std::size_t offset) { m_offset = offset; }
 

@@ -16,7 +16,7 @@ constexpr unsigned HalfBits = 10;
 
 char Byte(std::uint32_t value) { return static_cast<char>(static_cast<unsigned char>(value)); }
 
-// The bytes of the sequence that the lead byte announces; 0 for a byte that leads none.
+// The length of the sequence that the lead byte begins; 0 for any other byte.
 std::size_t SequenceLength(unsigned char lead) {
     if (lead < 0x80) {
         return 1;

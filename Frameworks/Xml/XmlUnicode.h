@@ -1,4 +1,4 @@
-// UTF-8 and UTF-16 by hand. Any thread.
+// UTF-8 and UTF-16 without iconv. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -6,19 +6,18 @@
 #include <string>
 #include <string_view>
 
-// True for what can stand in a document: not 0, no surrogate, within the code space.
+// True for a code that a document may contain: not 0, no surrogate, within the code space.
 bool IsUnicodeCharacter(std::uint32_t code);
 void AppendUtf8(std::string& text, std::uint32_t code);
 
-// Reads the sequence at `offset` by its leading bits and moves behind it. False if it is cut off or cannot begin one;
-// then `offset` has moved by one byte.
+// Reads the sequence at `offset` by its leading bits and moves `offset` past it. For an incomplete or invalid sequence
+// it returns false and moves by one byte.
 bool ReadUtf8(std::string_view text, std::size_t& offset, std::uint32_t& code);
 bool IsUtf8(std::string_view text, bool& hasNonAscii);
 
-// UTF-16 in the byte order of the machine, an odd last byte left out. A surrogate in the range D800 to DBFF takes the
-// next unit with it; one without a next unit gives "?", and so does a faulty UTF-8 sequence. The result is the number
-// of
-// "?" given.
+// UTF-16 in the byte order of the machine, without an odd last byte. A surrogate from D800 to DBFF combines with the
+// next unit; without a next unit it gives "?", and so does an invalid UTF-8 sequence. The result is the number of "?"
+// written.
 std::size_t Utf16ToUtf8(std::string_view units, std::string& text);
 std::size_t Utf8ToUtf16(std::string_view text, std::string& units);
 void SwapUtf16(std::string& units);

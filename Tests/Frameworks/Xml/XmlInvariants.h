@@ -1,4 +1,4 @@
-// What holds for the index of every document after every change, and whether two documents have the same index.
+// Checks the index of a document, after any change, and compares the indexes of two documents.
 #pragma once
 
 #include <algorithm>
@@ -16,7 +16,7 @@ inline std::uint32_t NextInIndex(const XmlIndex& index, std::uint32_t at) {
     return at == 0 ? 0 : index.At(at).nextSibling;
 }
 
-// Empty if the links of the record and its place among its siblings are in order.
+// Empty if the links of the record and its place among its siblings are right.
 inline std::string CheckLinks(const XmlIndex& index, std::uint32_t at) {
     const XmlRecord& record = index.At(at);
     const std::uint32_t first = index.At(record.parent).firstChild;
@@ -71,7 +71,7 @@ inline std::string CheckOffsets(const XmlIndex& index, const std::string& text, 
     return {};
 }
 
-// Empty if all is in order, otherwise what is not.
+// Empty if all is right, otherwise the fault.
 inline std::string CheckIndex(const XmlDocument& document) {
     const XmlIndex& index = document.GetIndex();
     const std::string& text = document.GetDocumentText();
@@ -92,7 +92,7 @@ inline std::string CheckIndex(const XmlDocument& document) {
     return {};
 }
 
-// Empty if both hold the same elements at the same places.
+// Empty if both have the same elements at the same offsets.
 inline std::string CompareIndex(const XmlDocument& left, const XmlDocument& right) {
     const XmlIndex& leftIndex = left.GetIndex();
     const XmlIndex& rightIndex = right.GetIndex();

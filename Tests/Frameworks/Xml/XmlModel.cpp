@@ -81,8 +81,8 @@ XmlModel::Place XmlModel::PlaceOf(ModelElement& element) {
                         [&](const ModelPiece& piece) { return piece.element.get() == &element; });
 }
 
-// Splits the text pieces so that the result stands behind the white space at `place`, if a "<" follows it.
-XmlModel::Place XmlModel::BehindWhiteSpace(ModelElement& parent, Place place) {
+// Splits the text pieces; the result is the place after the white space at `place`, if a "<" follows it.
+XmlModel::Place XmlModel::SkipWhiteSpace(ModelElement& parent, Place place) {
     auto& content = parent.content;
     for (auto at = place; at != content.end(); ++at) {
         if (at->element) {
@@ -194,7 +194,7 @@ bool XmlModel::Add(const std::string& name, const std::string& data, unsigned fl
         place = first;
     } else if (reference != nullptr) {
         const bool isBefore = (flags & 0x2000) != 0;
-        place = isBefore ? PlaceOf(*reference) : BehindWhiteSpace(*parent, std::next(PlaceOf(*reference)));
+        place = isBefore ? PlaceOf(*reference) : SkipWhiteSpace(*parent, std::next(PlaceOf(*reference)));
     } else if (parent->parent != nullptr && HasNoBytes(*parent)) {
         parent->isEmpty = false;
         content.insert(place, ModelPiece{lineFeed, nullptr});
@@ -221,7 +221,7 @@ bool XmlModel::Remove() {
         return false;
     }
     const Place place = PlaceOf(*m_main);
-    const Place end = BehindWhiteSpace(*m_parent, std::next(place));
+    const Place end = SkipWhiteSpace(*m_parent, std::next(place));
     ModelElement* previous = nullptr;
     for (auto at = m_parent->content.begin(); at != place; ++at) {
         previous = at->element ? at->element.get() : previous;

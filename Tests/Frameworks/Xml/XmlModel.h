@@ -1,5 +1,5 @@
-// A document kept in the simplest way: a tree of strings that is written out anew each time. The random test holds
-// XmlDocument against it.
+// The simplest implementation of a document: a tree of strings, written out again each time. The random test compares
+// XmlDocument with it.
 #pragma once
 
 #include <list>
@@ -56,7 +56,7 @@ private:
     using Place = std::list<ModelPiece>::iterator;
 
     static Place PlaceOf(ModelElement& element);
-    static Place BehindWhiteSpace(ModelElement& parent, Place place);
+    static Place SkipWhiteSpace(ModelElement& parent, Place place);
 
     ModelElement m_top;
     ModelElement* m_parent;

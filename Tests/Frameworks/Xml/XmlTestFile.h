@@ -1,4 +1,4 @@
-// A file of a test's own, gone when the test is over.
+// A file for one test, removed at its end.
 #pragma once
 
 #include <gtest/gtest.h>

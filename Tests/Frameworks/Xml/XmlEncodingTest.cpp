@@ -21,7 +21,7 @@ std::string ToUtf8(std::u16string_view units, std::size_t& lost) {
     return text;
 }
 
-TEST(XmlEncoding, a_name_gives_its_code_page_whatever_its_case) {
+TEST(XmlEncoding, a_name_gives_its_code_page_in_any_case) {
     EXPECT_EQ(EncodingCodePage("iso-8859-1"), 28591U);
     EXPECT_EQ(EncodingCodePage("ISO-8859-1"), 28591U);
     EXPECT_EQ(EncodingCodePage("utf-16"), 1200U);
@@ -30,7 +30,7 @@ TEST(XmlEncoding, a_name_gives_its_code_page_whatever_its_case) {
     EXPECT_EQ(EncodingCodePage("Shift_JIS"), 932U);
 }
 
-TEST(XmlEncoding, utf_32_has_a_code_page_of_its_own) { EXPECT_EQ(EncodingCodePage("UTF-32"), 65005U); }
+TEST(XmlEncoding, utf_32_has_a_fixed_code_page) { EXPECT_EQ(EncodingCodePage("UTF-32"), 65005U); }
 
 TEST(XmlEncoding, an_unknown_or_overlong_name_has_no_code_page) {
     EXPECT_EQ(EncodingCodePage(""), 0U);
@@ -86,7 +86,7 @@ TEST(XmlEncoding, a_faulty_sequence_becomes_a_question_mark_in_utf_16) {
     EXPECT_EQ(units, Native(u"a?b?"));
 }
 
-TEST(XmlEncoding, utf_8_is_told_by_its_leading_bits) {
+TEST(XmlEncoding, utf_8_is_recognized_by_its_leading_bits) {
     const struct {
         const char* text;
         bool isUtf8;
@@ -136,7 +136,7 @@ TEST(XmlEncoding, a_text_longer_than_the_scratch_buffer_is_converted_whole) {
     EXPECT_EQ(ConvertEncoding("iso-8859-1", "UTF-8", utf8, NoLimit).text, latin);
 }
 
-TEST(XmlEncoding, faulty_bytes_across_the_scratch_buffer_become_marks_in_both_passes) {
+TEST(XmlEncoding, faulty_bytes_across_the_scratch_buffer_become_marks) {
     const std::string faulty(5000, '\xFF');
     const XmlConversion conversion = ConvertEncoding("UTF-8", "US-ASCII", faulty, NoLimit);
     EXPECT_EQ(conversion.text, std::string(5000, '?'));

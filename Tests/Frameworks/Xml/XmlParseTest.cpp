@@ -131,7 +131,7 @@ TEST(XmlParse, an_end_tag_is_not_matched_by_an_element_that_has_closed) {
     EXPECT_EQ(TreeOf("<r></x><a></a></a><b/></r>"), "r(a b)");
 }
 
-TEST(XmlParse, a_digit_behind_the_bracket_is_a_fault) {
+TEST(XmlParse, a_digit_after_the_bracket_is_a_fault) {
     ExpectFault("<r><1></r>", "<first_tag_syntax offset=\"3\"/>",
                 "tag syntax error at offset 3 expecting tag name / ! or ?");
 }
@@ -158,7 +158,7 @@ TEST(XmlParse, a_section_that_is_not_character_data_is_a_fault) {
                 "tag syntax error at offset 0 expecting 'CDATA'");
 }
 
-TEST(XmlParse, the_end_of_the_text_in_a_token_tells_which_token_it_was) {
+TEST(XmlParse, the_end_of_the_text_in_a_token_names_the_token) {
     const struct {
         const char* text;
         const char* type;
@@ -183,7 +183,7 @@ TEST(XmlParse, the_end_of_the_text_in_a_token_tells_which_token_it_was) {
     }
 }
 
-TEST(XmlParse, a_fault_with_no_bracket_behind_it_is_unterminated_too) {
+TEST(XmlParse, a_fault_without_a_closing_bracket_is_unterminated) {
     ExpectFault("<r/><1", "<first_tag_syntax offset=\"4\"/><unterminated_tag_syntax type=\"tag\" offset=\"4\"/>",
                 "tag syntax error at offset 4 expecting tag name / ! or ? unterminated tag at offset 4");
 }
@@ -222,7 +222,7 @@ TEST(XmlParse, a_new_text_forgets_the_reports_of_the_old) {
     EXPECT_EQ(document.GetResult(), "");
 }
 
-TEST(XmlParse, a_name_in_a_report_is_escaped_and_shown_as_it_is) {
+TEST(XmlParse, a_name_in_a_report_is_escaped_and_shown_unescaped) {
     const Parsed parsed = Parse("<r></a\"&lt;<b></r>");
     EXPECT_EQ(parsed.result, "<lone_end_tag tagname=\"a&quot;&amp;lt;&lt;b\" offset=\"3\"/>");
     EXPECT_EQ(parsed.display, "lone end tag 'a\"&lt;<b' at offset 3");

@@ -47,14 +47,14 @@ TEST_F(XmlEdit, a_second_root_makes_the_document_ill_formed) {
     EXPECT_FALSE(m_document.IsWellFormed());
 }
 
-TEST_F(XmlEdit, without_a_current_element_the_new_one_goes_to_the_end_of_the_content) {
+TEST_F(XmlEdit, without_a_current_element_a_new_one_is_last) {
     Inside("<r>\n<a/>\n</r>");
     ASSERT_TRUE(m_document.AddElement("b"));
     EXPECT_EQ(Text(), "<r>\n<a/>\n<b/>\n</r>");
     EXPECT_FALSE(m_document.FindElement());
 }
 
-TEST_F(XmlEdit, with_a_current_element_the_new_one_goes_behind_it_and_its_white_space) {
+TEST_F(XmlEdit, a_new_element_follows_the_current_one_and_its_white_space) {
     Inside("<r>\n  <a/>\n  <c/>\n</r>");
     m_document.FindElement("a");
     ASSERT_TRUE(m_document.AddElement("b"));
@@ -91,7 +91,7 @@ TEST_F(XmlEdit, an_empty_parent_with_a_blank_keeps_the_blank) {
     EXPECT_EQ(Text(), "<r >\n<b/>\n</r>");
 }
 
-TEST_F(XmlEdit, an_empty_parent_with_a_second_slash_is_opened_all_the_same) {
+TEST_F(XmlEdit, an_empty_parent_with_a_second_slash_is_opened) {
     Inside("<r a=b//>");
     ASSERT_TRUE(m_document.AddElement("b"));
     EXPECT_EQ(Text(), "<r a=b/ >\n<b/>\n</r>");
@@ -132,13 +132,13 @@ TEST_F(XmlEdit, no_line_feeds_are_added_when_they_are_not_wanted) {
     EXPECT_EQ(Text(), "<r><a/><b>1</b></r>");
 }
 
-TEST_F(XmlEdit, no_line_feed_goes_between_bare_tags_when_it_is_not_wanted) {
+TEST_F(XmlEdit, no_line_feed_is_put_between_tags_with_the_flag) {
     Inside("<r></r>");
     ASSERT_TRUE(m_document.AddElement("a", nullptr, XmlDocument::NoLineFeedFlag));
     EXPECT_EQ(Text(), "<r><a/></r>");
 }
 
-TEST_F(XmlEdit, a_blank_stands_before_the_slash_when_it_is_wanted) {
+TEST_F(XmlEdit, a_blank_is_put_before_the_slash_with_the_flag) {
     Inside("<r></r>");
     ASSERT_TRUE(m_document.AddElement("a", nullptr, XmlDocument::BlankFlag));
     EXPECT_EQ(Text(), "<r>\n<a />\n</r>");
@@ -157,7 +157,7 @@ TEST_F(XmlEdit, an_element_without_end_tag_refuses_data) {
     EXPECT_EQ(Text(), "<r></r>");
 }
 
-TEST_F(XmlEdit, nothing_goes_into_an_element_without_end_tag) {
+TEST_F(XmlEdit, nothing_is_added_to_an_element_without_end_tag) {
     Inside("<r></r>");
     m_document.AddElement("a", nullptr, XmlDocument::NoEndTagFlag);
     m_document.IntoElement();
@@ -214,7 +214,7 @@ TEST_F(XmlEdit, removing_the_only_child_leaves_the_tags_and_an_empty_interior) {
     EXPECT_FALSE(m_document.FindElement());
 }
 
-TEST_F(XmlEdit, removing_takes_the_white_space_behind_it) {
+TEST_F(XmlEdit, removing_includes_the_following_white_space) {
     Inside("<r>\n  <a/>\n  <b/>\n</r>");
     m_document.FindElement("a");
     ASSERT_TRUE(m_document.RemoveElement());
@@ -252,7 +252,7 @@ TEST_F(XmlEdit, adding_after_removing_takes_the_old_place) {
     EXPECT_EQ(Text(), "<r>\n<a/>\n<n/>\n<c/>\n</r>");
 }
 
-TEST_F(XmlEdit, adding_after_removing_the_first_child_goes_to_the_end) {
+TEST_F(XmlEdit, adding_after_removing_the_first_child_appends) {
     Inside("<r>\n<a/>\n<b/>\n</r>");
     m_document.FindElement("a");
     m_document.RemoveElement();
@@ -286,7 +286,7 @@ TEST_F(XmlEdit, removing_the_root_leaves_an_ill_formed_document) {
     EXPECT_FALSE(m_document.IsWellFormed());
 }
 
-TEST_F(XmlEdit, comments_and_instructions_stay_where_they_are) {
+TEST_F(XmlEdit, comments_and_instructions_stay_in_place) {
     Inside("<?p?><!-- <a/> --><r><!-- 1 --><a/><!-- 2 --><?q <a/> ?></r><!-- 3 -->");
     m_document.FindElement("a");
     m_document.SetAttribute("n", "1");

@@ -66,7 +66,7 @@ TEST(XmlDocument, names_compare_by_byte_and_whole) {
     EXPECT_FALSE(document.FindElement(""));
 }
 
-TEST(XmlDocument, hands_out_the_start_tag_of_the_current_element_alone) {
+TEST(XmlDocument, gives_the_start_tag_of_the_current_element) {
     XmlDocument document;
     document.SetDocumentText("<r a='1'>text<b/></r>");
     EXPECT_EQ(document.GetStartTag(), "");
@@ -87,7 +87,7 @@ TEST(XmlDocument, leaving_at_the_top_is_refused) {
     EXPECT_EQ(document.GetTagName(), "a");
 }
 
-TEST(XmlDocument, entering_and_leaving_returns_to_the_element_and_finding_goes_on_behind_it) {
+TEST(XmlDocument, finding_continues_after_an_element_that_was_left) {
     XmlDocument document;
     document.SetDocumentText("<r><b n=\"1\"><x/></b><b n=\"2\"/></r>");
     document.FindElement("r");
@@ -100,7 +100,7 @@ TEST(XmlDocument, entering_and_leaving_returns_to_the_element_and_finding_goes_o
     EXPECT_EQ(document.GetAttribute("n"), "2");
 }
 
-TEST(XmlDocument, entering_again_stands_on_the_remembered_child) {
+TEST(XmlDocument, entering_again_returns_to_the_remembered_child) {
     XmlDocument document;
     document.SetDocumentText("<r><a/><b/></r>");
     document.FindElement("r");
@@ -207,7 +207,7 @@ TEST(XmlDocument, what_is_read_after_a_change_is_what_was_written) {
     EXPECT_EQ(document.GetAttribute("x"), "3");
 }
 
-TEST(XmlDocument, a_quote_in_an_attribute_value_comes_back) {
+TEST(XmlDocument, a_quote_in_an_attribute_value_reads_back) {
     XmlDocument document;
     document.SetDocumentText("<a/>");
     document.FindElement("a");
@@ -228,7 +228,7 @@ TEST(XmlDocument, setting_an_attribute_twice_leaves_one) {
     EXPECT_TRUE(document.FindElement("z"));
 }
 
-TEST(XmlDocument, new_attributes_stand_in_the_order_of_their_setting) {
+TEST(XmlDocument, new_attributes_keep_the_order_of_their_setting) {
     XmlDocument document;
     document.SetDocumentText("<a x='0' />");
     document.FindElement("a");

@@ -92,7 +92,7 @@ TEST_F(XmlFile, a_save_leaves_the_cursor) {
     EXPECT_EQ(m_document.GetTagName(), "a");
 }
 
-TEST_F(XmlFile, a_declared_utf_8_file_is_taken_as_it_is) {
+TEST_F(XmlFile, a_declared_utf_8_file_is_not_converted) {
     EXPECT_TRUE(Load("<?xml version=\"1.0\" encoding=\"utf-8\"?><r/>"));
     EXPECT_EQ(m_document.GetResult(), "<read encoding=\"utf-8\" length=\"42\"/>");
     Saved();
@@ -136,7 +136,7 @@ TEST_F(XmlFile, a_mark_goes_before_a_declaration) {
     EXPECT_EQ(m_document.GetDocumentText(), "<?xml encoding=\"iso-8859-1\"?><r>\xC3\xA4</r>");
 }
 
-TEST_F(XmlFile, a_file_of_nothing_but_a_mark_is_an_empty_document_and_keeps_the_mark) {
+TEST_F(XmlFile, a_file_of_only_a_mark_keeps_it) {
     EXPECT_FALSE(Load(Utf8Mark));
     EXPECT_EQ(m_document.GetDocumentText(), "");
     EXPECT_EQ(Saved(), Utf8Mark);
@@ -210,7 +210,7 @@ TEST_F(XmlFile, characters_that_the_encoding_lacks_are_lost_on_saving) {
               "<write encoding=\"iso-8859-1\" length=\"41\"/>");
 }
 
-TEST_F(XmlFile, an_encoding_that_nobody_knows_leaves_the_bytes_as_they_are) {
+TEST_F(XmlFile, an_unknown_encoding_leaves_the_bytes_unchanged) {
     const std::string bytes = "<?xml encoding=\"x-unheard-of\"?><r>\xE4</r>";
     EXPECT_TRUE(Load(bytes));
     EXPECT_EQ(m_document.GetDocumentText(), bytes);
@@ -226,7 +226,7 @@ TEST_F(XmlFile, the_encoding_of_an_html_form_is_used) {
     EXPECT_EQ(m_document.GetDocumentText(), head + "\xC3\xA4</html>");
 }
 
-TEST_F(XmlFile, a_declaration_behind_the_sample_is_not_seen) {
+TEST_F(XmlFile, a_declaration_after_the_sample_is_not_seen) {
     EXPECT_TRUE(Load("<!--" + std::string(1100, ' ') + "--><?xml encoding=\"iso-8859-1\"?><r>\xC3\xA4</r>"));
     EXPECT_TRUE(m_document.GetResultText().starts_with("UTF-8 length "));
 }

@@ -8,15 +8,15 @@ namespace {
 using namespace std::string_literals;
 
 TEST(XmlEntities, text_mode_leaves_the_quotes) {
-    EXPECT_EQ(EscapeXml("<&>\"'x", XmlEscapeMode::TEXT_MODE), "&lt;&amp;&gt;\"'x");
+    EXPECT_EQ(EscapeXml("<&>\"'x", XmlEscapeMode::Text), "&lt;&amp;&gt;\"'x");
 }
 
 TEST(XmlEntities, attribute_mode_escapes_the_quotes) {
-    EXPECT_EQ(EscapeXml("<&>\"'x", XmlEscapeMode::ATTRIBUTE_MODE), "&lt;&amp;&gt;&quot;&apos;x");
+    EXPECT_EQ(EscapeXml("<&>\"'x", XmlEscapeMode::Attribute), "&lt;&amp;&gt;&quot;&apos;x");
 }
 
 TEST(XmlEntities, an_entity_in_a_text_is_escaped_again) {
-    EXPECT_EQ(EscapeXml("&lt;", XmlEscapeMode::TEXT_MODE), "&amp;lt;");
+    EXPECT_EQ(EscapeXml("&lt;", XmlEscapeMode::Text), "&amp;lt;");
 }
 
 TEST(XmlEntities, a_section_is_split_at_each_terminator) {
@@ -34,22 +34,20 @@ TEST(XmlEntities, numbers_are_decoded) {
     EXPECT_EQ(DecodeXml("&#65;&#x42;&#X43;&#xE4;&#8364;&#x1F600;"), "ABC\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
 }
 
-TEST(XmlEntities, names_are_decoded_whatever_their_case) {
-    EXPECT_EQ(DecodeXml("&LT;&Euro;&nbsp;"), "<\xE2\x82\xAC\xC2\xA0");
-}
+TEST(XmlEntities, names_are_decoded_in_any_case) { EXPECT_EQ(DecodeXml("&LT;&Euro;&nbsp;"), "<\xE2\x82\xAC\xC2\xA0"); }
 
 TEST(XmlEntities, of_a_pair_that_differs_in_case_the_small_letter_is_given) {
     EXPECT_EQ(DecodeXml("&delta;&Delta;"), "\xCE\xB4\xCE\xB4");
 }
 
-TEST(XmlEntities, what_is_no_entity_stays_as_it_is) {
+TEST(XmlEntities, what_is_no_entity_stays_unchanged) {
     for (const char* text : {"&", "&&", "a & b", "&;", "&lt", "&unknown;", "&#;", "&#x;", "&#12x;", "&#xG;", "&#-1;",
                              "&#0;", "&#x0;", "&#xD800;", "&#x110000;", "&#9999999;", "&lt x;"}) {
         EXPECT_EQ(DecodeXml(text), text);
     }
 }
 
-TEST(XmlEntities, the_scan_goes_on_behind_an_ampersand_that_begins_nothing) {
+TEST(XmlEntities, the_scan_continues_after_an_ampersand_without_an_entity) {
     EXPECT_EQ(DecodeXml("&&lt;&x&gt;"), "&<&x>");
 }
 
@@ -64,8 +62,8 @@ TEST(XmlEntities, escaping_and_decoding_gives_every_byte_back) {
     for (int byte = 0; byte < 256; ++byte) {
         text += static_cast<char>(byte);
     }
-    EXPECT_EQ(DecodeXml(EscapeXml(text, XmlEscapeMode::TEXT_MODE)), text);
-    EXPECT_EQ(DecodeXml(EscapeXml(text, XmlEscapeMode::ATTRIBUTE_MODE)), text);
+    EXPECT_EQ(DecodeXml(EscapeXml(text, XmlEscapeMode::Text)), text);
+    EXPECT_EQ(DecodeXml(EscapeXml(text, XmlEscapeMode::Attribute)), text);
 }
 
 TEST(XmlEntities, the_table_has_253_names_of_which_the_first_row_wins) {

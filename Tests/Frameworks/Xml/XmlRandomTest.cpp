@@ -1,5 +1,5 @@
-// Ten thousand random edits of a random document, each held against the model: every byte of the text, every result and
-// the index. A failing run is repeated with --gtest_random_seed and the number that it printed.
+// Ten thousand random edits of a random document, each compared with the model: every byte of the text, every result
+// and the index. Repeat a failed run with --gtest_random_seed and the number that it printed.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -176,7 +176,7 @@ private:
     }
 
     void Remove() {
-        // The root stays most of the time, or there would be little left to edit.
+        // The root mostly stays, or little would be left to edit.
         if (m_model.Main() != nullptr && m_model.Main()->parent == &m_model.Top() && Below(50) != 0) {
             return;
         }
