@@ -4,13 +4,13 @@
 
 namespace {
 
-constexpr std::uint16_t CommandOfANewOne = 10001;
+constexpr std::uint16_t NewCommand = 10001;
 constexpr float TenThousandths = 10000.0F;
-constexpr float Largest = 4294967040.0F;  // below 2^32
+constexpr float MaxValue = 4294967040.0F;  // below 2^32
 
-// The low 16 bits of the whole number; 0 for what is none.
+// The low 16 bits of the integer part; 0 for no number.
 std::uint16_t Truncate(float value) {
-    if (!(std::abs(value) <= Largest)) {
+    if (!(std::abs(value) <= MaxValue)) {
         return 0;
     }
     return static_cast<std::uint16_t>(static_cast<std::int64_t>(value));
@@ -18,7 +18,7 @@ std::uint16_t Truncate(float value) {
 
 }  // namespace
 
-CommunicationsCommand::CommunicationsCommand() { SetCommand(CommandOfANewOne); }
+CommunicationsCommand::CommunicationsCommand() { SetCommand(NewCommand); }
 
 CommunicationsCommand& CommunicationsCommand::operator=(const CommunicationsCommand& other) {
     for (const Field& field :

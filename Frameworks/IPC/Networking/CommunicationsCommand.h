@@ -1,5 +1,5 @@
-// The header of a frame on the test link: 32 bytes, kept as they stand on the wire, every number low byte first. One
-// thread at a time.
+// The header of a frame on the test link: 32 bytes in their wire form, each number low byte first. One thread at a
+// time.
 #pragma once
 
 #include <array>
@@ -15,10 +15,10 @@ public:
     using Image = std::array<std::uint8_t, Size>;
 
     static constexpr std::uint16_t WriteFlag = 0x0001;  // the command carries data to be stored
-    static constexpr std::uint16_t RawFlag = 0x0004;    // the answer is wanted as raw bytes
+    static constexpr std::uint16_t RawFlag = 0x0004;    // the answer must be raw bytes
 
     CommunicationsCommand();  // command 10001, all else 0
-    // A copy leaves the reserved bytes out: they are 0 in it.
+    // In a copy the reserved bytes are 0.
     CommunicationsCommand(const CommunicationsCommand& other) { *this = other; }
     CommunicationsCommand& operator=(const CommunicationsCommand& other);
     virtual ~CommunicationsCommand() = default;
@@ -35,7 +35,7 @@ public:
     void SetDestinationAddress(std::uint32_t address) { Set(DestinationAddress, address); }
     std::uint8_t GetSpare() const { return Get<std::uint8_t>(Spare); }
     void SetSpare(std::uint8_t spare) { Set(Spare, spare); }
-    void CopyAddresses(const CommunicationsCommand& other);  // the spare byte goes with them
+    void CopyAddresses(const CommunicationsCommand& other);  // and the spare byte
     void SwapAddresses();                                    // source and destination
 
     std::uint16_t GetFlags() const { return Get<std::uint16_t>(Flags); }
@@ -46,12 +46,12 @@ public:
     std::uint16_t GetCommand() const { return Get<std::uint16_t>(Command); }
     void SetCommand(std::uint16_t command) { Set(Command, command); }
 
-    // Of a written payload, without its CRC; a repeat count in a request that writes nothing; in a reply all that
-    // follows the header.
+    // Of a written payload, without its CRC; a repeat count in a request that writes nothing; in a reply the size of
+    // all that follows the header.
     std::uint32_t GetLength() const { return Get<std::uint32_t>(Length); }
     void SetLength(std::uint32_t length) { Set(Length, length); }  // the low 24 bits
 
-    // A whole part of 16 bits and ten-thousandths; setting cuts off what is finer.
+    // A whole part of 16 bits and ten-thousandths; setting drops smaller parts.
     float GetValue() const;
     void SetValue(float value);
     std::uint16_t GetWhole() const { return Get<std::uint16_t>(Whole); }
@@ -59,7 +59,7 @@ public:
 
     std::uint32_t GetSeconds() const { return Get<std::uint32_t>(Seconds); }
     std::uint32_t GetNanoSeconds() const { return Get<std::uint32_t>(NanoSeconds); }
-    // Of sending.
+    // Time of sending.
     void SetTime(const TimeInfo& time);
 
 private:

@@ -13,20 +13,20 @@
 
 namespace {
 
-constexpr std::size_t LongestHostName = 64;
-constexpr char SourcePath[] = "Frameworks/IPC/Networking/HostInfo.cpp:";  // not where it was built
-constexpr char NameOfTheNameless[] = "192.168.1";
+constexpr std::size_t MaxHostName = 64;
+constexpr char SourcePath[] = "Frameworks/IPC/Networking/HostInfo.cpp:";  // without the build folder
+constexpr char DefaultName[] = "192.168.1";
 constexpr char AddressConstructor[] = "HostInfo::HostInfo(StdString & hostName, hostType type) ";
 
-Mutex databaseMutex;  // the database's position, and the entry that a look-up gives
+Mutex databaseMutex;  // for the database's position and the entry of a look-up
 
 StdString LocalHostName() {
-    char name[LongestHostName + 1] = {};
-    gethostname(name, LongestHostName);
-    return name[0] == '\0' ? NameOfTheNameless : name;
+    char name[MaxHostName + 1] = {};
+    gethostname(name, MaxHostName);
+    return name[0] == '\0' ? DefaultName : name;
 }
 
-// Empty where the entry has no IPv4 address.
+// Empty if the entry has no IPv4 address.
 StdString FirstAddress(const hostent& entry) {
     in_addr address{};
     if (entry.h_length != static_cast<int>(sizeof address) || entry.h_addr_list == nullptr ||
@@ -85,7 +85,7 @@ void HostInfo::LookUpByName(const StdString& name, const StdString& failure) {
     }
 }
 
-// An address that can't be read is looked up all the same, as the one of all bits that stands for it.
+// An unreadable address is still looked up, as the address of all ones.
 void HostInfo::LookUpByAddress() {
     const in_addr_t address = inet_addr(m_name.CString());
     if (address == INADDR_NONE) {
@@ -124,7 +124,7 @@ bool HostInfo::getNextHost() {
     return true;
 }
 
-// Under the lock.
+// Needs the lock.
 bool HostInfo::Keep(const hostent* entry) {
     m_entry.reset();
     if (entry != nullptr) {

@@ -1,6 +1,6 @@
-// One entry of the host database: a host by name, by address, or the local one. The C library keeps the database and
-// the entry it gives in storage of its own; each look-up is made under a lock and what is needed is copied, so that
-// several threads may use objects of their own at a time. A failure is logged.
+// One entry of the host database: a host by name, by address, or the local one. The C library keeps database and entry
+// in static storage; each look-up holds a lock and copies the result, so several threads may each use an object.
+// Failures are logged.
 #pragma once
 
 #include <cstdint>
@@ -15,15 +15,15 @@ public:
     // By what a host is looked up.
     enum HostType : std::int32_t { BY_NAME = 0, BY_ADDRESS = 1, LOCAL_HOST = 2 };
 
-    HostInfo();  // the local host, with the database open for getNextHost; says its name on the standard output
+    HostInfo();  // the local host, with the database open for getNextHost; prints its name on the standard output
     HostInfo(const StdString& name, std::int32_t type);  // any other type than 0 and 1: the local host
     HostInfo(const HostInfo&) = delete;
     HostInfo& operator=(const HostInfo&) = delete;
     ~HostInfo();
 
-    StdString getHostIPAddress() const;  // of the first address; without an entry the name that was given
-    StdString getHostName() const;       // the official one; likewise
-    bool getNextHost();                  // steps through the database; never more than one object at a time
+    StdString getHostIPAddress() const;  // the first address; without an entry the given name
+    StdString getHostName() const;       // the official name; without an entry the given name
+    bool getNextHost();                  // next entry of the database; for one object at a time
 
 private:
     struct Entry {

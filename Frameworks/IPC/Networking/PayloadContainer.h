@@ -1,5 +1,5 @@
-// What follows a header on the test link: data bytes and, behind them, their CRC-32, low byte first. It is filled
-// either by the append operations, for sending, or with what a socket received. One thread at a time.
+// The payload of a frame on the test link: data bytes, then their CRC-32, low byte first. The append operations fill it
+// for sending, a socket fills it with received bytes. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -24,18 +24,18 @@ public:
     std::uint32_t GetLength() const { return m_length; }  // of the data
     std::uint32_t GetCRC() const { return m_crc; }        // the last one computed; all bits set after a reset
 
-    // For sending: the data with their CRC behind them, length + 4 bytes.
+    // For sending: the data and their CRC, length + 4 bytes.
     const std::vector<std::uint8_t>& WireForm();
 
-    // What came in, at most length + 4 bytes. What is missing counts as zero bytes, but takes no memory until the data
-    // are asked for: a peer that promises much and sends little so fills no queue.
+    // The received bytes, at most length + 4. Missing bytes count as zero but take no memory before DataForm: a peer
+    // that announces much and sends little can't fill the memory.
     void SetReceived(std::vector<std::uint8_t> bytes);
 
-    // After reception: the data, always as many bytes as the length says.
+    // After reception: the data, always `length` bytes.
     const std::vector<std::uint8_t>& DataForm();
     std::uint32_t ComputeCRC();  // of the data form
-    bool VerifyCRC();            // of the data form, against the bytes behind it
-    StdString Text();            // the data form with all its bytes, zero bytes too
+    bool VerifyCRC();            // of the data form, against the bytes after it
+    StdString Text();            // the data form, zero bytes included
 
     void AppendTimeStamp(const TimeInfo& time);                // seconds and nanoseconds, four bytes each
     void AppendText(const StdString& text);                    // the present time, the text, one zero byte

@@ -1,13 +1,13 @@
-// The descriptor that a socket and its copies have in common. A thread holds it open for the length of a call, so that
-// another may close the socket at any time: the number goes back to the system only when the last call has returned,
-// and nobody ever writes to, or closes, a number that has been given out anew. Any thread.
+// The descriptor that a socket and its copies share. A thread holds it open during a call, so that another thread may
+// close the socket at any time: the system gets the number back when the last call has returned, and no call ever uses
+// a number that belongs to another file. Any thread.
 #pragma once
 
 #include <memory>
 
 #include "Frameworks/Threading/Mutex.h"
 
-// An open descriptor, closed by whoever lets go of it last. A close that fails is logged.
+// An open descriptor, closed by its last owner. A failed close is logged.
 class OpenDescriptor {
 public:
     explicit OpenDescriptor(int number) : m_number(number) {}
@@ -21,7 +21,7 @@ private:
     const int m_number;
 };
 
-// Keeps the descriptor open; null where it is closed.
+// Keeps the descriptor open; null if it is closed.
 using HeldDescriptor = std::shared_ptr<const OpenDescriptor>;
 
 // -1 for none, which every call on a socket refuses.
@@ -31,8 +31,8 @@ class SharedDescriptor {
 public:
     explicit SharedDescriptor(int number) : m_descriptor(std::make_shared<const OpenDescriptor>(number)) {}
 
-    HeldDescriptor Hold() const;  // null once it is taken
-    HeldDescriptor Take();        // the first caller gets it, to shut it down and let go of it; nobody gets it again
+    HeldDescriptor Hold() const;  // null after Take
+    HeldDescriptor Take();        // for the one caller that shuts it down; null for each later call
 
 private:
     mutable Mutex m_mutex;

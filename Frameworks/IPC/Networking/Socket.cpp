@@ -25,7 +25,7 @@ sockaddr_in AnyAddress(std::int32_t port) {
     return address;
 }
 
-// The caller lets go of the descriptor afterwards; whoever is in a call on it wakes up and is the last to let go.
+// Wakes the threads in a call on the descriptor. The caller then releases it; the last of them closes it.
 bool ShutDown(const HeldDescriptor& descriptor) {
     return descriptor == nullptr ||
            Succeeded(shutdown(descriptor->Number(), SHUT_RDWR), "Socket::CloseConnection Failure Shutting down socket");
@@ -40,7 +40,7 @@ Socket::Socket(std::int32_t port) : Socket() { SetPortNumber(port); }
 Socket::Socket(const Socket& other) : m_state(other.GetState()) {}
 
 Socket& Socket::operator=(const Socket& other) {
-    State state = other.GetState();  // what stood here goes with it, when no lock is held: closing may take its time
+    State state = other.GetState();  // takes the old state, which is freed without a lock: closing may take long
     const MutexLock lock(m_mutex);
     std::swap(m_state, state);
     return *this;
@@ -143,7 +143,7 @@ HeldDescriptor Socket::Hold() const {
     return descriptor == nullptr ? nullptr : descriptor->Hold();
 }
 
-// Gives what was open, for a shutdown without the lock.
+// Returns the open descriptor, for a shutdown without the lock.
 HeldDescriptor Socket::Take(bool forGood) {
     const MutexLock lock(m_mutex);
     m_closedForGood = m_closedForGood || forGood;

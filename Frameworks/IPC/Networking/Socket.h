@@ -1,6 +1,6 @@
-// An IPv4 stream socket. A copy shares the descriptor: it is closed by CloseConnection of any of them, or when the last
-// of them goes. Every operation may be called from any thread; closing wakes a thread that is blocked in a call on the
-// descriptor. A failure is a false or a -1 and one line in the log.
+// An IPv4 stream socket. Copies share the descriptor: CloseConnection of any copy closes it, or the destructor of the
+// last one. Any thread may call any operation; closing wakes a thread that is blocked in a call on the descriptor. On
+// failure an operation returns false or -1 and logs one line.
 #pragma once
 
 #include <netinet/in.h>
@@ -18,18 +18,18 @@ public:
     Socket& operator=(const Socket& other);
     virtual ~Socket() = default;
 
-    // The options of the kernel, by their names.
+    // Socket options, by their names.
     bool SetReuseAddr(bool on);
     bool SetKeepAlive(bool on);
     bool SetLingerSeconds(std::int32_t seconds);  // 0 or less turns lingering off
-    bool SetLingerOnOff(bool on);                 // the time is that of the SetLingerSeconds that has to follow
+    bool SetLingerOnOff(bool on);                 // SetLingerSeconds must follow and sets the time
     bool SetSendBufSize(std::int32_t bytes);
     bool SetReceiveBufSize(std::int32_t bytes);
-    // Where the flag differs from the stored one, which starts at 1, that one is flipped and given to the system as its
-    // switch for NOT blocking: a socket that was marked 0 and is marked 1 again no longer blocks.
+    // If the flag differs from the stored one (1 at first), the stored one is flipped and passed to the system as its
+    // switch for NOT blocking: a socket that was set to 0 and to 1 again no longer blocks.
     bool SetSocketBlocking(std::int32_t blocking);
 
-    // As the kernel has them; it may answer with another buffer size than was set.
+    // As the kernel reports them; its buffer size may differ from the one set.
     std::int32_t GetReuseAddr() const;
     std::int32_t GetKeepAlive() const;
     std::int32_t GetLingerSeconds() const;
@@ -37,19 +37,19 @@ public:
     std::int32_t GetSendBufSize() const;
     std::int32_t GetReceiveBufSize() const;
 
-    bool SetPortNumber(std::int32_t port);  // closes what was open, and makes a new socket for that port
+    bool SetPortNumber(std::int32_t port);  // closes an open socket and makes a new one for that port
     std::int32_t GetPortNumber() const;     // -1: none
     std::int32_t GetDescriptor() const;     // -1: closed
-    std::int32_t GetBlocking() const;       // the flag as it is stored
+    std::int32_t GetBlocking() const;       // the stored flag
     sockaddr_in GetAddress() const;         // any of this host, with the port
 
-    // Ends both directions and closes; true where nothing was open.
+    // Shuts down both directions and closes; true also if nothing was open.
     bool CloseConnection();
-    // For the end of a thread that another one ends: no later SetPortNumber opens anything.
+    // Also makes each later SetPortNumber fail, so that another thread can end the owner's.
     bool CloseForGood();
 
 protected:
-    // For the length of a call; null where the socket is closed.
+    // For the duration of a call; null if the socket is closed.
     HeldDescriptor Hold() const;
 
 private:
@@ -61,7 +61,7 @@ private:
 
     struct State {
         std::int32_t port = -1;
-        std::shared_ptr<SharedDescriptor> descriptor;  // null where there never was one
+        std::shared_ptr<SharedDescriptor> descriptor;  // null if there never was one
         std::int32_t blocking = 1;
         sockaddr_in address{};
     };

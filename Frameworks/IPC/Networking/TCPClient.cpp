@@ -17,7 +17,7 @@ constexpr std::int32_t LingerSeconds = 10;
 Mutex interfaceMutex;
 StdString interfaceName GUARDED_BY(interfaceMutex) = "eth0";
 
-// "00:04:25:1C:A0:02" with a zero byte behind it.
+// "00:04:25:1C:A0:02" and a zero byte.
 std::vector<std::uint8_t> AsText(const std::vector<std::uint8_t>& address) {
     constexpr char Digits[] = "0123456789ABCDEF";
     std::vector<std::uint8_t> text;

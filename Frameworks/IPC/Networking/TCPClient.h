@@ -1,5 +1,5 @@
-// One end of a link to a server, as both links of the system use it. A copy shares the connection. Any thread may write
-// and close while one reads; the name of the network interface is kept once for all clients of the process.
+// The client's end of a link to a server; both links of the system use it. A copy shares the connection. Any thread may
+// write and close while one reads. All clients of the process share the name of the network interface.
 #pragma once
 
 #include "Frameworks/IPC/Networking/TCPSocket.h"
@@ -11,7 +11,7 @@ public:
     TCPClient& operator=(const TCPClient& other);
     virtual ~TCPClient() = default;
 
-    // Before the look-ups, which replace what they find.
+    // Set them before the look-ups, which replace what they find.
     void SetLocalIPAddress(const StdString& address);
     void SetLocalName(const StdString& name);
     void SetServerIPAddress(const StdString& address);
@@ -24,8 +24,8 @@ public:
     StdString GetServerName() const { return GetNames().serverName; }
     static StdString GetInterfaceName();  // of all clients
 
-    bool GetLocalHostInfo();  // asks the host database for this host; false where it knows no name or no address
-    bool ResolveServer();     // likewise for the server by its address; what isn't known stays as it was set
+    bool GetLocalHostInfo();  // from the host database; false without a name or an address
+    bool ResolveServer();     // likewise for the server by its address; on failure the names stay
 
     bool IsConnected() const { return m_socket.IsConnected(); }
     bool Connect(std::int32_t port);  // to the server's address; blocks
@@ -34,13 +34,13 @@ public:
 
     std::unique_ptr<CommunicationsCommand> ReceiveCommand() { return m_socket.RecieveCommand(); }
     std::unique_ptr<PayloadContainer> ReceivePayload(std::uint32_t length) { return m_socket.RecievePayload(length); }
-    bool Send(const CommunicationsCommand* command, PayloadContainer* payload);  // false where not connected
+    bool Send(const CommunicationsCommand* command, PayloadContainer* payload);  // false if not connected
 
     bool SendString(const StdString& text) { return m_socket.SendString(text); }
     StdString ReceiveString() { return m_socket.ReceiveString(); }
 
-    // Of the network interface: its six bytes, or as text "00:04:25:1C:A0:02" with a zero byte behind it. Empty where
-    // there is no such interface.
+    // Of the network interface: six bytes, or the text "00:04:25:1C:A0:02" and a zero byte. Empty if there is no such
+    // interface.
     static std::vector<std::uint8_t> GetMACAddress(bool raw);
 
 private:

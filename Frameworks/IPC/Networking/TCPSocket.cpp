@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t LongestString = 1024;
+constexpr std::size_t MaxStringSize = 1024;
 
 }  // namespace
 
@@ -55,7 +55,7 @@ std::unique_ptr<CommunicationsCommand> TCPSocket::RecieveCommand() {
 }
 
 std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length) {
-    // The length is the other side's word: what doesn't come is never touched, so that it takes no memory.
+    // The server chooses the length. Bytes that don't arrive are never touched, so they take no memory.
     const std::size_t size = std::size_t{length} + PayloadContainer::CRCSize;
     const auto bytes = std::make_unique_for_overwrite<std::uint8_t[]>(size);
     const ssize_t received = recv(NumberOf(Hold()), bytes.get(), size, 0);
@@ -69,8 +69,8 @@ std::unique_ptr<PayloadContainer> TCPSocket::RecievePayload(std::uint32_t length
 }
 
 StdString TCPSocket::ReceiveString() {
-    char text[LongestString + 1] = {};
-    if (read(NumberOf(Hold()), text, LongestString) == -1) {
+    char text[MaxStringSize + 1] = {};
+    if (read(NumberOf(Hold()), text, MaxStringSize) == -1) {
         ReportError("TCpSocket::ReceiveString Error in receiving String", TEST_INTERFACE);
         return "NULL";
     }
@@ -104,7 +104,7 @@ bool TCPSocket::SendString(const StdString& text) {
     return true;
 }
 
-// A test server that has gone is an error in the log and must not end the analyzer.
+// A closed test server is an error in the log and must not end the analyzer.
 bool TCPSocket::SendBytes(const std::uint8_t* bytes, std::size_t size, const char* failure) {
     if (send(NumberOf(Hold()), bytes, size, MSG_NOSIGNAL) == -1) {
         return ReportError(failure, TEST_INTERFACE);

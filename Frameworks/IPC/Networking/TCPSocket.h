@@ -1,5 +1,5 @@
-// The client's end of a TCP connection. Any thread may write and close while one reads. Frames are small and come in
-// one piece: a read is a single call, and what it didn't bring stays zero.
+// The client's end of a TCP connection. Any thread may write and close while one reads. Frames are small and arrive
+// whole: each read is one call, and missing bytes stay zero.
 #pragma once
 
 #include <atomic>
@@ -16,22 +16,22 @@ public:
     TCPSocket(const TCPSocket& other) : Socket(other), m_connected(other.m_connected.load()) {}
     TCPSocket& operator=(const TCPSocket& other);
 
-    // The host as HostInfo takes it, at the port given to SetPortNumber. Blocks until the system knows.
+    // The host as for HostInfo, at the port of SetPortNumber. Blocks until the system has connected or failed.
     virtual bool ConnectToServer(const StdString& host, std::int32_t hostType);
-    // What the last ConnectToServer said: a close leaves it.
+    // The result of the last ConnectToServer, unchanged by a close.
     bool IsConnected() const { return m_connected; }
 
-    // Block until something comes. Null where the connection failed and, for a header, where the server closed it.
+    // Block until data arrive. Null if the connection failed and, for a header, if the server closed it.
     std::unique_ptr<CommunicationsCommand> RecieveCommand();
     std::unique_ptr<PayloadContainer> RecievePayload(std::uint32_t length);
-    // Up to 1024 bytes, to the first zero byte; empty at the end of the connection, "NULL" where it failed.
+    // Up to 1024 bytes, to the first zero byte; empty at the end of the connection, "NULL" if it failed.
     StdString ReceiveString();
 
-    // One call each. A connection that the server has closed fails them.
-    bool SendCommand(const CommunicationsCommand* command);  // false for none
-    bool SendPayload(PayloadContainer* payload);             // true for none
+    // One call each. They fail on a connection that the server has closed.
+    bool SendCommand(const CommunicationsCommand* command);  // false for null
+    bool SendPayload(PayloadContainer* payload);             // true for null
     bool Send(const CommunicationsCommand* command, PayloadContainer* payload);
-    // Here such a connection ends the process by SIGPIPE, for which no handler is installed.
+    // Such a connection ends the process by SIGPIPE, which has no handler.
     bool SendString(const StdString& text);
 
 private:

@@ -24,7 +24,7 @@ CommunicationsCommand WithValue(float value) {
     return command;
 }
 
-// All 32 bytes differ, the reserved ones too.
+// All 32 bytes differ, reserved ones included.
 const Bytes FullHeader = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0A, 0x05,
                           0x80, 0x48, 0x03, 0x03, 0x02, 0x01, 0x12, 0x02, 0x00, 0x88, 0x13,
                           0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D, 0x1E, 0x1F, 0x20};
@@ -87,10 +87,10 @@ TEST(CommunicationsCommand, is_copied_without_its_reserved_bytes) {
         expected[reserved] = 0;
     }
     const CommunicationsCommand received = Received(FullHeader);
-    EXPECT_EQ(ImageOf(CommunicationsCommand(received)), expected);  // NOLINT: the copy is what is looked at
+    EXPECT_EQ(ImageOf(CommunicationsCommand(received)), expected);  // NOLINT: tests the copy
 }
 
-TEST(CommunicationsCommand, has_its_spare_byte_copied_with_the_addresses_alone) {
+TEST(CommunicationsCommand, copies_only_the_spare_byte_with_the_addresses) {
     CommunicationsCommand command;
     command.Clear();
     command.CopyAddresses(Received(FullHeader));
@@ -119,7 +119,7 @@ TEST(CommunicationsCommand, cuts_a_value_to_ten_thousandths) {
     EXPECT_EQ(command.GetFraction(), 1);
 }
 
-TEST(CommunicationsCommand, takes_a_fraction_of_more_than_a_whole_as_it_comes) {
+TEST(CommunicationsCommand, reads_a_fraction_above_one_unchanged) {
     Bytes bytes(32, 0);
     bytes[20] = 0xFF;
     bytes[21] = 0xFF;
@@ -145,7 +145,7 @@ TEST(PayloadContainer, with_nothing_in_it_has_a_wire_form_of_a_crc_of_zero) {
     EXPECT_EQ(PayloadContainer().WireForm(), Bytes(4, 0));
 }
 
-TEST(PayloadContainer, puts_the_crc_of_the_data_behind_them) {
+TEST(PayloadContainer, puts_the_crc_after_the_data) {
     class Raw : public PayloadContainer {
     public:
         Raw() {
@@ -177,7 +177,7 @@ TEST(PayloadContainer, gives_what_was_received_to_the_length) {
     EXPECT_EQ(payload.Text(), "123456789");
 }
 
-TEST(PayloadContainer, tells_a_crc_that_does_not_fit) {
+TEST(PayloadContainer, detects_a_wrong_crc) {
     PayloadContainer payload(1);
     payload.SetReceived({'1', 0, 0, 0, 0});
     EXPECT_FALSE(payload.VerifyCRC());
@@ -207,7 +207,7 @@ TEST(PayloadContainer, has_a_time_stamp_of_eight_bytes) {
     EXPECT_EQ(payload.GetLength(), 8U);
 }
 
-TEST(PayloadContainer, appends_a_text_with_the_time_before_and_a_zero_byte_behind_it) {
+TEST(PayloadContainer, appends_a_text_with_a_time_stamp_and_a_zero_byte) {
     PayloadContainer payload;
     payload.AppendText("TEST_STATE");
     Bytes wire = payload.WireForm();

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 class Sockets : public LoggedTest {};
 
-// No descriptor is to be had while one of these lives.
+// No descriptor is available while one of these exists.
 class NoDescriptors {
 public:
     NoDescriptors() {
@@ -55,7 +55,7 @@ TEST_F(Sockets, open_for_a_port) {
 
 TEST_F(Sockets, close_what_was_open_for_another_port) {
     Socket socket(1200);
-    const int reserve = dup(socket.GetDescriptor());  // keeps the next number from being the same
+    const int reserve = dup(socket.GetDescriptor());  // so that the next number differs
     const int before = socket.GetDescriptor();
     const int other = dup(0);
     EXPECT_TRUE(socket.SetPortNumber(1201));
@@ -113,7 +113,7 @@ TEST_F(Sockets, linger_for_a_positive_time_and_not_for_none) {
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-// The stored mark itself goes to the system as its switch for not blocking.
+// The stored flag itself is passed to the system as its switch for not blocking.
 TEST_F(Sockets, stop_blocking_when_they_are_marked_as_blocking_again) {
     Socket socket(1200);
     EXPECT_TRUE(socket.SetSocketBlocking(1));
@@ -192,7 +192,7 @@ TEST_F(Sockets, are_copied_with_all_they_have) {
     EXPECT_EQ(copy.GetAddress().sin_port, htons(1200));
 }
 
-TEST_F(Sockets, stay_open_until_the_last_copy_goes) {
+TEST_F(Sockets, stay_open_until_the_last_copy_is_destroyed) {
     int descriptor = -1;
     {
         Socket copy;
@@ -212,7 +212,7 @@ TEST_F(Sockets, are_closed_with_all_their_copies_and_once) {
     Socket copy(socket);
     socket.CloseConnection();
     EXPECT_EQ(copy.GetDescriptor(), -1);
-    const int reused = dup(0);  // the number that has just become free
+    const int reused = dup(0);  // the number that was just closed
     copy.CloseConnection();
     EXPECT_TRUE(IsOpen(reused));
     close(reused);

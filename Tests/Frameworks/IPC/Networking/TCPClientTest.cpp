@@ -69,7 +69,7 @@ TEST_F(TCPClients, send_on_a_copy_too) {
     EXPECT_EQ(peer.Receive(32).size(), 32U);
 }
 
-TEST_F(TCPClients, that_are_closed_for_good_connect_no_more) {
+TEST_F(TCPClients, closed_for_good_never_connect_again) {
     const RawListener listener;
     client.SetServerIPAddress("127.0.0.1");
     EXPECT_TRUE(client.CloseForGood());
@@ -88,7 +88,7 @@ TEST_F(TCPClients, give_a_hardware_address_as_six_bytes_or_as_text) {
     EXPECT_EQ(TCPClient::GetMACAddress(false), Bytes(text.begin(), text.end()));
 }
 
-TEST_F(TCPClients, give_no_hardware_address_where_there_is_no_such_interface) {
+TEST_F(TCPClients, give_no_hardware_address_of_an_unknown_interface) {
     for (const char* name : {"", "none", "a name that no interface can have"}) {
         TCPClient::SetInterfaceName(name);
         EXPECT_THAT(TCPClient::GetMACAddress(true), IsEmpty()) << name;

@@ -38,7 +38,7 @@ TEST_F(UnconnectedTCPSockets, say_so) {
     EXPECT_FALSE(socket.IsConnected());
 }
 
-TEST_F(UnconnectedTCPSockets, tell_that_nobody_listens) {
+TEST_F(UnconnectedTCPSockets, report_that_no_server_listens) {
     std::uint16_t port = 0;
     {
         const RawListener gone;
@@ -90,7 +90,7 @@ TEST_F(TCPSockets, receive_a_header) {
     EXPECT_EQ(ImageOf(*command), header);
 }
 
-TEST_F(TCPSockets, take_a_short_header_as_it_is) {
+TEST_F(TCPSockets, take_a_short_header) {
     peer.Send({0x11, 0x22, 0x33});
     const std::unique_ptr<CommunicationsCommand> command = socket.RecieveCommand();
     ASSERT_NE(command, nullptr);
@@ -99,13 +99,13 @@ TEST_F(TCPSockets, take_a_short_header_as_it_is) {
     EXPECT_EQ(ImageOf(*command), expected);
 }
 
-TEST_F(TCPSockets, tell_a_closed_server_as_information_and_not_as_an_error) {
+TEST_F(TCPSockets, report_a_closed_server_as_information) {
     peer.EndSending();
     EXPECT_EQ(socket.RecieveCommand(), nullptr);
     EXPECT_THAT(Lines(), ElementsAre("TCPSocket::RecieveCommand  Server Disconnected level 6"));
 }
 
-TEST_F(TCPSockets, tell_a_broken_connection_as_an_error) {
+TEST_F(TCPSockets, report_a_broken_connection_as_an_error) {
     peer.Abort();
     EXPECT_EQ(socket.RecieveCommand(), nullptr);
     EXPECT_THAT(Lines(), ElementsAre("TCPSocket::RecieveCommand  Error in receiving header information"));
@@ -120,7 +120,7 @@ TEST_F(TCPSockets, receive_a_payload_with_its_crc) {
     EXPECT_TRUE(payload->VerifyCRC());
 }
 
-TEST_F(TCPSockets, leave_the_rest_of_a_payload_that_comes_in_two_parts_to_the_next_read) {
+TEST_F(TCPSockets, leave_the_second_part_of_a_payload_to_the_next_read) {
     peer.Send({'a', 'b'});
     const std::unique_ptr<PayloadContainer> payload = socket.RecievePayload(4);
     ASSERT_NE(payload, nullptr);
@@ -133,7 +133,7 @@ TEST_F(TCPSockets, leave_the_rest_of_a_payload_that_comes_in_two_parts_to_the_ne
     EXPECT_EQ(ImageOf(*rest), expected);
 }
 
-TEST_F(TCPSockets, give_a_payload_of_zeros_where_the_server_closed_before_it) {
+TEST_F(TCPSockets, give_a_payload_of_zeros_if_the_server_closed_before_it) {
     peer.EndSending();
     const std::unique_ptr<PayloadContainer> payload = socket.RecievePayload(4);
     ASSERT_NE(payload, nullptr);
@@ -141,7 +141,7 @@ TEST_F(TCPSockets, give_a_payload_of_zeros_where_the_server_closed_before_it) {
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-TEST_F(TCPSockets, believe_the_longest_length_without_keeping_what_did_not_come) {
+TEST_F(TCPSockets, take_no_memory_for_a_payload_that_does_not_arrive) {
     peer.Send({'x'});
     const std::unique_ptr<PayloadContainer> payload = socket.RecievePayload(0xFFFFFF);
     ASSERT_NE(payload, nullptr);
@@ -169,12 +169,12 @@ TEST_F(TCPSockets, give_an_empty_text_at_the_end_of_the_connection) {
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-TEST_F(TCPSockets, send_a_text_as_it_is) {
+TEST_F(TCPSockets, send_a_text_unchanged) {
     EXPECT_TRUE(socket.SendString("Name~Value`"));
     EXPECT_EQ(peer.Receive(11), (Bytes{'N', 'a', 'm', 'e', '~', 'V', 'a', 'l', 'u', 'e', '`'}));
 }
 
-TEST_F(TCPSockets, send_a_header_and_the_payload_with_its_crc_behind_it) {
+TEST_F(TCPSockets, send_a_header_then_the_payload_with_its_crc) {
     CommunicationsCommand command;
     command.Clear();
     command.SetLength(7);
@@ -198,13 +198,13 @@ TEST_F(TCPSockets, send_no_header_that_is_none_and_no_payload_that_is_none) {
     EXPECT_FALSE(socket.Send(nullptr, nullptr));
     EXPECT_FALSE(socket.Send(nullptr, &payload));
     EXPECT_EQ(peer.Receive(32), ImageOf(command));
-    EXPECT_EQ(peer.Receive(4), Bytes(4, 0));  // the payload goes out all the same
+    EXPECT_EQ(peer.Receive(4), Bytes(4, 0));  // the payload is still sent
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-TEST_F(TCPSockets, tell_a_server_that_has_gone_and_live_on) {
+TEST_F(TCPSockets, report_a_closed_server_and_continue) {
     peer.Abort();
-    EXPECT_EQ(socket.RecieveCommand(), nullptr);  // the abort has come
+    EXPECT_EQ(socket.RecieveCommand(), nullptr);  // the connection is aborted
     CommunicationsCommand command;
     PayloadContainer payload;
     EXPECT_FALSE(socket.SendCommand(&command));
@@ -214,7 +214,7 @@ TEST_F(TCPSockets, tell_a_server_that_has_gone_and_live_on) {
                                      "TCPSocket::SendPayload  Error in sending payload information"));
 }
 
-TEST_F(TCPSockets, end_the_process_when_a_text_goes_to_a_server_that_has_gone) {
+TEST_F(TCPSockets, end_the_process_when_a_text_is_sent_to_a_closed_server) {
     peer.Abort();
     EXPECT_EQ(socket.RecieveCommand(), nullptr);
     EXPECT_EXIT(socket.SendString("x"), testing::KilledBySignal(SIGPIPE), "");
@@ -231,7 +231,7 @@ TEST_F(TCPSockets, wake_a_reader_when_another_thread_closes_them) {
     }
 }
 
-// The number of a closed socket goes to the next file that is opened.
+// The next opened file gets the number of a closed socket.
 TEST_F(TCPSockets, never_write_to_a_file_that_got_the_number_of_a_closed_one) {
     TCPSocket copy(socket);
     const int number = socket.GetDescriptor();
@@ -248,7 +248,7 @@ TEST_F(TCPSockets, never_write_to_a_file_that_got_the_number_of_a_closed_one) {
     }
 }
 
-TEST_F(TCPSockets, close_after_they_have_been_shut_down_by_the_server_without_a_word) {
+TEST_F(TCPSockets, close_without_a_report_after_the_server_shut_down) {
     peer.EndSending();
     EXPECT_EQ(socket.RecieveCommand(), nullptr);
     EXPECT_TRUE(socket.CloseConnection());

@@ -1,4 +1,4 @@
-// The host database of this program is one of its own, with one entry that every look-up fills anew, as libc's is.
+// This program replaces libc's host database by one with a single entry that every look-up overwrites, as in libc.
 #include "Frameworks/IPC/Networking/HostInfo.h"
 
 #include <arpa/inet.h>
@@ -35,7 +35,7 @@ struct Database {
 
 Database* database = nullptr;  // of the running test
 
-// Filled anew by each look-up, as libc's own.
+// Overwritten by each look-up, as in libc.
 char entryName[64];
 char entryAddress[4];
 char* entryAddresses[2];
@@ -100,7 +100,7 @@ extern "C" hostent* gethostent() {
     return database->next < database->hosts.size() ? Fill(database->hosts[database->next++]) : nullptr;
 }
 
-TEST_F(HostInfos, know_the_local_host_and_tell_its_name) {
+TEST_F(HostInfos, know_the_local_host_and_print_its_name) {
     testing::internal::CaptureStdout();
     {
         const HostInfo info;
@@ -142,7 +142,7 @@ TEST_F(HostInfos, know_a_host_by_its_name) {
 }
 
 TEST_F(HostInfos, keep_no_name_that_was_looked_up_in_vain) {
-    const HostInfo info("nobody", HostInfo::BY_NAME);
+    const HostInfo info("unknown", HostInfo::BY_NAME);
     EXPECT_EQ(info.getHostName(), "");
     EXPECT_EQ(info.getHostIPAddress(), "");
     EXPECT_THAT(Lines(), ElementsAre("HostInfo::HostInfo  Unable to retrieve host my name",
@@ -156,11 +156,11 @@ TEST_F(HostInfos, know_a_host_by_its_address) {
         EXPECT_EQ(info.getHostName(), "server");
         EXPECT_EQ(info.getHostIPAddress(), "10.0.0.7");
     }
-    EXPECT_THAT(hosts.calls, ElementsAre("byaddr 10.0.0.7"));  // the database is never opened for it
+    EXPECT_THAT(hosts.calls, ElementsAre("byaddr 10.0.0.7"));  // without opening the database
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-TEST_F(HostInfos, go_by_the_address_itself_where_nobody_knows_it) {
+TEST_F(HostInfos, use_an_unknown_address_as_it_is) {
     const HostInfo info("10.0.0.9", HostInfo::BY_ADDRESS);
     EXPECT_EQ(info.getHostName(), "10.0.0.9");
     EXPECT_EQ(info.getHostIPAddress(), "10.0.0.9");
@@ -169,13 +169,13 @@ TEST_F(HostInfos, go_by_the_address_itself_where_nobody_knows_it) {
                             "HostInfo::getHostIPAddress() Unable to get host IP address"));
 }
 
-TEST_F(HostInfos, look_up_an_address_that_is_none_all_the_same) {
+TEST_F(HostInfos, look_up_even_an_invalid_address) {
     const HostInfo info("server", HostInfo::BY_ADDRESS);
     EXPECT_THAT(hosts.calls, ElementsAre("byaddr 255.255.255.255"));
     EXPECT_THAT(Lines(), ElementsAre(std::string(Unread) + "server", std::string(Unknown) + "server"));
 }
 
-TEST_F(HostInfos, have_no_address_where_the_entry_has_none) {
+TEST_F(HostInfos, have_no_address_if_the_entry_has_none) {
     hosts.hasAddresses = false;
     const HostInfo info("server", HostInfo::BY_NAME);
     EXPECT_EQ(info.getHostName(), "server");
@@ -194,14 +194,14 @@ TEST_F(HostInfos, step_through_the_database) {
     EXPECT_THAT(Lines(), ElementsAre("HostInfo::getNextHost() Unable to get Network DB entry for next Host"));
 }
 
-TEST_F(HostInfos, step_nowhere_where_the_database_is_not_open) {
+TEST_F(HostInfos, do_not_step_without_an_open_database) {
     HostInfo info("server", HostInfo::BY_NAME);
     EXPECT_FALSE(info.getNextHost());
     EXPECT_EQ(info.getHostName(), "server");
     EXPECT_THAT(Lines(), ElementsAre());
 }
 
-// The entry that every look-up fills anew is the same for both.
+// Both use the entry that every look-up overwrites.
 TEST_F(HostInfos, of_two_threads_do_not_meet) {
     const auto lookUp = [](const char* name, const char* address) {
         for (int round = 0; round < 500; ++round) {
@@ -227,7 +227,7 @@ TEST_F(HostInfos, give_a_client_the_names_of_both_ends) {
     EXPECT_EQ(client.GetServerIPAddress(), "10.0.0.7");
 }
 
-TEST_F(HostInfos, without_an_address_leave_a_client_as_it_was) {
+TEST_F(HostInfos, without_an_address_leave_a_client_unchanged) {
     hosts.hasAddresses = false;
     TCPClient client;
     EXPECT_FALSE(client.GetLocalHostInfo());
