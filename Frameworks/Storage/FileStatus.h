@@ -1,4 +1,4 @@
-// What lies at a path. An empty path or a failed look answers no to every question. One thread at a time.
+// The status of a path. For an empty path or a failed stat every query returns false. One thread at a time.
 #pragma once
 
 #include <sys/stat.h>
@@ -15,14 +15,14 @@ public:
     bool IsFifo(const StdString& path) { return IsType(path, S_IFIFO); }
     bool IsRegularFile(const StdString& path) { return IsType(path, S_IFREG); }
     bool IsSocket(const StdString& path) { return IsType(path, S_IFSOCK); }
-    bool IsSymbolicLink(const StdString& path);  // the link itself, and not what it leads to
+    bool IsSymbolicLink(const StdString& path);  // the link itself, not its target
 
-    // Bytes; 0 for an empty path, and the size last seen where the look failed.
+    // Bytes; 0 for an empty path, the size of the last successful stat if this one fails.
     std::int64_t GetSize(const StdString& path);
-    // A regular file without a byte, by one look.
+    // A regular file of no bytes, by one stat.
     bool IsEmptyFile(const StdString& path) { return IsRegularFile(path) && m_status.st_size == 0; }
 
-    // By descriptor; the result is kept in status.
+    // By descriptor, into `status`.
     static bool GetStatus(int descriptor, struct stat64& status);
 
 private:

@@ -1,4 +1,4 @@
-// One result in the binary history: when, how much, and a checksum over both. One thread at a time.
+// One result of the binary history: time, value, and a checksum over both. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ public:
     float GetMeasurement() const { return m_measurement; }
     std::uint32_t GetCRC() const { return m_crc; }
 
-    // Each gives the object back.
+    // Each returns the object.
     MeasurementDataPoint& SetSeconds(std::uint32_t seconds) {
         m_seconds = seconds;
         return *this;

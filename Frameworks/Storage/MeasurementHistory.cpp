@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::size_t MostPoints = 3000;
+constexpr std::size_t MaxPoints = 3000;
 constexpr std::size_t FieldSize = 4;
 
 }  // namespace
@@ -33,13 +33,13 @@ bool MeasurementHistory::Add(std::uint32_t seconds, float measurement) {
     m_lastCRC = CRC32().Compute(m_scratch);
     m_lastPoint.SetCRC(m_lastCRC).SetSeconds(seconds).SetMeasurement(measurement);
     m_points.push_back(m_lastPoint);
-    if (sizeBefore < MostPoints) {
+    if (sizeBefore < MaxPoints) {
         return true;
     }
-    while (Size() > MostPoints) {
+    while (Size() > MaxPoints) {
         m_points.pop_front();
     }
-    return Size() == MostPoints;
+    return Size() == MaxPoints;
 }
 
 bool MeasurementHistory::AppendToScratch(const void* value) {

@@ -1,4 +1,4 @@
-// The last 3000 results in their order of arrival, each with the checksum that was computed here. One thread at a time.
+// The last 3000 results in order of arrival, each with a computed checksum. One thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -12,23 +12,23 @@ class MeasurementHistory {
 public:
     MeasurementHistory() = default;
     MeasurementHistory(const MeasurementHistory& other) { *this = other; }
-    MeasurementHistory& operator=(const MeasurementHistory& other);  // all but the last point
+    MeasurementHistory& operator=(const MeasurementHistory& other);  // all except the last point
     ~MeasurementHistory() = default;
 
-    // Drops the oldest where there are 3000 already.
+    // Drops the oldest of more than 3000.
     bool Add(std::uint32_t seconds, float measurement);
-    // By the point's time and value; its checksum is computed anew.
+    // By the point's time and value; computes a new checksum.
     bool Add(const MeasurementDataPoint& point) { return Add(point.GetSeconds(), point.GetMeasurement()); }
 
-    // False above the size. The size itself is not refused, and is nothing to ask for: the point stays as it was.
+    // Returns false for an index above the size. The size itself gives true and leaves the point unchanged.
     bool Get(std::size_t index, MeasurementDataPoint& point) const;
 
     std::size_t Size() const { return m_points.size(); }
     void Clear() { m_points.clear(); }
 
-    void Print() const;  // to the standard output, three lines a result
+    void Print() const;  // to the standard output, three lines per result
 
-    // Of the latest add, whatever was cleared or assigned since; an assignment does replace the checksum.
+    // Of the last Add. Clear and assignment keep the point; an assignment replaces the checksum.
     const MeasurementDataPoint& GetLastPoint() const { return m_lastPoint; }
     std::uint32_t GetLastCRC() const { return m_lastCRC; }
 
@@ -39,5 +39,5 @@ private:
     MeasurementDataPoint m_lastPoint;
     std::uint32_t m_reserved = 0;
     std::uint32_t m_lastCRC = 0;
-    std::vector<std::uint8_t> m_scratch;  // what the checksum is computed over
+    std::vector<std::uint8_t> m_scratch;  // the bytes of the checksum
 };

@@ -1,5 +1,4 @@
-// The frame of a file that is mapped into memory: it knows whose mapping it would be, and maps nothing yet. One thread
-// at a time.
+// The frame of a file that is mapped into memory: it holds the file's name and maps nothing yet. One thread at a time.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +19,7 @@ public:
 
     virtual bool IsMapped() const { return m_mapping != 0; }
 
-    // Each asks whether there is a mapping and, with one or without, can do nothing about it yet: false.
+    // Each asks for a mapping, does nothing and returns false.
     bool Flush() const;
     bool Unmap() const;
     bool Read(void* buffer, std::size_t count);

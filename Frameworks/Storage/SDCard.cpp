@@ -28,7 +28,7 @@ constexpr char DeviceDirectory[] = "/dev";
 constexpr mode_t DirectoryMode = 0700;
 constexpr unsigned SwitchBank = 3;
 constexpr unsigned SwitchPin = 9;
-constexpr std::uint8_t MaximumPercent = 99;
+constexpr std::uint8_t MaxPercent = 99;
 constexpr std::size_t MountLineSize = 4096;
 constexpr std::size_t MountTablePiece = 1024;
 
@@ -37,12 +37,12 @@ std::int64_t Bytes(const struct statfs64& space, fsblkcnt64_t blocks) {
     return blockSize * static_cast<std::int64_t>(blocks);
 }
 
-// Reads no further than it has to: the system makes the table anew at each read.
+// Stops at the path: the kernel builds the table again for each read.
 bool IsInMountTable(const StdString& path) {
     const FileDescriptor file(MountTable, O_RDONLY | O_CLOEXEC);
     std::string table;
     char piece[MountTablePiece];
-    const auto next = [&] { return read(file.Get(), piece, sizeof piece); };  // none where the table did not open
+    const auto next = [&] { return read(file.Get(), piece, sizeof piece); };  // -1 if the table did not open
     for (ssize_t length = next(); length > 0; length = next()) {
         table.append(piece, static_cast<std::size_t>(length));
         if (table.find(path.Text()) != std::string::npos) {
@@ -86,7 +86,7 @@ bool SDCard::Mount() {
         return true;
     }
     if (!FileStatus().IsDirectory(m_mountPath)) {
-        mkdir(m_mountPath.CString(), DirectoryMode);  // where this fails, so does the mount
+        mkdir(m_mountPath.CString(), DirectoryMode);  // if this fails, so does the mount
     }
     return mount(Partition, m_mountPath.CString(), FileSystem, MountFlags, MountData) == 0;
 }
@@ -119,7 +119,7 @@ std::int64_t SDCard::GetFreeBytes() {
 bool SDCard::IsSpaceBelow(std::uint8_t percent) {
     const std::int64_t total = GetTotalBytes();
     const std::int64_t free = GetFreeBytes();
-    if (total < 1 || free < 1 || percent > MaximumPercent) {
+    if (total < 1 || free < 1 || percent > MaxPercent) {
         return false;
     }
     return free < total * (100 - percent) / 100;
@@ -155,7 +155,7 @@ bool SDCard::InstallWatch(SignalHandler handler) {
 }
 
 bool SDCard::IsMountedByShell() {
-    // NOLINTNEXTLINE(cert-env33-c): a fixed text, for a person at a debugger
+    // NOLINTNEXTLINE(cert-env33-c): a fixed text, for debugging
     return std::system("mount | grep -c mmcblk0p1") == 1;
 }
 

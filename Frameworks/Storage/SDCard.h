@@ -1,6 +1,5 @@
-// The SD card: whether it is in the slot and mounted, its space, and the mounting itself. The tests of presence, mount
-// and space look at the file system alone and may run in any thread; the rest belongs to the owner's. The destructor
-// unmounts.
+// The SD card: presence, mount and space. Any thread may test for presence, mount and space, which only looks at the
+// file system; only the owner's thread uses the rest. The destructor unmounts.
 #pragma once
 
 #include <csignal>
@@ -22,7 +21,7 @@ public:
     // By the block device.
     bool IsPresent() const;
     bool IsMounted();  // an empty mount path becomes the default one
-    bool Mount();      // true also where it is mounted already; false without a card
+    bool Mount();      // true also if it is mounted already; false without a card
     bool Unmount();
 
     bool SetMountPath(const StdString& path);  // always true
@@ -31,18 +30,17 @@ public:
     // A card is present and its switch input reads high.
     bool IsSwitchSet() const;
 
-    // Bytes; -1 without a mounted card. Free counts all free blocks, those that are kept for the superuser too.
+    // Bytes; -1 without a mounted card. Free space includes the blocks reserved for the superuser.
     std::int64_t GetTotalBytes();
     std::int64_t GetFreeBytes();
-    // Less than (100 - percent) hundredths of the card are free. False where the space is unknown, and above 99
+    // Whether less than 100 - percent of 100 parts of the card are free. False if the space is unknown, and above 99
     // percent.
     bool IsSpaceBelow(std::uint8_t percent);
 
-    // Has the handler called (SIGRTMIN + 1) whenever an entry of /dev comes or goes. A further call replaces the first.
+    // Calls the handler (by SIGRTMIN + 1) when an entry of /dev appears or disappears. Another call replaces the first.
     bool WatchDeviceDirectory(SignalHandler handler);
 
-    // Debugging aids. The first compares the raw status of the shell, which is never 1 for a command that ended by
-    // itself.
+    // For debugging. The first compares the raw status of the shell, which is never 1 for a command that exits.
     static bool IsMountedByShell();
     void ListMounts();
 

@@ -32,7 +32,7 @@ bool SDCardFile::Open() {
     }
     m_file = fopen64(m_path.CString(), "a");
     if (m_file != nullptr) {
-        // A full card has to fail the very record that found no room, so nothing waits in a buffer.
+        // Without a buffer a full card fails the record that does not fit.
         std::setvbuf(m_file, nullptr, _IONBF, 0);
     }
     return IsOpen();

@@ -1,5 +1,5 @@
-// A log file on the SD card that is only ever appended to, and that outlives the removal and the return of the card.
-// Its owner's thread alone uses it. The card is borrowed and has to live as long as the file.
+// A log file on the SD card. It is only appended to, and it continues after the card was removed and inserted again.
+// Only its owner's thread uses it. The card is borrowed and must live as long as the file.
 #pragma once
 
 #include <cstdio>
@@ -15,23 +15,23 @@ public:
     ~SDCardFile() { Close(); }
 
     bool SetCard(SDCard* card);  // true for a card
-    // Names the file of today (local time): mount path, "/", date, "_", name. False, and the path stays, without name
-    // or card.
+    // Names the file of today (local time): mount path, "/", date, "_", name. Without a name or a card it returns false
+    // and keeps the path.
     bool SetFile(const StdString& name);
 
     bool IsOpen() const { return !m_name.IsEmpty() && m_file != nullptr; }
-    bool Open();   // mounts the card where it has to
-    void Close();  // nothing where it isn't open
+    bool Open();   // mounts the card if necessary
+    void Close();  // does nothing if it isn't open
 
-    // Appends the whole text. Without a card in the slot the text is dropped, the file closed and the card unmounted;
-    // the result is that of unmounting, so that a removed card is no error of its own. A card that came back is
-    // mounted, and the file opened again. False where the text didn't fit.
+    // Appends the whole text. Without a card it drops the text, closes the file and unmounts; the result is the result
+    // of unmounting, so that a removed card is no error. A card that returned is mounted and the file opened again.
+    // Returns false if the text did not fit.
     bool Write(const StdString& text);
     bool Flush();
 
-    bool IsEmpty() const;  // open, and the file on the card has no bytes
+    bool IsEmpty() const;  // open, and of no bytes
 
-    // Day of the month, two digits, for which the file was named; and where it lies.
+    // Day of the month in the file's name, two digits; and its path.
     StdString GetDay() const { return m_day; }
     StdString GetPath() const { return m_path; }
 

@@ -1,5 +1,4 @@
-// What the journal would turn its circle with: the entry at hand, the mapped file, and its export. One thread at a
-// time.
+// The parts of a circular journal: the current entry, the mapped file, and its export. One thread at a time.
 #pragma once
 
 #include "Frameworks/Storage/Journal/JournalEntry.h"

@@ -1,5 +1,4 @@
-// One event as the journal would keep it. What the texts, words and bytes mean is for whoever writes the first entry to
-// say. One thread at a time.
+// One event of the journal. Texts, words and bytes have no meaning yet. One thread at a time.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The journal as an XML document would tell it; its form is not settled, so it neither reads nor writes one. One thread
-// at a time.
+// The export of the journal to XML. Its form is undefined, so it neither reads nor writes a document. One thread at a
+// time.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The mapped file that the journal would lie in. One thread at a time.
+// The mapped file of the journal. One thread at a time.
 #pragma once
 
 #include "Frameworks/Storage/MemoryMappedFile.h"

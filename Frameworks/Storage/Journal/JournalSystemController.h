@@ -1,4 +1,4 @@
-// The frame of an event store. No thread of its own; one thread at a time.
+// The frame of an event store. It starts no thread; one thread at a time.
 #pragma once
 
 #include "Frameworks/Storage/Journal/CircularBuffer.h"
@@ -11,7 +11,7 @@ public:
     JournalSystemController& operator=(const JournalSystemController&) = default;
     virtual ~JournalSystemController() = default;
 
-    // Both of the entry at hand.
+    // Of the current entry.
     TimeInfo GetFirstTime() const { return m_buffer.GetEntry().GetFirstTime(); }
     TimeInfo GetSecondTime() const { return m_buffer.GetEntry().GetSecondTime(); }
 

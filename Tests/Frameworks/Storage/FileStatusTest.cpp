@@ -27,7 +27,7 @@ protected:
         return Path(name);
     }
 
-    // Which of the questions get a yes, in the order block, character, directory, FIFO, regular, socket, link.
+    // The queries that return true, in the order block, character, directory, FIFO, regular, socket, link.
     static std::string Answers(const StdString& path) {
         FileStatus status;
         std::string answers;
@@ -76,14 +76,14 @@ TEST_F(FileStatusTest, sees_a_link_itself_and_what_it_leads_to) {
     EXPECT_EQ(Answers(Path("link")), "----r-l");
 }
 
-TEST_F(FileStatusTest, sees_a_link_that_leads_nowhere) {
+TEST_F(FileStatusTest, recognizes_a_dangling_link) {
     std::filesystem::create_symlink(Path("nowhere"), Path("link"));
     EXPECT_EQ(Answers(Path("link")), "------l");
 }
 
 TEST_F(FileStatusTest, answers_no_for_an_empty_path) { EXPECT_EQ(Answers(""), "-------"); }
 
-TEST_F(FileStatusTest, answers_no_for_a_path_with_nothing_behind_it) { EXPECT_EQ(Answers(Path("none")), "-------"); }
+TEST_F(FileStatusTest, answers_no_for_a_missing_path) { EXPECT_EQ(Answers(Path("none")), "-------"); }
 
 TEST_F(FileStatusTest, answers_no_again_after_a_yes) {
     FileStatus status;
@@ -92,7 +92,7 @@ TEST_F(FileStatusTest, answers_no_again_after_a_yes) {
     EXPECT_FALSE(status.IsRegularFile(""));
 }
 
-TEST_F(FileStatusTest, tells_the_size) { EXPECT_EQ(FileStatus().GetSize(File("file", "12345")), 5); }
+TEST_F(FileStatusTest, reports_the_size) { EXPECT_EQ(FileStatus().GetSize(File("file", "12345")), 5); }
 
 TEST_F(FileStatusTest, has_size_0_for_an_empty_path) {
     FileStatus status;
@@ -100,7 +100,7 @@ TEST_F(FileStatusTest, has_size_0_for_an_empty_path) {
     EXPECT_EQ(status.GetSize(""), 0);
 }
 
-TEST_F(FileStatusTest, keeps_the_last_size_where_the_look_fails) {
+TEST_F(FileStatusTest, keeps_the_last_size_if_stat_fails) {
     FileStatus status;
     ASSERT_EQ(status.GetSize(File("file", "12345")), 5);
     EXPECT_EQ(status.GetSize(Path("none")), 5);

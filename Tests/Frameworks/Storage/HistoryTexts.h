@@ -1,4 +1,4 @@
-// Points and histories of results, made and shown as text.
+// Makes points and histories, and shows them as text.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ inline std::string TextOf(const MeasurementDataPoint& point) {
            std::to_string(point.GetMeasurement());
 }
 
-// One line a result.
+// One line per result.
 inline std::string TextOf(const MeasurementHistory& history) {
     std::string text;
     for (std::size_t index = 0; index < history.Size(); ++index) {

@@ -62,7 +62,7 @@ TEST(MeasurementBinaryFile, for_writing_takes_no_input_and_begins_empty) {
     EXPECT_FALSE(writer.Read(buffer.data(), 4));
 }
 
-TEST(MeasurementBinaryFile, for_writing_appends_where_the_mode_says_so) {
+TEST(MeasurementBinaryFile, for_writing_appends_if_the_mode_says_so) {
     const XmlTestFile file{std::string(FirstRecord)};
     MeasurementBinaryFile(file.Path(), std::ios::app, ForWriting).WriteDataPoint(PointOf(SecondSum, 2, 1.5F));
     EXPECT_EQ(file.Read(), Both());
@@ -77,7 +77,7 @@ TEST(MeasurementBinaryFile, for_reading_takes_no_output) {
     EXPECT_EQ(file.Read(), Both());
 }
 
-TEST(MeasurementBinaryFile, opens_the_same_file_once_more_the_other_way) {
+TEST(MeasurementBinaryFile, opens_the_same_file_again_in_the_other_direction) {
     const XmlTestFile file;
     MeasurementBinaryFile both(file.Path(), NoMode, ForWriting);
     both.WriteDataPoint(PointOf(FirstSum, 1, 0.5F));
@@ -106,7 +106,7 @@ TEST(MeasurementBinaryFile, reads_the_bytes_that_are_asked_for_or_fails) {
     EXPECT_FALSE(reader.GetStatus());
 }
 
-TEST(MeasurementBinaryFile, refuses_to_read_nothing_or_to_nowhere) {
+TEST(MeasurementBinaryFile, refuses_to_read_nothing_or_to_null) {
     const XmlTestFile file("abcdef");
     MeasurementBinaryFile reader(file.Path(), NoMode, ForReading);
     char byte = 0;
@@ -116,7 +116,7 @@ TEST(MeasurementBinaryFile, refuses_to_read_nothing_or_to_nowhere) {
     EXPECT_TRUE(reader.Read(&byte, 1));
 }
 
-TEST(MeasurementBinaryFile, refuses_to_write_nothing_or_from_nowhere) {
+TEST(MeasurementBinaryFile, refuses_to_write_nothing_or_from_null) {
     const XmlTestFile file;
     MeasurementBinaryFile writer(file.Path(), NoMode, ForWriting);
     EXPECT_FALSE(writer.Write("a", 0));
@@ -129,8 +129,8 @@ TEST(MeasurementBinaryFile, refuses_to_write_nothing_or_from_nowhere) {
     EXPECT_EQ(file.Read(), "a");
 }
 
-// Whether the stream took the bytes is not looked at.
-TEST(MeasurementBinaryFile, says_true_to_a_write_that_goes_nowhere) {
+// Does not check whether the stream took the bytes.
+TEST(MeasurementBinaryFile, returns_true_for_a_write_that_is_lost) {
     const XmlTestFile file(Both());
     MeasurementBinaryFile reader(file.Path(), NoMode, ForReading);
     EXPECT_TRUE(reader.Write("abcd", 4));
@@ -152,7 +152,7 @@ TEST(MeasurementBinaryFile, a_point_reaches_the_file_at_once) {
     EXPECT_TRUE(writer.GetStatus());
 }
 
-TEST(MeasurementBinaryFile, a_point_keeps_its_own_checksum_in_the_file_and_gets_the_computed_one_in_the_history) {
+TEST(MeasurementBinaryFile, a_point_has_its_checksum_in_the_file_and_a_computed_one_in_the_history) {
     const XmlTestFile file;
     MeasurementBinaryFile writer(file.Path(), NoMode, ForWriting);
     writer.WriteDataPoint(PointOf(0x44332211, 1, 0.5F));
@@ -171,7 +171,7 @@ TEST(MeasurementBinaryFile, that_is_closed_takes_no_point) {
     EXPECT_EQ(file.Read(), "");
 }
 
-TEST(MeasurementBinaryFile, a_history_is_written_with_the_computed_checksums_when_the_file_is_closed) {
+TEST(MeasurementBinaryFile, a_history_is_written_with_the_computed_checksums) {
     MeasurementHistory history;
     history.Add(PointOf(4711, 1, 0.5F));
     history.Add(PointOf(4712, 2, 1.5F));
@@ -184,7 +184,7 @@ TEST(MeasurementBinaryFile, a_history_is_written_with_the_computed_checksums_whe
     EXPECT_EQ(file.Read(), Both());
 }
 
-TEST(MeasurementBinaryFile, no_history_is_written_where_there_is_none_or_no_file) {
+TEST(MeasurementBinaryFile, no_history_is_written_without_points_or_without_a_file) {
     const XmlTestFile file;
     MeasurementBinaryFile writer(file.Path(), NoMode, ForWriting);
     MeasurementHistory history;
@@ -208,7 +208,7 @@ TEST(MeasurementBinaryFile, a_history_is_read_whole_and_the_read_position_stays)
     EXPECT_EQ(TextOf(reader.ReadHistory()), FirstLine + SecondLine);
 }
 
-TEST(MeasurementBinaryFile, a_damaged_record_is_read_with_a_checksum_of_its_own) {
+TEST(MeasurementBinaryFile, a_damaged_record_is_read_with_a_computed_checksum) {
     const XmlTestFile file("\xFF\xFF\xFF\xFF" + Both().substr(4));
     EXPECT_EQ(TextOf(MeasurementBinaryFile(file.Path(), NoMode, ForReading).ReadHistory()), FirstLine + SecondLine);
 }
@@ -235,8 +235,8 @@ TEST(MeasurementBinaryFile, a_record_cut_anywhere_ends_the_reading) {
     }
 }
 
-// The reading has run into the end of the file, and nothing but opening takes that back.
-TEST(MeasurementBinaryFile, after_a_cut_record_reads_nothing_until_it_is_opened_again) {
+// Reading reached the end of the file, and only opening resets that.
+TEST(MeasurementBinaryFile, reads_nothing_after_a_cut_record_until_it_is_opened_again) {
     const XmlTestFile file(std::string(FirstRecord) + "x");
     MeasurementBinaryFile reader(file.Path(), NoMode, ForReading);
     reader.ReadHistory();

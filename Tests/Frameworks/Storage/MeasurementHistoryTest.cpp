@@ -26,14 +26,14 @@ TEST(MeasurementDataPoint, a_copy_has_all_three_fields) {
     EXPECT_EQ(TextOf(MeasurementDataPoint(point)), "7 8 9.500000");
 }
 
-TEST(MeasurementHistory, keeps_results_in_their_order_with_the_checksum_over_seconds_and_value) {
+TEST(MeasurementHistory, keeps_results_in_order_with_their_checksums) {
     MeasurementHistory history;
     EXPECT_TRUE(history.Add(1, 0.5F));
     EXPECT_TRUE(history.Add(2, 1.5F));
     EXPECT_EQ(TextOf(history), FirstLine + SecondLine);
 }
 
-TEST(MeasurementHistory, computes_the_checksum_of_an_added_point_anew) {
+TEST(MeasurementHistory, computes_a_new_checksum_for_an_added_point) {
     MeasurementHistory history;
     EXPECT_TRUE(history.Add(PointOf(4711, 1, 0.5F)));
     EXPECT_EQ(TextOf(history), FirstLine);
@@ -67,15 +67,15 @@ TEST(MeasurementHistory, refuses_an_index_above_its_size) {
     EXPECT_EQ(TextOf(point), "7 8 9.500000");
 }
 
-// The bound is one too high; callers go by the size.
-TEST(MeasurementHistory, does_not_refuse_its_size_as_an_index_and_leaves_the_point) {
+// The bound is one too high; callers use the size.
+TEST(MeasurementHistory, accepts_its_size_as_an_index_and_leaves_the_point) {
     MeasurementDataPoint point = PointOf(7, 8, 9.5F);
     EXPECT_TRUE(HistoryOf(2).Get(2, point));
     EXPECT_TRUE(MeasurementHistory().Get(0, point));
     EXPECT_EQ(TextOf(point), "7 8 9.500000");
 }
 
-TEST(MeasurementHistory, assignment_replaces_the_results_and_the_checksum_and_leaves_the_last_point) {
+TEST(MeasurementHistory, assignment_replaces_all_but_the_last_point) {
     MeasurementHistory history = HistoryOf(5);
     const std::string lastPoint = TextOf(history.GetLastPoint());
     MeasurementHistory other;

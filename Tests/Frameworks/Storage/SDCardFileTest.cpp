@@ -46,7 +46,7 @@ TEST_F(SDCardFileTest, is_named_by_mount_path_date_and_name) {
     EXPECT_EQ(file.GetDay(), "31");
 }
 
-TEST_F(SDCardFileTest, gets_no_second_slash_behind_a_mount_path_that_ends_in_one) {
+TEST_F(SDCardFileTest, adds_no_slash_to_a_mount_path_that_ends_in_one) {
     card.SetMountPath("/mnt/sd-card/");
     file.SetCard(&card);
     EXPECT_TRUE(file.SetFile("data.csv"));
@@ -97,7 +97,7 @@ TEST_F(SDCardFileTest, opens_on_a_mounted_card) {
     EXPECT_TRUE(Board().Trace().empty()) << "no second mount";
 }
 
-TEST_F(SDCardFileTest, does_not_open_where_the_card_cannot_be_mounted) {
+TEST_F(SDCardFileTest, does_not_open_if_the_card_cannot_be_mounted) {
     Board().SetCardWriteProtected(true);
     file.SetCard(&card);
     file.SetFile("data.csv");
@@ -105,7 +105,7 @@ TEST_F(SDCardFileTest, does_not_open_where_the_card_cannot_be_mounted) {
     EXPECT_FALSE(file.IsOpen());
 }
 
-TEST_F(SDCardFileTest, gives_up_and_unmounts_where_the_card_is_gone_and_the_mount_still_shows) {
+TEST_F(SDCardFileTest, unmounts_a_removed_card_that_still_shows_as_mounted) {
     ASSERT_TRUE(card.Mount());
     Board().PullCard();
     file.SetCard(&card);
@@ -190,7 +190,7 @@ TEST_F(SDCardFileTest, drops_the_text_with_success_when_the_card_is_pulled) {
     EXPECT_FALSE(card.IsMounted());
 }
 
-TEST_F(SDCardFileTest, fails_while_the_card_stays_away_and_nothing_is_left_to_unmount) {
+TEST_F(SDCardFileTest, fails_without_a_card_and_without_a_mount) {
     OpenFile();
     Board().PullCard();
     ASSERT_TRUE(file.Write("one\r\n"));
@@ -217,7 +217,7 @@ TEST_F(SDCardFileTest, opens_again_when_the_card_was_unmounted_under_it) {
     EXPECT_EQ(OnCard(), "one\r\ntwo\r\n");
 }
 
-TEST_F(SDCardFileTest, closes_the_file_when_it_goes) {
+TEST_F(SDCardFileTest, closes_the_file_when_it_is_destroyed) {
     {
         SDCardFile other;
         other.SetCard(&card);

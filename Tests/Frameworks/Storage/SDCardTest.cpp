@@ -55,7 +55,7 @@ TEST_F(SDCardTest, is_mounted_synchronous_at_its_default_path) {
     EXPECT_EQ(Acts(), std::vector<std::string>{MountAct});
 }
 
-TEST_F(SDCardTest, is_found_wherever_its_path_stands_in_the_table_of_mounts) {
+TEST_F(SDCardTest, is_found_anywhere_in_the_table_of_mounts) {
     for (const std::size_t position : {0U, 1013U, 1014U, 1020U, 1024U, 2040U, 3000U}) {
         std::ofstream(Folder() + "/etc/mtab") << std::string(position, '-') << "/mnt/sd-card";
         EXPECT_TRUE(card.IsMounted()) << position;
@@ -64,7 +64,7 @@ TEST_F(SDCardTest, is_found_wherever_its_path_stands_in_the_table_of_mounts) {
     }
 }
 
-TEST_F(SDCardTest, is_not_mounted_where_the_table_of_mounts_cannot_be_read) {
+TEST_F(SDCardTest, is_not_mounted_if_the_table_of_mounts_cannot_be_read) {
     ASSERT_TRUE(card.Mount());
     ASSERT_TRUE(Board().FailCall("read", 1, EIO));
     EXPECT_FALSE(card.IsMounted());
@@ -73,7 +73,7 @@ TEST_F(SDCardTest, is_not_mounted_where_the_table_of_mounts_cannot_be_read) {
     EXPECT_FALSE(card.IsMounted());
 }
 
-TEST_F(SDCardTest, makes_its_directory_for_its_owner_alone) {
+TEST_F(SDCardTest, makes_its_directory_only_for_its_owner) {
     card.SetMountPath("/mnt/sd-card/deeper");
     ASSERT_FALSE(FileStatus().IsDirectory("/mnt/sd-card/deeper"));
     EXPECT_TRUE(card.Mount());
@@ -94,7 +94,7 @@ TEST_F(SDCardTest, is_not_mounted_without_a_card) {
     EXPECT_EQ(Acts(), std::vector<std::string>{});
 }
 
-TEST_F(SDCardTest, is_not_mounted_where_the_kernel_refuses) {
+TEST_F(SDCardTest, is_not_mounted_if_the_kernel_refuses) {
     Board().SetCardWriteProtected(true);
     EXPECT_FALSE(card.Mount());
     EXPECT_FALSE(card.IsMounted());
@@ -146,7 +146,7 @@ TEST_F(SDCardTest, releases_its_switch_input_after_a_look) {
     EXPECT_FALSE(Board().Pin(3, 9).claimed);
 }
 
-TEST_F(SDCardTest, tells_its_space_beyond_32_bits) {
+TEST_F(SDCardTest, reports_its_space_beyond_32_bits) {
     Board().SetCardSpace(2000000, 1500000, 4096);
     ASSERT_TRUE(card.Mount());
     EXPECT_EQ(card.GetTotalBytes(), 8192000000);
@@ -165,7 +165,7 @@ TEST_F(SDCardTest, has_no_space_once_it_is_pulled) {
     EXPECT_EQ(card.GetFreeBytes(), -1);
 }
 
-TEST_F(SDCardTest, is_below_its_space_when_less_than_the_rest_of_the_percent_is_free) {
+TEST_F(SDCardTest, is_below_its_space_by_the_percentage_of_free_bytes) {
     Board().SetCardSpace(1000, 100, 4096);
     ASSERT_TRUE(card.Mount());
     EXPECT_FALSE(card.IsSpaceBelow(90)) << "a tenth is free, which is not less than a tenth";
@@ -182,7 +182,7 @@ TEST_F(SDCardTest, is_not_below_its_space_above_99_percent) {
     EXPECT_FALSE(card.IsSpaceBelow(255));
 }
 
-TEST_F(SDCardTest, is_not_below_its_space_where_that_is_unknown_or_nothing) {
+TEST_F(SDCardTest, is_not_below_an_unknown_or_empty_space) {
     EXPECT_FALSE(card.IsSpaceBelow(50));
     Board().SetCardSpace(1000, 0, 4096);
     ASSERT_TRUE(card.Mount());
@@ -208,8 +208,7 @@ TEST_F(SDCardTest, lists_the_mounts_with_their_space) {
     EXPECT_NE(line.find(" 0 0 size=4096000 free=409600 avail="), std::string::npos) << line;
 }
 
-// The notice comes from the kernel about the machine's own device folder, so what is watched here is a call that
-// succeeds.
+// The kernel would notify about the machine's device folder, so this only tests that the call succeeds.
 TEST(SDCardWatch, has_a_handler_called_for_the_signal_that_it_asked_for) {
     SDCard card;
     card.SetMountPath("/nonexistent");
