@@ -12,7 +12,7 @@ public:
     CRC32();
     virtual ~CRC32() = default;
 
-    // Of all bytes in one go.
+    // Of all bytes.
     std::uint32_t Compute(const std::uint8_t* data, std::size_t size) const;
     std::uint32_t Compute(const std::vector<std::uint8_t>& data) const { return Compute(data.data(), data.size()); }
     bool Check(const std::vector<std::uint8_t>& data, std::uint32_t expected) const;

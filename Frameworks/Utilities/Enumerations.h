@@ -1,12 +1,12 @@
-// The numbers that the whole system shares, and their names as they appear in logs and settings.
+// The enumerations of the whole system, and their names in logs and settings. Any thread.
 #pragma once
 
 #include <cstdint>
 
 #include "Frameworks/Utilities/StdString.h"
 
-// The nine controllers; a value indexes ControllerNames. A controller's name is also its thread name and its key in the
-// router's name table.
+// The nine controllers; a value is an index of ControllerNames. A controller's name is also its thread name and its key
+// in the router's name table.
 enum ControllerType : std::int32_t {
     NO_CONTROLLER = -1,
     DEVICE_MONITOR = 0,
@@ -20,7 +20,7 @@ enum ControllerType : std::int32_t {
     USER_INTERFACE_DATA_CONTROL = 8,
 };
 
-// The smaller the more severe; 0 to 7 are also the priorities of syslog.
+// Lower values are more severe; 0 to 7 are also the priorities of syslog.
 enum LogLevel : std::int32_t {
     NO_LOG_LEVEL = -1,
     EMERGENCY_LOG_LEVEL = 0,
@@ -34,7 +34,7 @@ enum LogLevel : std::int32_t {
     RUMOR_LOG_LEVEL = 8,
 };
 
-// A mode of the whole system rather than of one thread; any command moves a controller from any of them.
+// A mode of the whole system, not of one thread; any command leaves any of them.
 enum ThreadState : std::int32_t {
     INITIALIZING_STATE = 0,
     IDLE_STATE = 1,
@@ -45,7 +45,7 @@ enum ThreadState : std::int32_t {
     POST_EXITING_STATE = 6,
 };
 
-// What goes to all controllers; KILLING_SYSTEM is a thread's message to itself.
+// Sent to all controllers, except KILLING_SYSTEM, which a thread sends to itself.
 enum CommandType : std::int32_t {
     NO_COMMAND = -1,
     MOVE_TO_IDLE = 0,
@@ -58,7 +58,7 @@ enum CommandType : std::int32_t {
     COLLECT_MEASUREMENT = 7,
 };
 
-// 1, 9 and 11 are reserved: LoggingControl counts them, no class carries them.
+// 1, 9 and 11 are reserved: LoggingControl counts them, no class has them.
 enum DataMessageType : std::int32_t {
     NO_DATA_MESSAGE = -1,
     ADC_STATUS_MESSAGE = 0,
@@ -85,14 +85,14 @@ enum DataMessageType : std::int32_t {
     GUI_RESPONSE_DATA_MESSAGE = 21,
 };
 
-// Of the tables below and above.
+// Sizes of the enumerations and of the tables below.
 inline constexpr int ControllerCount = 9;
 inline constexpr int LogLevelCount = 9;
 inline constexpr int ThreadStateCount = 7;
 inline constexpr int CommandCount = 8;
 inline constexpr int DataMessageCount = 22;
 
-// Indexed by the enumerations above; filled before main runs.
+// Indexed by the enumerations above; initialized before main.
 extern const StdString ControllerNames[ControllerCount];
 extern const StdString LogLevelNames[LogLevelCount];
 extern const StdString ThreadStateNames[ThreadStateCount];

@@ -1,4 +1,4 @@
-// Numbers as bytes, low byte first, whatever the processor's own order is.
+// Numbers as bytes, low byte first, on any processor. Any thread.
 #pragma once
 
 #include <cstddef>

@@ -158,11 +158,11 @@ std::uint32_t StdString::ToUnsigned() {
     Trim();
     ToLower();
     if (m_text.find('x') == std::string::npos) {
-        // As far as a long goes, which on the instrument is half the range.
+        // Limited by long, which on the instrument is half the range.
         return static_cast<std::uint32_t>(std::strtol(m_text.c_str(), nullptr, 10));
     }
     unsigned int value = 0;
-    // NOLINTNEXTLINE(cert-err34-c): a text that is no number reads as 0, which is what the readers of settings rely on
+    // NOLINTNEXTLINE(cert-err34-c): a text that is no number gives 0, as the readers of settings expect
     return std::sscanf(m_text.c_str(), "%x", &value) == 1 ? value : 0;
 }
 
@@ -184,7 +184,7 @@ void StdString::FromInteger(int value) {
 void StdString::FromDouble(double value, const StdString& format) {
     char buffer[NumberSize];
     if (format.IsEmpty()) {
-        // The same digits as "%f" in a tenth of its time.
+        // The same digits as "%f", ten times as fast.
         const std::to_chars_result end =
             std::to_chars(buffer, buffer + sizeof buffer - 1, value, std::chars_format::fixed, DefaultDecimals);
         if (end.ec == std::errc()) {

@@ -38,7 +38,7 @@ public:
     bool IsEmpty() const { return m_text.empty(); }
     int Length() const { return static_cast<int>(m_text.size()); }
 
-    // The first occurrence that begins at or behind start.
+    // The first occurrence that begins at or after start.
     int Find(const StdString& text, int start = 0) const;
     int Find(const char* text, int start = 0) const { return Find(StdString(text), start); }
     int Find(char character, int start = 0) const;
@@ -47,9 +47,9 @@ public:
     int ReverseFind(const char* text, int start = -1) const { return ReverseFind(StdString(text), start); }
     int ReverseFind(char character, int start = -1) const;
 
-    StdString Left(int count) const;   // count is held between 0 and the length
+    StdString Left(int count) const;   // count is limited to 0 to the length
     StdString Right(int count) const;  // likewise
-    // A negative start or count counts as 0, and the count is cut to what remains; empty behind the end.
+    // A negative start or count counts as 0, and the count is limited to the rest; empty past the end.
     StdString Mid(int start, int count) const;
     StdString Mid(int start) const;
 
@@ -68,27 +68,26 @@ public:
     void Insert(int position, const char* text) { Insert(position, StdString(text)); }
     void Delete(int position, int count);
 
-    // Below 0, 0 or above 0, by the bytes in small letters.
+    // Below 0, 0 or above 0, by the bytes in lower case.
     int CompareNoCase(const StdString& text) const;
 
-    // printf's conversions; the result is cut to the format's length plus 1023 characters. Nothing written empties the
-    // text.
+    // As printf; the result is limited to the format's length plus 1023 characters. An empty result empties the text.
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    // Both trim and lower the text itself. An "x" anywhere makes it hexadecimal; 0 where nothing can be read.
+    // Both trim the text itself and change it to lower case. An "x" anywhere means hexadecimal; 0 if it is no number.
     std::int32_t ToInteger();
     std::uint32_t ToUnsigned();
     double ToDouble() const;
     float ToFloat() const;
-    bool ToBool();  // trims and lowers; true for "true", "yes", "on" and "1"
+    bool ToBool();  // likewise; true for "true", "yes", "on" and "1"
 
     // Decimal.
     void FromInteger(int value);
     void FromDouble(double value, const StdString& format = StdString());  // an empty format means "%f"
 
-    // Length read; an empty path or a file that does not open leaves an empty text.
+    // Returns the length; an empty path or a file that does not open gives an empty text.
     int ReadFile(const StdString& path);
-    // Bytes written; 0 on an empty path, or where opening or closing fails.
+    // Returns the bytes written; 0 for an empty path, or if opening or closing fails.
     int WriteFile(const StdString& path) const;
 
 private:

@@ -1,7 +1,5 @@
 #include "Frameworks/Utilities/StrTokenizer.h"
 
-#include <algorithm>
-
 void StrTokenizer::Tokenize(const StdString& text, const StdString& delimiter) {
     if (text.IsEmpty()) {
         return;
@@ -25,22 +23,3 @@ StdString StrTokenizer::GetToken(int index) const {
 }
 
 std::int32_t StrTokenizer::GetInteger(int index) const { return GetToken(index).ToInteger(); }
-
-std::uint32_t StrTokenizer::GetUnsigned(int index) const { return GetToken(index).ToUnsigned(); }
-
-double StrTokenizer::GetDouble(int index) const { return GetToken(index).ToDouble(); }
-
-StdString StrTokenizer::JoinUpTo(int last) const { return Join(0, last); }
-
-StdString StrTokenizer::JoinFrom(int first) const { return Join(first, GetCount() - 1); }
-
-StdString StrTokenizer::Join(int first, int last) const {
-    StdString joined;
-    for (int index = std::max(first, 0); index <= last && index < GetCount(); ++index) {
-        if (index > std::max(first, 0)) {
-            joined += m_delimiter;
-        }
-        joined += m_tokens[static_cast<std::size_t>(index)];
-    }
-    return joined;
-}

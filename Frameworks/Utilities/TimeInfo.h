@@ -21,8 +21,8 @@ public:
     TimeInfo& operator=(const timespec& time);
     virtual ~TimeInfo() = default;
 
-    void ResetTime();  // now; the fields keep their values where the clock can't be read
-    // Nanoseconds are not carried into seconds: a wait that is no whole number of seconds may so end early, and the
+    void ResetTime();  // now; if the clock can't be read, the fields stay
+    // Nanoseconds are not carried into seconds, so a wait of a fractional number of seconds may end early. The
     // controllers are tuned to that.
     void AddMilliSeconds(std::uint32_t milliseconds);
 
@@ -43,10 +43,9 @@ public:
     void SetFormat(const StdString& format) { m_format = std::make_shared<const StdString>(format); }
     void SetDefaultFormat() { m_format.reset(); }
 
-    // Local time by the format; empty where it can't be told. The default format, and any that ends in "%S", is
-    // followed by
-    // "." and the first digits of the nanoseconds, which carry no leading zeros: 5 ms past the second reads .5000000.
-    // The readers of existing logs rely on that form. 0 digits: no fraction; above 9: all of the number.
+    // Local time by the format; empty if it is unknown. After the default format, and after any that ends in "%S",
+    // follow "." and the first digits of the nanoseconds without leading zeros: 5 ms after the second reads .5000000.
+    // The readers of existing logs rely on that form. 0 digits: no fraction; above 9: the whole number.
     StdString GetTimeString(unsigned digits) const;
     StdString GetTimeString() const { return GetTimeString(9); }
 
@@ -56,7 +55,7 @@ public:
 private:
     const StdString& Format() const { return m_format == nullptr ? DefaultFormat() : *m_format; }
 
-    // Null: the default one. Copies share it; there are many of them, and few have a format of their own.
+    // Null: the default format. Copies share it.
     std::shared_ptr<const StdString> m_format;
     std::int32_t m_seconds = 0;
     std::int32_t m_nanoSeconds = 0;

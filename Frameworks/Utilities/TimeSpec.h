@@ -1,9 +1,9 @@
-// Seconds and nanoseconds (0 to 999,999,999), with a sleep. One thread at a time.
+// Seconds and nanoseconds (0 to 999,999,999), which can sleep. One thread at a time.
 #pragma once
 
 #include <cstdint>
 
-// A second, as both kinds of time count it.
+// For both types of time.
 inline constexpr std::int32_t NanoSecondsPerSecond = 1000000000;
 
 class TimeSpec {
@@ -24,25 +24,25 @@ public:
     std::int32_t GetSeconds() const { return m_seconds; }
     std::int32_t GetNanoSeconds() const { return m_nanoSeconds; }
 
-    bool GetTime();  // CLOCK_REALTIME; false where it can't be read
+    bool GetTime();  // CLOCK_REALTIME; false if it can't be read
 
-    // A nanosecond count above 999,999,999 is ignored, and so is a sum that reaches a second: no caller adds across
-    // one.
+    // A nanosecond count above 999,999,999 is ignored, and so is a sum that reaches a second: no caller needs the
+    // carry.
     TimeSpec& operator+=(const TimeSpec& other);
     TimeSpec& operator+=(std::uint32_t nanoSeconds);
     TimeSpec& operator-=(const TimeSpec& other);
-    TimeSpec& operator-=(std::uint32_t nanoSeconds);  // borrows a second where it has to
+    TimeSpec& operator-=(std::uint32_t nanoSeconds);  // borrows a second if necessary
 
     friend bool operator<(const TimeSpec& left, const TimeSpec& right);
     friend bool operator>(const TimeSpec& left, const TimeSpec& right) { return right < left; }
-    // Against a length in nanoseconds, or in tenths of milliseconds.
+    // Compare with nanoseconds, or with tenths of milliseconds.
     bool IsBelowNanoSeconds(std::int64_t nanoSeconds) const;
     bool IsAboveNanoSeconds(std::int64_t nanoSeconds) const;
     bool IsBelowTenthMilliSeconds(std::uint32_t tenths) const;
     bool IsAboveTenthMilliSeconds(std::uint32_t tenths) const;
 
-    // nanosleep, again with the remainder where it was interrupted and retry is set. Only a request whose two fields
-    // both are above zero sleeps; any other gives false at once.
+    // nanosleep; if interrupted and with retry, again for the remainder. Only a request with both fields above zero
+    // sleeps; any other returns false immediately.
     static bool Sleep(const TimeSpec* request, TimeSpec* remainder, bool retry);
 
 private:

@@ -1,4 +1,4 @@
-// A new object, or null where memory has run out, for those who can go on without it. Any thread.
+// A new object, or null if memory has run out, for callers that can continue without it. Any thread.
 #pragma once
 
 #include <memory>

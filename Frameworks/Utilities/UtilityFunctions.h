@@ -1,4 +1,4 @@
-// Two lines straight to the system log, for code that runs without the router.
+// Writes directly to the system log, for code that runs without the router.
 #pragma once
 
 #include "Frameworks/Utilities/StdString.h"
@@ -7,10 +7,9 @@ class UtilityFunctions {
 public:
     virtual ~UtilityFunctions() = default;
 
-    // Facility LOG_LOCAL1, priority LOG_NOTICE. The text is the format: a "%" in it is taken as a conversion. Any
-    // thread.
+    // Facility LOG_LOCAL1, priority LOG_NOTICE. The text is the format: a "%" in it is a conversion. Any thread.
     static void LogToSystem(const StdString& identity, const StdString& text);
 
-    // False, with a line to the system log, for a null pointer. Any thread.
+    // Returns false and logs a line for a null pointer. Any thread.
     static bool CheckPointer(const void* pointer, int line, const StdString& file);
 };

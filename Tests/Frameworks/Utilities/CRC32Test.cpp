@@ -14,7 +14,7 @@ TEST(CRC32, gives_the_check_value_of_its_kind) { EXPECT_EQ(CRC32().Compute(Bytes
 
 TEST(CRC32, of_nothing_is_zero) { EXPECT_EQ(CRC32().Compute({}), 0U); }
 
-TEST(CRC32, of_single_bytes_is_the_well_known_one) {
+TEST(CRC32, of_known_texts_is_the_published_one) {
     EXPECT_EQ(CRC32().Compute({0x00}), 0xD202EF8DU);
     EXPECT_EQ(CRC32().Compute({0xFF}), 0xFF000000U);
     EXPECT_EQ(CRC32().Compute({0xFF, 0xFF, 0xFF, 0xFF}), 0xFFFFFFFFU);

@@ -1,4 +1,4 @@
-// What is told and kept when the clock itself gives no answer.
+// A clock that fails.
 #include <cerrno>
 
 #include "Frameworks/Utilities/TimeInfo.h"
@@ -9,7 +9,7 @@ namespace {
 
 using Clock = BoardTest;
 
-TEST_F(Clock, that_fails_is_reported_and_leaves_the_time_as_it_was) {
+TEST_F(Clock, that_fails_is_reported_and_leaves_the_time_unchanged) {
     TimeInfo time;
     const std::int32_t seconds = time.GetSeconds();
     Board().JumpClock(100.0);

@@ -95,7 +95,7 @@ TEST(StdString, case_and_order_change_in_place) {
     EXPECT_EQ(Changed("abc", [](StdString& text) { text.Reverse(); }), "cba");
 }
 
-TEST(StdString, Replace_counts_and_goes_on_behind_each_replacement) {
+TEST(StdString, Replace_counts_and_continues_after_each_replacement) {
     StdString text("aXaXa");
     EXPECT_EQ(text.Replace('a', 'b'), 3);
     EXPECT_EQ(text, "bXbXb");
@@ -151,8 +151,8 @@ TEST(StdString, ToInteger_reads_decimal_and_hexadecimal) {
     EXPECT_EQ(Integer("nothing"), 0);
 }
 
-// The instrument's long has 32 bits, so that decimal numbers end at half the range there; hexadecimal ones don't.
-TEST(StdString, ToUnsigned_reads_decimal_numbers_as_far_as_a_long_goes) {
+// The instrument's long has 32 bits, which limits decimal numbers to half the range, but not hexadecimal ones.
+TEST(StdString, ToUnsigned_limits_decimal_numbers_to_a_long) {
     EXPECT_EQ(StdString("2147483647").ToUnsigned(), 0x7FFFFFFFU);
     EXPECT_EQ(StdString("4294967295").ToUnsigned(), sizeof(long) == 4 ? 0x7FFFFFFFU : 0xFFFFFFFFU);
 }
@@ -169,7 +169,7 @@ TEST(StdString, ToInteger_and_ToUnsigned_are_the_same_routine_and_change_the_tex
     EXPECT_EQ(text.ToInteger(), -1);
 }
 
-TEST(StdString, ToDouble_and_ToFloat_leave_the_text_alone) {
+TEST(StdString, ToDouble_and_ToFloat_leave_the_text_unchanged) {
     const StdString text(" 2.5e1xyz ");
     EXPECT_EQ(text.ToDouble(), 25.0);
     EXPECT_EQ(StdString("0.1").ToFloat(), 0.1F);

@@ -1,4 +1,4 @@
-// What reaches the system log without the router.
+// The system log without the router.
 #include <gtest/gtest.h>
 #include <syslog.h>
 
@@ -29,7 +29,7 @@ TEST_F(SystemLog, the_text_is_the_format) {
     EXPECT_EQ(Board().Log()[0].text, "100%");
 }
 
-TEST_F(SystemLog, CheckPointer_tells_the_line_and_the_file_of_a_null_pointer) {
+TEST_F(SystemLog, CheckPointer_logs_line_and_file_of_a_null_pointer) {
     EXPECT_TRUE(UtilityFunctions::CheckPointer(this, 12, "File.cpp"));
     EXPECT_TRUE(Board().Log().empty());
     EXPECT_FALSE(UtilityFunctions::CheckPointer(nullptr, 12, "File.cpp"));

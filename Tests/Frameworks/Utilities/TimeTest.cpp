@@ -47,7 +47,7 @@ TEST_F(TimeStrings, above_9_digits_have_the_whole_number) {
     EXPECT_EQ(At(0, 1234567890).GetTimeString(9), "MST 1969-12-31 17:00:00.123456789");
 }
 
-TEST_F(TimeStrings, of_another_format_have_a_fraction_only_behind_seconds) {
+TEST_F(TimeStrings, of_another_format_have_a_fraction_only_after_seconds) {
     TimeInfo time = At(0, 120000000);
     time.SetFormat("%H:%M:%S");
     EXPECT_EQ(time.GetTimeString(3), "17:00:00.120");
