@@ -1,25 +1,18 @@
-// Whatever a front end may send, and whatever may be sent to it: parsing never fails, and what is built is understood.
+// Parses random bytes as texts from and to a front end, builds texts of them, and parses those: parsing never fails,
+// and built texts read back.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
+#include "Fuzzing/Require.h"
 #include "System/UserInterfaceDataControl/CommunicationProtocol.h"
 
 namespace {
 
-constexpr std::size_t LongestRead = 1024;
+constexpr std::size_t MaxRead = 1024;
 
-void Require(bool isTrue, const char* what) {
-    if (!isTrue) {
-        std::fprintf(stderr, "violated: %s\n", what);
-        std::abort();
-    }
-}
-
-// As one read of the socket gives it.
-StdString AsRead(const std::string& bytes) { return bytes.substr(0, LongestRead).c_str(); }
+// As from one read of the socket.
+StdString AsRead(const std::string& bytes) { return bytes.substr(0, MaxRead).c_str(); }
 
 void CheckCommand(const StdString& text) {
     const GuiCommand command = CommunicationProtocol::ParseCommand(text);
@@ -36,8 +29,8 @@ void CheckFrame(const StdString& text) {
     protocol.Init();
     protocol.SetInstrumentStatus(text);
     const StdString frame = protocol.Serialize();
-    Require(frame == "InstrumentStatus~" + text + "`", "a status goes out as it is");
-    Require(protocol.Serialize().IsEmpty(), "a frame leaves nothing behind");
+    Require(frame == "InstrumentStatus~" + text + "`", "a status is sent unchanged");
+    Require(protocol.Serialize().IsEmpty(), "after a frame nothing is left");
     const std::vector<GuiPair> pairs = CommunicationProtocol::ParseFrame(frame);
     Require(pairs.size() >= 2 && pairs.back() == GuiPair(), "a frame ends in an empty pair");
     Require(pairs.front().first == "InstrumentStatus", "a frame begins with its name");

@@ -1,5 +1,5 @@
-// Reads whatever it is given as a history of results: each whole record is there with the checksum of its own bytes, a
-// rest of a record is not, and what was read is written and read again unchanged.
+// Reads random bytes as a history of results: each whole record is read, with a computed checksum, an incomplete one is
+// not, and a written history reads back unchanged.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t RecordSize = 12;
 constexpr std::size_t SumSize = 4;
 
-// The records as they are written: with the checksum over the eight bytes behind it.
+// The records as they are written: each begins with the checksum of its other eight bytes.
 std::string WithSums(const std::uint8_t* data, std::size_t size) {
     static const CRC32 crc;
     std::string records(reinterpret_cast<const char*>(data), size - size % RecordSize);
@@ -28,7 +28,7 @@ std::string WithSums(const std::uint8_t* data, std::size_t size) {
 std::string Written(const MeasurementHistory& history) {
     const MemoryFile file;
     MeasurementBinaryFile writer(file.Path(), std::ios::out, true);
-    Require(writer.WriteHistory(history) == (history.Size() > 0), "a history is written where there is one");
+    Require(writer.WriteHistory(history) == (history.Size() > 0), "a history is written if there is one");
     Require(writer.Close(), "what was open is closed");
     return file.Read((history.Size() + 1) * RecordSize);
 }
@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MeasurementBinaryFile reader(file.Path(), std::ios::in, false);
     Require(reader.EndPosition() == std::streampos(static_cast<std::streamoff>(size)), "the end is the size");
     const MeasurementHistory& history = reader.ReadHistory();
-    Require(reader.GetStatus() == (size > 0 && size % RecordSize == 0), "the status tells a cut or empty file");
+    Require(reader.GetStatus() == (size > 0 && size % RecordSize == 0), "the status is false for a cut or empty file");
     Require(history.Size() == size / RecordSize, "each whole record is read");
     Require(Written(history) == WithSums(data, size), "what was read is what is written");
     return 0;

@@ -1,36 +1,28 @@
-// Reads headers and payloads of the test link from whatever it is given, in the pieces that a network may cut it into,
-// and looks at all they say. The input is what the peer sends: each read begins with a byte that tells how much of what
-// it asks for comes, 255 for all of it and 254 for a connection that broke.
+// Reads headers and payloads of the test link from random bytes, in pieces as a network may deliver them, and checks
+// all fields. The input is the peer's data: each read first takes a byte, the number of bytes that arrive; 255 for all,
+// 254 for a broken connection.
 #include <sys/types.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "Frameworks/IPC/Networking/TCPSocket.h"
 #include "Frameworks/Utilities/CRC32.h"
+#include "Fuzzing/Require.h"
 
 namespace {
 
-constexpr int MostFrames = 8;
-constexpr std::uint32_t LongPayload = 65536;  // memory and checksum of one take the time of hundreds of runs
+constexpr int MaxFrames = 8;
+constexpr std::uint32_t LongPayload = 65536;  // a longer one takes the time of hundreds of runs
 constexpr std::size_t InputForLongPayload = 40;
 constexpr std::uint8_t All = 255;
 constexpr std::uint8_t Broken = 254;
 
 const std::uint8_t* input = nullptr;
 std::size_t left = 0;
-
-void Require(bool isTrue, const char* what) {
-    if (!isTrue) {
-        std::fprintf(stderr, "violated: %s\n", what);
-        std::abort();
-    }
-}
 
 void LookAtHeader(const CommunicationsCommand& command) {
     CommunicationsCommand copy(command);
@@ -52,16 +44,16 @@ void LookAtPayload(PayloadContainer& payload) {
     const std::uint32_t crc = payload.ComputeCRC();
     Require(crc == CRC32().Compute(payload.DataForm()), "the checksum is that of the data");
     PayloadContainer again(payload);
-    Require(again.WireForm().size() == std::size_t{payload.GetLength()} + 4, "the wire form has a checksum behind it");
-    Require(again.VerifyCRC(), "a checksum of our own fits");
-    Require(!isSound || again.GetCRC() == crc, "and is the same as one that came");
+    Require(again.WireForm().size() == std::size_t{payload.GetLength()} + 4, "the wire form ends in a checksum");
+    Require(again.VerifyCRC(), "a computed checksum is right");
+    Require(!isSound || again.GetCRC() == crc, "and equals a received right one");
     again.AppendText(payload.Text());
-    Require(again.VerifyCRC(), "also with a text behind it");
+    Require(again.VerifyCRC(), "also after a text is appended");
 }
 
 }  // namespace
 
-// In the place of the network's.
+// Replaces the system's.
 extern "C" ssize_t recv(int /*file*/, void* data, std::size_t size, int /*flags*/) {
     if (left == 0) {
         return 0;
@@ -83,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     input = data;
     left = size;
     TCPSocket socket;
-    for (int frame = 0; frame < MostFrames; ++frame) {
+    for (int frame = 0; frame < MaxFrames; ++frame) {
         const std::unique_ptr<CommunicationsCommand> command = socket.RecieveCommand();
         if (command == nullptr) {
             return 0;

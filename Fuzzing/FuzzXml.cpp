@@ -1,5 +1,5 @@
-// Parses, walks, changes, saves and loads whatever it is given. The input is a document up to the first zero byte and
-// operations of two bytes behind it; the whole of it, zero bytes too, is also loaded as a file.
+// Parses, walks, changes, saves and loads random documents. The input is a document up to the first zero byte, then
+// operations of two bytes; the whole input is also loaded as a file.
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t MostOperations = 24;
+constexpr std::size_t MaxOperations = 24;
 
 const char* const Names[] = {"a", "b", "item", "r", "INFO_ITEM", "n:m", "\xC3\xA4", "html"};
 const char* const Values[] = {"", "1", "a \"b\" 'c'", "<&>", "]]>x]]>", "\xC3\xA4/>", "&amp;", "\n \t=/"};
@@ -37,7 +37,7 @@ void Check(const XmlDocument& document) {
 
 void SetAttribute(XmlDocument& document, const char* name, const char* value) {
     const bool isSet = document.SetAttribute(name, value);
-    Require(isSet == !document.GetTagName().empty(), "an attribute is set where there is an element");
+    Require(isSet == !document.GetTagName().empty(), "an attribute is set if there is an element");
     Require(!isSet || document.GetAttribute(name) == value, "an attribute reads back");
 }
 
@@ -116,7 +116,7 @@ void Edit(const std::string& text, const std::uint8_t* operations, std::size_t c
     document.GetResultText();
     Walk(document);
     document.ResetPosition();
-    for (std::size_t at = 0; at + 1 < count && at < 2 * MostOperations; at += 2) {
+    for (std::size_t at = 0; at + 1 < count && at < 2 * MaxOperations; at += 2) {
         Operate(document, operations[at], operations[at + 1]);
     }
     Walk(document);
@@ -147,7 +147,7 @@ void SaveAndLoad(const std::string& text) {
     Require(document.Save(file.Path()), "a text is saved");
     XmlDocument again;
     again.Load(file.Path());
-    Require(again.GetDocumentText() == content, "a saved text is loaded as it was");
+    Require(again.GetDocumentText() == content, "a saved text loads unchanged");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A file without a place on the disk, with a path as long as it lives.
+// A file in memory, with a path while it exists.
 #pragma once
 
 #include <sys/mman.h>
@@ -6,16 +6,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
-inline void Require(bool isTrue, const char* what) {
-    if (!isTrue) {
-        std::fprintf(stderr, "violated: %s\n", what);
-        std::abort();
-    }
-}
+#include "Fuzzing/Require.h"
 
 class MemoryFile {
 public:
@@ -28,10 +21,10 @@ public:
     void Write(const std::uint8_t* data, std::size_t size) const {
         Require(pwrite(m_descriptor, data, size, 0) == static_cast<ssize_t>(size), "the memory file takes its content");
     }
-    // Up to so many bytes from the start.
-    std::string Read(std::size_t most) const {
-        std::string content(most, '\0');
-        const ssize_t size = pread(m_descriptor, content.data(), most, 0);
+    // Up to `max` bytes from the start.
+    std::string Read(std::size_t max) const {
+        std::string content(max, '\0');
+        const ssize_t size = pread(m_descriptor, content.data(), max, 0);
         Require(size >= 0, "the memory file gives its content");
         content.resize(static_cast<std::size_t>(size));
         return content;
