@@ -20,12 +20,12 @@ void* FindNext(const char* name) {
 }
 
 namespace Real {
-#define BENCH_DEFINE(name, ...) constinit RealFunction<__VA_ARGS__> name{#name};
+#define BENCH_DEFINE(name) constinit decltype(RealOf(&::name)) name{#name};
 BENCH_REAL_FUNCTIONS(BENCH_DEFINE)
 #undef BENCH_DEFINE
 
 void FindAll() {
-#define BENCH_FIND(name, ...) name.Find();
+#define BENCH_FIND(name) name.Find();
     BENCH_REAL_FUNCTIONS(BENCH_FIND)
 #undef BENCH_FIND
 }
