@@ -11,7 +11,7 @@ namespace {
 
 enum GpioFile : std::uint8_t { ExportFile, UnexportFile, DirectionFile, EdgeFile, ValueFile };
 
-constexpr std::string_view FileNames[] = {"export", "unexport", "direction", "edge", "value"};
+constexpr std::string_view GpioFileNames[] = {"export", "unexport", "direction", "edge", "value"};
 constexpr std::string_view EdgeNames[] = {"none", "rising", "falling", "both"};
 
 void PinFolder(Line line, Buffer& path) { Put(path, "/sys/class/gpio/pio%c%d", "ABCD"[line.bank], line.pin); }
@@ -92,11 +92,11 @@ void SetPinDriven(BoardState& state, Line line, std::int8_t driven) {
 
 Node FindGpioNode(const BoardState& state, std::string_view name) {
     const std::size_t slash = name.find('/');
-    const auto* file = std::find(std::begin(FileNames), std::end(FileNames), name.substr(slash + 1));
-    if (file == std::end(FileNames)) {
+    const auto* file = std::find(std::begin(GpioFileNames), std::end(GpioFileNames), name.substr(slash + 1));
+    if (file == std::end(GpioFileNames)) {
         return {};
     }
-    const auto index = static_cast<std::uint8_t>(file - std::begin(FileNames));
+    const auto index = static_cast<std::uint8_t>(file - std::begin(GpioFileNames));
     const bool isPin = slash != std::string_view::npos;
     if (isPin != (index >= DirectionFile)) {
         return {};
@@ -121,7 +121,7 @@ void GpioPath(Node node, Buffer& path) {
     } else {
         PinFolder(LineOf(node), path);
     }
-    Put(path, "/%s", FileNames[node.file].data());
+    Put(path, "/%s", GpioFileNames[node.file].data());
 }
 
 void GpioContent(BoardState& state, Node node, Buffer& content) {

@@ -16,7 +16,7 @@ constexpr std::string_view MemoryPath = "/dev/mem";
 constexpr struct {
     std::string_view folder;
     Node (*find)(const BoardState& state, std::string_view name);
-} Folders[] = {
+} DeviceFolders[] = {
     {"/sys/class/gpio/", FindGpioNode},
     {"/sys/class/pwm/pwmchip0/", FindPwmNode},
     {"/sys/bus/iio/devices/iio:device0/", FindIioNode},
@@ -43,7 +43,7 @@ bool IsDevice(Node node) { return node.family >= Family::Gpio && node.family <= 
 bool IsCharacterDevice(Node node) { return node.family == Family::Spi || node.family == Family::Memory; }
 
 Node FindNode(const BoardState& state, std::string_view path) {
-    for (const auto& row : Folders) {
+    for (const auto& row : DeviceFolders) {
         if (path.starts_with(row.folder)) {
             return row.find(state, path.substr(row.folder.size()));
         }

@@ -9,9 +9,9 @@ namespace Bench {
 
 namespace {
 
-enum PwmFile : std::uint8_t { CountFile, ExportFile, UnexportFile, EnableFile, PeriodFile, DutyFile };
+enum PwmFile : std::uint8_t { PwmCount, PwmExport, PwmUnexport, PwmEnable, PwmPeriod, PwmDuty };
 
-constexpr std::string_view FileNames[] = {"npwm", "export", "unexport", "enable", "period", "duty_cycle"};
+constexpr std::string_view PwmFileNames[] = {"npwm", "export", "unexport", "enable", "period", "duty_cycle"};
 
 int Claim(BoardState& state, std::uint32_t channel, bool claim) {
     if (channel >= PwmChannels) {
@@ -40,12 +40,12 @@ int Set(Field& field, std::uint32_t value, bool isValid) {
 
 Node FindPwmNode(const BoardState& state, std::string_view name) {
     const std::size_t slash = name.find('/');
-    const auto* file = std::find(std::begin(FileNames), std::end(FileNames), name.substr(slash + 1));
-    const auto index = static_cast<std::uint8_t>(file - std::begin(FileNames));
-    if (file == std::end(FileNames) || (slash != std::string_view::npos) != (index >= EnableFile)) {
+    const auto* file = std::find(std::begin(PwmFileNames), std::end(PwmFileNames), name.substr(slash + 1));
+    const auto index = static_cast<std::uint8_t>(file - std::begin(PwmFileNames));
+    if (file == std::end(PwmFileNames) || (slash != std::string_view::npos) != (index >= PwmEnable)) {
         return {};
     }
-    if (index < EnableFile) {
+    if (index < PwmEnable) {
         return {Family::Pwm, index};
     }
     if (slash != 4 || !name.starts_with("pwm") || name[3] < '0' || name[3] >= '0' + PwmChannels) {
@@ -57,23 +57,23 @@ Node FindPwmNode(const BoardState& state, std::string_view name) {
 
 void PwmPath(Node node, Buffer& path) {
     Put(path, "/sys/class/pwm/pwmchip0/");
-    if (node.file >= EnableFile) {
+    if (node.file >= PwmEnable) {
         Put(path, "pwm%u/", static_cast<unsigned>(node.first));
     }
-    Put(path, "%s", FileNames[node.file].data());
+    Put(path, "%s", PwmFileNames[node.file].data());
 }
 
 void PwmContent(BoardState& state, Node node, Buffer& content) {
     const PwmState& pwm = state.pwm[node.first];
     const std::uint64_t numbers[] = {PwmChannels, 0, 0, pwm.enabled ? 1U : 0U, pwm.period, pwm.duty};
-    if (node.file != ExportFile && node.file != UnexportFile) {
+    if (node.file != PwmExport && node.file != PwmUnexport) {
         Put(content, "%llu\n", static_cast<unsigned long long>(numbers[node.file]));
     }
 }
 
 int PwmWrite(BoardState& state, Node node, std::string_view text) {
     std::uint32_t value = 0;
-    if (node.file == CountFile) {
+    if (node.file == PwmCount) {
         return EIO;
     }
     if (!ParseNumber(text, value)) {
@@ -81,13 +81,13 @@ int PwmWrite(BoardState& state, Node node, std::string_view text) {
     }
     PwmState& pwm = state.pwm[node.first];
     switch (node.file) {
-        case ExportFile:
+        case PwmExport:
             return Claim(state, value, true);
-        case UnexportFile:
+        case PwmUnexport:
             return Claim(state, value, false);
-        case EnableFile:
+        case PwmEnable:
             return Set(pwm.enabled, value, value == 0 || (value == 1 && pwm.period != 0));
-        case PeriodFile:
+        case PwmPeriod:
             return Set(pwm.period, value, value != 0 && value >= pwm.duty);
         default:
             return Set(pwm.duty, value, value <= pwm.period);

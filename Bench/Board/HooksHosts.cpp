@@ -28,17 +28,17 @@ struct Entry {
     hostent entry;
 };
 
-thread_local Entry found;
+thread_local Entry lookedUp;
 thread_local int nextHost = 0;
 
 hostent* Fill(const char* name, in_addr address) {
-    std::snprintf(found.name, sizeof(found.name), "%s", name);
-    found.address = address;
-    found.aliases[0] = nullptr;
-    found.addresses[0] = reinterpret_cast<char*>(&found.address);
-    found.addresses[1] = nullptr;
-    found.entry = {found.name, found.aliases, AF_INET, sizeof(in_addr), found.addresses};
-    return &found.entry;
+    std::snprintf(lookedUp.name, sizeof(lookedUp.name), "%s", name);
+    lookedUp.address = address;
+    lookedUp.aliases[0] = nullptr;
+    lookedUp.addresses[0] = reinterpret_cast<char*>(&lookedUp.address);
+    lookedUp.addresses[1] = nullptr;
+    lookedUp.entry = {lookedUp.name, lookedUp.aliases, AF_INET, sizeof(in_addr), lookedUp.addresses};
+    return &lookedUp.entry;
 }
 
 in_addr Loopback() { return {htonl(INADDR_LOOPBACK)}; }
