@@ -1,9 +1,9 @@
-// The virtual board as a test, a console or a panel sees it. The board's state lies in one mapped file of a bench
-// folder; every object of this class, in whichever process, sees and changes the same board, and every operation may be
-// called from any thread. The program on the bench meets the board through libboard.so, which stands between it and
-// libc: preloaded with VERNICOR_BENCH naming the folder, or linked and attached by AttachThisProcess.
+// The virtual board as a test or a program of the bench uses it. The board's state is one mapped file in a bench
+// folder; all objects of this class, in any process, see and change the same board, and every operation may be called
+// from any thread. The program on the bench uses the board through libboard.so, which replaces calls of libc: preloaded
+// with VERNICOR_BENCH set to the folder, or linked and attached by AttachThisProcess.
 //
-// Times are simulated unless stated. Texts of faults and calls are those that the console shows.
+// Times are simulated unless stated. The texts of faults and calls are those that the console shows.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@
 
 namespace Bench {
 
-struct BoardState;  // what lies in the mapped file
+struct BoardState;  // the content of the mapped file
 
 constexpr int Banks = 4;
 constexpr int PinsPerBank = 32;
@@ -31,8 +31,8 @@ enum class Edge { None, Rising, Falling, Both };
 struct PinView {
     bool claimed = false;  // exported through the pin files
     bool output = false;
-    bool latch = false;          // what the program last asked for, by file or by register
-    bool level = false;          // what stands on the line
+    bool latch = false;          // what the program last set, by file or by register
+    bool level = false;          // of the line
     std::optional<bool> driven;  // from outside; nothing on an output
     Edge edge = Edge::None;
 };
@@ -44,7 +44,7 @@ struct PwmView {
     std::uint64_t duty = 0;    // nanoseconds
 };
 
-// What the bus does with one read or write of the program, in place of the converter's own answer.
+// What the bus does with one read or write of the program, instead of the converter's answer.
 struct SpiAnswer {
     enum class Kind { Words, Echo, Short, Fail };
     Kind kind = Kind::Words;
@@ -77,10 +77,10 @@ struct CardView {
 struct TraceEntry {
     double seconds = 0.0;  // since the start of the run
     std::string text;
-    double deviceSeconds = 0.0;  // real, within the board's device files, its log and its own doing until then
+    double deviceSeconds = 0.0;  // real, spent so far in the board's device files, its log and its own work
 };
 
-// One line that the program gave to the system log, with all as given.
+// One line of the system log, as the program gave it.
 struct LogLine {
     std::string ident;
     int options = 0;
@@ -92,13 +92,13 @@ struct LogLine {
 
 struct FaultInfo {
     std::string name;         // "card-slow"
-    std::string value;        // what stands behind "=": "MS"; empty where none is taken
+    std::string value;        // the value after "=": "MS"; empty if it takes none
     std::string description;  // one line
 };
 
 struct ActiveFault {
     std::string text;     // as it was set
-    bool active = false;  // false: waits for its second
+    bool active = false;  // false: its second is still to come
 };
 
 // How a run begins.
@@ -111,24 +111,24 @@ struct BoardSetup {
 
 class Board {
 public:
-    // Makes the folder where needed, and a fresh board in it. Null with a reason in `error` where that fails.
+    // Creates the folder if needed, and a new board in it. Returns null with the reason in `error` on failure.
     static std::unique_ptr<Board> Create(const std::string& folder, const BoardSetup& setup, std::string& error);
-    // The board that lies in the folder.
+    // The board of the folder. Returns null with the reason in `error` on failure.
     static std::unique_ptr<Board> Open(const std::string& folder, std::string& error);
     ~Board();
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
 
     const std::string& Folder() const { return m_folder; }
-    // A fresh run: everything at its power-on state, faults cleared, trace and log empty. Files on the card, in
+    // Starts a new run: everything at its power-on state, faults cleared, trace and log empty. Files on the card, in
     // usr/share/vorn and in var/log/vorn stay.
     void Reset(const BoardSetup& setup);
 
     // Clock.
     double Speed() const;
-    void SetSpeed(double speed);  // held to 0.1 to 1000; waits in progress follow within 0.2 s of real time
-    void HoldSpeed(bool hold);    // held, a wait with a time-out is one wait of the kernel, as on an instrument
-    double Seconds() const;       // since the start of the run; no jump shows here
+    void SetSpeed(double speed);           // limited to 0.1 to 1000; waits in progress follow within 0.2 s of real time
+    void HoldSpeed(bool hold);             // held: a wait with a timeout is one wait of the kernel, as on an instrument
+    double Seconds() const;                // since the start of the run, without jumps
     std::int64_t WallNanoSeconds() const;  // CLOCK_REALTIME as the program sees it
     void JumpClock(double seconds);        // below 0 sets the wall clock back
 
@@ -144,10 +144,10 @@ public:
     // The 24-bit converter and its bus.
     std::uint16_t LastCommand() const;                           // last command word
     std::size_t CommandCount() const;                            // words written so far in the run
-    void ScriptSpiRead(const std::vector<SpiAnswer>& answers);   // one for each coming read; then the model again
+    void ScriptSpiRead(const std::vector<SpiAnswer>& answers);   // one for each of the next reads; then the model again
     void ScriptSpiWrite(const std::vector<SpiAnswer>& answers);  // Short and Fail; Words lets the write through
     void SetConverterChannel(int channel, std::int32_t count);   // 1 to 199, and 200 for its temperature
-    void SetEndOfConversion(EndOfConversion behaviour);
+    void SetEndOfConversion(EndOfConversion behavior);
     void SetConversionTime(int milliseconds);  // 160
 
     // The on-chip converter: raw counts by multiplexer channel 0 to 15 (its input 6), or by input.
@@ -158,7 +158,7 @@ public:
     void SetIioRaw(int input, int raw);
     void SetIioScale(const std::string& text);  // content of in_voltage_scale
 
-    // The card. Its files lie in Folder() + "/card".
+    // The card. Its files are in Folder() + "/card".
     CardView Card() const;
     void InsertCard();
     void PullCard();
@@ -167,67 +167,66 @@ public:
     void SetCardSlow(int milliseconds);
     void SetCardSpace(std::uint64_t totalBlocks, std::uint64_t freeBlocks, std::uint32_t blockSize);
 
-    // Network. The program finds the hosts "localhost" and its own name, both at 127.0.0.1, and of those addresses only
-    // the ports that are mapped to ports of this machine's loopback interface, or with an open loopback every other one
-    // as it is. Everything else is refused or out of reach at once; nothing leaves the machine. A socket is the
-    // program's until it is bound. Its interfaces are "eth0", with the address 02:1A:6C:00:3E:F5, and "lo".
-    bool MapPort(int instrumentPort, int realPort);  // false where either is no port or sixteen are mapped
+    // Network. The program finds the hosts "localhost" and its own name, both at 127.0.0.1. It reaches only the ports
+    // that are mapped to ports of this machine's loopback interface, and with an open loopback all others unchanged.
+    // Any other connection is refused or unreachable at once; nothing leaves the machine. A socket is the program's
+    // until it is bound. The interfaces are "eth0", with the address 02:1A:6C:00:3E:F5, and "lo".
+    bool MapPort(int instrumentPort, int realPort);  // false if either is invalid or 16 ports are mapped
     void UnmapPort(int instrumentPort);
     void SetLoopbackOpen(bool open);
     void SetHostName(const std::string& name);  // "analyzer"; cut to 64 characters
 
-    // The instrument, brought up to now.
+    // The instrument at this moment.
     InstrumentState Instrument() const;
-    InstrumentSettings Settings() const;  // with what the active faults make of them
+    InstrumentSettings Settings() const;  // including the active faults
     InstrumentInputs Inputs() const;
     void SetInstrument(const InstrumentState& state);
     void SetSettings(const InstrumentSettings& settings);
     void SetAudioPlaying(bool playing);
 
-    // Remote indicator: what a person sees of it.
+    // Whether a person sees that LED of the remote indicator lit.
     bool IndicatorLit(IndicatorLed led) const;
 
     // Sound. Command lines of aplay and amixer as the program ran them, oldest first: "aplay -q /usr/share/x.wav",
-    // "amixer set -q 'Output Mixer HiFi' mute". An argument with anything but letters, digits and _./,%:=+- stands
-    // between single quotes. The last 512 are kept, up to 255 characters of each.
+    // "amixer set -q 'Output Mixer HiFi' mute". An argument with other characters than letters, digits and _./,%:=+- is
+    // in single quotes. The last 512 are kept, up to 255 characters of each.
     std::vector<std::string> SoundCalls() const;
     void ClearSoundCalls();
-    bool SoundPlaying() const;  // until the last of several clips ends
-    // The same of the clip that a living child of the program plays again and again, in its pauses too.
-    std::string LoopingClip() const;
-    std::string PlayingClip() const;  // file name of the one started last; empty in silence
+    bool SoundPlaying() const;        // until the last of several clips ends
+    std::string PlayingClip() const;  // file name of the clip started last; empty in silence
+    std::string LoopingClip() const;  // the same of a clip that a child of the program repeats, also in its pauses
 
-    // What the program did, oldest first: "PATH=VALUE" for a device file, with " !EBUSY" behind it if refused;
+    // What the program did, oldest first: "PATH=VALUE" for a device file, followed by " !EBUSY" if refused;
     // "mem 0xfffff430=0x00000001"; "ioctl PATH 0x40016b01=0"; "spi write a080"; "spi read 1234 5678";
-    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "card FILE BYTES" once they are
+    // "spi transfer a080 > 1234"; "mount SOURCE TARGET TYPE FLAGS"; "umount TARGET"; "card FILE BYTES" when they are
     // written; "run aplay -q FILE"; "connect ADDRESS:PORT". The ring keeps the last 8192.
     std::vector<std::string> Trace() const;
     std::vector<TraceEntry> TraceWithTimes() const;
-    std::uint64_t TraceCount() const;  // all of the run, the forgotten ones too
+    std::uint64_t TraceCount() const;  // of the whole run, including those no longer kept
     void ClearTrace();
 
     // System log.
     std::vector<LogLine> Log() const;
     void ClearLog();
 
-    // Faults, as NAME, NAME=VALUE or either with @SECONDS of the run. False with a reason in `error` where refused.
+    // Faults, as NAME or NAME=VALUE, each optionally with @SECONDS of the run. Return false with the reason in `error`.
     static const std::vector<FaultInfo>& KnownFaults();
     static bool CheckFault(const std::string& text, std::string& error);
     bool SetFault(const std::string& text, std::string& error);
     bool ClearFault(const std::string& name, std::string& error);
     std::vector<ActiveFault> Faults() const;
 
-    // Lets the Nth coming call of that kind (1: the next) on one of the board's files, or for its wall clock, fail with
-    // `error`. Kinds: see CallKinds. False for an unknown kind. "allocation" is one of them but beside a sanitizer, and
-    // counts in a program with the library of Bench/Board/Allocations in front of the board.
+    // Makes the Nth call of that kind from now (1: the next) fail with `error`, among those on the board's files and
+    // for its wall clock. Returns false for an unknown kind. "allocation" is unknown in a sanitizer build, and counts
+    // only in a program that loads the library of Bench/Board/Allocations before the board.
     static const std::vector<std::string>& CallKinds();
     bool FailCall(const std::string& kind, int n, int error);
-    // Kills the process that makes the Nth coming call of that kind, before the call does anything.
+    // Kills the process that makes the Nth call of that kind from now, before the call does anything.
     bool KillAtCall(const std::string& kind, int n);
     std::uint64_t CallCount(const std::string& kind) const;  // calls on the board's files so far in the run
 
-    // Waits until the condition holds; it is looked at whenever the board changes. False after that many real seconds:
-    // a guard against hanging, never a measure.
+    // Waits until the condition holds; it is checked whenever the board changes. Returns false after that many real
+    // seconds, which only guard against hanging.
     bool WaitUntil(const std::function<bool()>& condition, double realSeconds = 60.0) const;
     bool WaitForTrace(const std::string& text, double realSeconds = 60.0) const;
 
@@ -240,13 +239,13 @@ private:
     BoardState* m_state;
 };
 
-// Puts the hooks of this very process on the board, or off it. No other thread may run in a hook at that moment, and no
-// file of the former board may be open.
+// Attaches this process's hooks to the board, or detaches them. No other thread may be in a hook at that moment, and no
+// file of the board attached before may be open.
 void AttachThisProcess(const Board& board);
 void DetachThisProcess();
 
-// A fresh board in a fresh folder under TMPDIR, or in memory where that is unset, with this process attached; all is
-// removed at the end.
+// A new board in a new folder below TMPDIR, or in memory if that is unset, with this process attached. The destructor
+// removes everything.
 class TemporaryBoard {
 public:
     explicit TemporaryBoard(const BoardSetup& setup = {});

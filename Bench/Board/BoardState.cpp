@@ -13,7 +13,7 @@ namespace {
 constexpr double NanoSeconds = 1e9;
 constexpr double MinStep = 1e-6;  // seconds: rounding must not hold the instrument at an edge of its flag
 
-// Lets the instrument run until that moment; each edge of the flag on the way is counted.
+// Advances the instrument to that moment and counts each edge of the flag on the way.
 void RunInstrument(BoardState& state, std::int64_t until) {
     const InstrumentInputs inputs = InputsOf(state);
     const InstrumentSettings settings = EffectiveSettings(state);

@@ -10,13 +10,13 @@ namespace {
 
 constexpr double DegreesPerStep = 360.0 / MotorStepsPerTurn;
 constexpr double CountLimit = 16777216.0;
-constexpr double ValveOpenPower = 0.05;  // what still holds the armature
+constexpr double ValveOpenPower = 0.05;  // the least power that holds the armature
 
-// An edge counts as passed this many degrees before it, far less than a step: the rounding of clocks cannot leave the
-// pump standing just in front of it.
+// An edge counts as passed this many degrees before it, far less than a step, so that rounding of clocks cannot stop
+// the pump just before it.
 constexpr double EdgeTolerance = 0.001;
 
-// Whatever changes in the cell relaxes towards rest, so the strides of a long wait may grow.
+// All changes in the cell slow down with time, so the strides of a long wait may grow.
 constexpr double FirstStride = 0.02;
 constexpr double StrideGrowth = 1.05;
 
@@ -31,17 +31,17 @@ double WrapDegrees(double degrees) {
 
 double FlagFallDegrees(const InstrumentSettings& settings) { return 360.0 - settings.flagLowDegrees; }
 
-// Where y' = (target - y) / seconds leads from `value` in a stride.
+// The solution of y' = (target - y) / seconds after a stride from `value`.
 double Relax(double value, double target, double stride, double seconds) {
     return seconds > 0.0 ? target + (value - target) * std::exp(-stride / seconds) : target;
 }
 
-// Where y' = source - rate * y leads from `value` in a stride.
+// The solution of y' = source - rate * y after a stride from `value`.
 double Feed(double value, double source, double rate, double stride) {
     return rate > 0.0 ? Relax(value, source / rate, stride, 1.0 / rate) : value + source * stride;
 }
 
-// Microlitres of reagent that `pumped` microlitres of what the line held brought into the cell.
+// Microliters of reagent that reach the cell when `pumped` microliters leave the line.
 double DrawReagent(InstrumentState& state, const InstrumentSettings& settings, double pumped) {
     if (pumped <= 0.0) {
         return 0.0;
@@ -52,8 +52,8 @@ double DrawReagent(InstrumentState& state, const InstrumentSettings& settings, d
     return pumped * bottle + (before - state.reagentStrength) * settings.reagentLine;
 }
 
-// Chlorine whose colour would stand in the cell after a long time: all of it, or as much as the reagent suffices for.
-double ColourInReach(const InstrumentState& state, const InstrumentSettings& settings) {
+// Chlorine whose color would develop in the end: all of it, or as much as the reagent is enough for.
+double ColorInReach(const InstrumentState& state, const InstrumentSettings& settings) {
     return std::min(state.cellChlorine, state.reagentMixed * settings.reagentCapacity);
 }
 
@@ -71,12 +71,11 @@ void AdvanceCell(InstrumentState& state, const InstrumentSettings& settings, con
     }
     const double mixing = 1.0 / (stirring ? settings.stirredMixSeconds : settings.unstirredMixSeconds);
     const double reagent = Feed(state.reagentUnmixed + state.reagentMixed, dosed / stride, exchange, stride);
-    const double before = ColourInReach(state, settings);
+    const double before = ColorInReach(state, settings);
     state.reagentUnmixed = std::min(reagent, Feed(state.reagentUnmixed, dosed / stride, exchange + mixing, stride));
     state.reagentMixed = reagent - state.reagentUnmixed;
-    const double reach = (before + ColourInReach(state, settings)) / 2.0;
-    state.colour =
-        Feed(state.colour, reach / settings.developSeconds, exchange + 1.0 / settings.developSeconds, stride);
+    const double reach = (before + ColorInReach(state, settings)) / 2.0;
+    state.color = Feed(state.color, reach / settings.developSeconds, exchange + 1.0 / settings.developSeconds, stride);
 
     const double clearing = stirring ? settings.stirredClearSeconds : settings.unstirredClearSeconds;
     const double rising =
@@ -159,12 +158,12 @@ double SecondsUntilFlagChange(const InstrumentState& state, const InstrumentSett
     const bool high = angle < fall;
     const double forwards = (high ? fall : 360.0) - angle;
     const double backwards = high ? angle : angle - fall;
-    // A hair more than up to the edge, so that whoever waits this long finds it passed.
+    // Slightly past the edge, so that a caller that waits this long finds it passed.
     return ((speed > 0.0 ? forwards : backwards) + EdgeTolerance) / std::fabs(speed);
 }
 
 double CellAbsorbance(const InstrumentState& state, const InstrumentSettings& settings) {
-    const double developed = settings.cellConstant == 0.0 ? 0.0 : state.colour / settings.cellConstant;
+    const double developed = settings.cellConstant == 0.0 ? 0.0 : state.color / settings.cellConstant;
     return settings.background + developed + state.bubbles + settings.stuckBubbles;
 }
 

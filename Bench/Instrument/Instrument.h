@@ -1,7 +1,6 @@
-// The analyzer's fluidics, chemistry and optics as plain arithmetic: no system call, no allocation, no clock of its
-// own. Whoever owns the state says how much time has passed under which inputs (Advance) and then asks what could be
-// seen. All records are trivially copyable, so that they can lie in a memory that several processes map; nothing here
-// locks.
+// The analyzer's fluidics, chemistry and optics as plain arithmetic: no system call, no allocation, no clock, no lock.
+// The caller owns the state, advances it by the time that has passed under its inputs, and then reads what the analyzer
+// could measure. All records are trivially copyable, so that several processes can map them.
 #pragma once
 
 #include <cstdint>
@@ -10,31 +9,31 @@ namespace Bench {
 
 constexpr int MotorStepsPerTurn = 1600;
 
-// The wear of light, chemistry and the board, and every fault of the instrument itself. May change at any time, but
-// between two calls of Advance: what has passed is to be integrated first.
+// Properties of water, light, chemistry and board, and every fault of the instrument itself. To change them, first
+// advance the state to the present.
 struct InstrumentSettings {
     // The water.
     double chlorine = 0.60;     // mg/l in the water on the sample line
     double cellConstant = 2.4;  // mg/l for one unit of absorbance at full development; the product's own factor
     double background = 0.010;  // absorbance of the unreacted water
     double flushSeconds = 3.0;  // time constant of the exchange while the sample flows
-    bool sampleFlows = true;    // false: the valve opens on a dry line
+    bool sampleFlows = true;    // false: no water behind the open valve
 
-    // Reagent and colour.
-    double reagentPerTurn = 120.0;   // microlitres for one revolution of the pump
-    double reagentLine = 60.0;       // microlitres between bottle and cell
-    double reagentCapacity = 0.05;   // mg/l of chlorine that one microlitre of reagent in the cell can colour
+    // Reagent and color.
+    double reagentPerTurn = 120.0;   // microliters for one revolution of the pump
+    double reagentLine = 60.0;       // microliters between bottle and cell
+    double reagentCapacity = 0.05;   // mg/l of chlorine that one microliter of reagent in the cell can color
     double stirredMixSeconds = 1.2;  // time constant of mixing with the stir bar turning
     double unstirredMixSeconds = 1500.0;
-    double developSeconds = 4.0;  // time constant of the colour
-    bool reagentEmpty = false;    // the bottle is dry: the pump draws air
+    double developSeconds = 4.0;  // time constant of the color
+    bool reagentEmpty = false;    // the pump draws air
 
     // Bubbles, as absorbance of the light that they scatter away.
-    double bubblesOfFlow = 0.030;       // that flowing sample keeps in the cell
-    double bubblesOfReagent = 0.00008;  // for each microlitre of reagent injected
-    double stirredClearSeconds = 2.5;   // time constant of their rising, with the stir bar turning
+    double bubblesOfFlow = 0.030;       // kept in the cell by flowing sample
+    double bubblesOfReagent = 0.00008;  // for each microliter of reagent injected
+    double stirredClearSeconds = 2.5;   // time constant of their rise, with the stir bar turning
     double unstirredClearSeconds = 4.0;
-    double stuckBubbles = 0.0;  // absorbance of bubbles that nothing clears; they flicker
+    double stuckBubbles = 0.0;  // absorbance of bubbles that stay; they flicker
 
     // Light and detector.
     double lightAtFullDuty = 7.0e6;  // counts at 100 percent duty, cold, through a clear cell
@@ -45,11 +44,11 @@ struct InstrumentSettings {
     double darkCount = 1500.0;
     double readNoise = 60.0;         // counts, standard deviation, in each reading
     double lightNoise = 0.0001;      // fraction of the light, standard deviation, in each reading
-    bool detectorSaturated = false;  // the converter answers full scale whatever the light
+    bool detectorSaturated = false;  // the converter always reads full scale
 
     // Pump and its home flag.
-    double flagLowDegrees = 50.0;  // the last part of a turn, on which the flag is low; it rises at 0 degrees
-    bool motorStalled = false;     // the steps come and the pump does not turn
+    double flagLowDegrees = 50.0;  // last part of a turn with a low flag; it rises at 0 degrees
+    bool motorStalled = false;     // the pump gets its steps and does not turn
     bool flagStuckHigh = false;
     bool flagStuckLow = false;
 
@@ -63,19 +62,18 @@ struct InstrumentSettings {
     double supplyStir = 0.14;    // the stir motor
     double supplyAudio = 0.06;   // the audio amplifier while it plays
     double supplyValve = 0.05;   // the sample valve at full power
-    bool amplifierDead = false;  // a clip plays, and nothing is heard or drawn
-    bool pumpStageDead = false;  // the steps come, and the pump neither turns nor draws
+    bool amplifierDead = false;  // a clip plays without sound and without current
+    bool pumpStageDead = false;  // the pump gets its steps, does not turn and draws nothing
     bool stirStageDead = false;
-    bool stirStalled = false;  // draws and does not turn
+    bool stirStalled = false;  // draws current and does not turn
 
-    // The remote indicator at the end of its cable, each LED fed with a constant current through its own sense
-    // resistor.
+    // The remote indicator and its cable. Each LED has a constant current and its own sense resistor.
     double cableFeet = 100.0;
-    double cableOhmsPerFoot = 0.052;     // both wires; as the product is told
+    double cableOhmsPerFoot = 0.052;     // both wires; as in the settings
     double ledAmperes = 0.020;           // in each lit LED
     double senseOhms = 100.0;            // as the product is told
     double blueDropVolts = 3.2;          // as the product is told
-    double loopGain = 3.0;               // loop volts for one volt at channel 0; as the product is told
+    double loopGain = 3.0;               // loop volts for one volt at channel 0; as in the settings
     double openLoopVolts = 12.0;         // of a loop whose LED is broken
     std::uint8_t indicatorLedsOpen = 0;  // broken LEDs, bit by IndicatorLed
 
@@ -87,7 +85,7 @@ struct InstrumentSettings {
 enum class IndicatorLed : std::uint8_t { BlueAnalyzer, AmberAnalyzer, RedAnalyzer, BlueWater, AmberWater, RedWater };
 constexpr int IndicatorLeds = 6;
 
-// What the board's lines and channels say at one moment.
+// The board's lines and channels at one moment.
 struct InstrumentInputs {
     double ledDuty = 0.0;            // 0 to 1; 0 while the channel is disabled
     double pumpStepFrequency = 0.0;  // Hz; 0 with chip disabled, current limit 0 or channel off; below 0 in reverse
@@ -97,22 +95,22 @@ struct InstrumentInputs {
     std::uint8_t indicatorLedsOn = 0;  // lines that are high, bit by IndicatorLed
 };
 
-// What the instrument remembers. A new one is in service: clear old water in the cell, the reagent line full.
+// The instrument's state. A new one is in service: clear old water in the cell, the reagent line full.
 struct InstrumentState {
     double seconds = 0.0;          // simulated time since the start
     double pumpAngle = 200.0;      // degrees, 0 up to but not including 360; the home flag rises at 0
     double pumpTravel = 0.0;       // degrees turned forward since the start
     double cellChlorine = 0.0;     // mg/l, of the water in the cell
-    double reagentUnmixed = 0.0;   // microlitres in the cell that the water has not met yet
-    double reagentMixed = 0.0;     // microlitres in the cell
-    double reagentStrength = 1.0;  // share of reagent (the rest is air) where the line meets the cell
-    double colour = 0.0;           // mg/l of chlorine whose colour has developed
+    double reagentUnmixed = 0.0;   // microliters in the cell, not yet mixed with the water
+    double reagentMixed = 0.0;     // microliters in the cell
+    double reagentStrength = 1.0;  // share of reagent, not air, at the cell's end of the line
+    double color = 0.0;            // mg/l of chlorine whose color has developed
     double bubbles = 0.0;          // absorbance
     double ledWarmth = 0.0;        // 0 to 1, follows the duty
     std::uint64_t readings = 0;    // of the noise taken so far
 };
 
-// Lets `seconds` pass under unchanged inputs and settings. Right for steps of any length; 0 or less does nothing.
+// Advances the state by `seconds` under unchanged inputs and settings. Steps may have any length; 0 or less: no change.
 void Advance(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs,
              double seconds);
 
@@ -123,14 +121,14 @@ bool FlagHigh(const InstrumentState& state, const InstrumentSettings& settings);
 double SecondsUntilFlagChange(const InstrumentState& state, const InstrumentSettings& settings,
                               const InstrumentInputs& inputs);
 
-// Decadic absorbance of what stands in the light path, without flicker.
+// Decadic absorbance of the light path, without flicker.
 double CellAbsorbance(const InstrumentState& state, const InstrumentSettings& settings);
 
-// One conversion of the detector, channel 0: -2^24 to 2^24 - 1 counts. Takes the next noise.
+// One conversion of the detector, channel 0: -2^24 to 2^24 - 1 counts. Uses the next noise.
 std::int32_t ReadDetector(InstrumentState& state, const InstrumentSettings& settings, const InstrumentInputs& inputs);
 
 // Volts at the multiplexer's channels 0 (loop voltage of the blue analyzer LED), 1 to 6 (LED sense), 7 (supply measure)
-// and 9 to 12 (rails), as the load has them; 0 for any other.
+// and 9 to 12 (rails), under the present load; 0 for any other.
 double MultiplexerVoltage(const InstrumentSettings& settings, const InstrumentInputs& inputs, int channel);
 
 }  // namespace Bench

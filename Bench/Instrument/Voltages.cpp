@@ -44,7 +44,7 @@ double Load(const InstrumentSettings& settings, const InstrumentInputs& inputs) 
            (audio ? settings.supplyAudio : 0.0) + settings.supplyValve * inputs.valvePower;
 }
 
-// Volts of a rail without load; 0 for a channel that is none.
+// Volts of a rail without load; 0 for any other channel.
 double Rail(const InstrumentSettings& settings, int channel) {
     switch (channel) {
         case 9:

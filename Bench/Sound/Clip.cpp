@@ -16,10 +16,10 @@ namespace {
 constexpr std::size_t ChunkHead = 8;    // name and size
 constexpr std::size_t FormatSize = 16;  // as much of it as is used
 constexpr std::uint32_t Pcm = 1;
-constexpr std::uint32_t LowestRate = 2000;  // samples a second
-constexpr std::uint32_t HighestRate = 192000;
-constexpr std::uint32_t MaximalChannels = 8;
-constexpr int MaximalChunks = 64;
+constexpr std::uint32_t MinRate = 2000;  // samples a second
+constexpr std::uint32_t MaxRate = 192000;
+constexpr std::uint32_t MaxChannels = 8;
+constexpr int MaxChunks = 64;
 constexpr std::int64_t NanoSeconds = 1000000000;
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
@@ -50,11 +50,11 @@ bool ReadFormat(std::FILE* file, std::uint32_t size, Format& format) {
     const std::uint32_t bits = Number(bytes.data() + 14, 2);
     format.rate = Number(bytes.data() + 4, 4);
     format.frame = channels * bits / 8;
-    return Number(bytes.data(), 2) == Pcm && channels >= 1 && channels <= MaximalChannels && bits >= 8 && bits <= 32 &&
-           bits % 8 == 0 && format.rate >= LowestRate && format.rate <= HighestRate;
+    return Number(bytes.data(), 2) == Pcm && channels >= 1 && channels <= MaxChannels && bits >= 8 && bits <= 32 &&
+           bits % 8 == 0 && format.rate >= MinRate && format.rate <= MaxRate;
 }
 
-// As many bytes as the clip really has behind its present place.
+// The bytes of the file after its present position.
 std::int64_t BytesLeft(std::FILE* file) {
     const long here = std::ftell(file);
     if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) {
@@ -69,7 +69,7 @@ std::optional<std::int64_t> ReadLength(std::FILE* file) {
         return std::nullopt;
     }
     Format format;
-    for (int chunk = 0; chunk < MaximalChunks; ++chunk) {
+    for (int chunk = 0; chunk < MaxChunks; ++chunk) {
         std::array<unsigned char, ChunkHead> head{};
         if (!Read(file, head.data(), head.size())) {
             return std::nullopt;
@@ -92,11 +92,11 @@ std::optional<std::int64_t> ReadLength(std::FILE* file) {
 
 std::optional<std::int64_t> ClipNanoSeconds(const std::string& path, std::string& error) {
     std::error_code failure;
-    const bool ordinary = std::filesystem::is_regular_file(path, failure);  // no pipe, which would hold the player up
+    const bool ordinary = std::filesystem::is_regular_file(path, failure);  // a pipe would block the player
     const File file(ordinary ? std::fopen(path.c_str(), "rb") : nullptr, std::fclose);
     const std::optional<std::int64_t> length = file == nullptr ? std::nullopt : ReadLength(file.get());
     if (!length) {
-        error = "is no PCM clip in a RIFF file";
+        error = "not a PCM clip in a RIFF file";
     }
     return length;
 }

@@ -1,4 +1,4 @@
-// The length of a sound file, judged from its own bytes: nothing in it is believed that the file does not hold.
+// The length of a sound file, from the bytes that it really contains.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace Bench {
 
-// Nanoseconds that the PCM clip in that RIFF file plays; nothing, with a sentence in `error`, for any other file.
+// Nanoseconds of the PCM clip in that RIFF file. Nothing, with the reason in `error`, for any other file.
 std::optional<std::int64_t> ClipNanoSeconds(const std::string& path, std::string& error);
 
 }  // namespace Bench

@@ -28,7 +28,7 @@ std::string Quoted(const std::string& argument) {
 std::unique_ptr<Board> BoardOfTool(const std::string& tool) {
     DetachThisProcess();
     const char* folder = std::getenv("VERNICOR_BENCH");
-    std::string error = "VERNICOR_BENCH names no bench folder";
+    std::string error = "VERNICOR_BENCH is not set to a bench folder";
     std::unique_ptr<Board> board;
     if (folder != nullptr && *folder != '\0') {
         board = Board::Open(folder, error);

@@ -1,5 +1,5 @@
-// What the two sound tools of the bench share. They are started by a shell of the program on the board, like the tools
-// of that name on an instrument, and know the board by VERNICOR_BENCH.
+// What the bench's two sound tools share. A shell of the program on the board starts them, like the tools of those
+// names on an instrument. VERNICOR_BENCH is set to the board's folder.
 #pragma once
 
 #include <memory>
@@ -9,12 +9,12 @@
 
 namespace Bench {
 
-// The board of this process, which is then no longer attached to it itself: what a tool does with files counts for
-// nothing. Null, with a line on the error stream, where there is none.
+// The board of VERNICOR_BENCH. Detaches this process, so that the tool's own calls do not count. Returns null, with a
+// line on the error stream, if there is none.
 std::unique_ptr<Board> BoardOfTool(const std::string& tool);
 
-// The command line as a shell would take it: an argument with anything but letters, digits and some marks stands
-// between single quotes. "amixer set -q 'Output Mixer HiFi' mute"
+// The command line as a shell reads it: "amixer set -q 'Output Mixer HiFi' mute". An argument with other characters
+// than letters, digits and some marks is in single quotes.
 std::string CommandLine(const std::string& tool, int count, char** arguments);
 
 }  // namespace Bench

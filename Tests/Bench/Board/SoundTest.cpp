@@ -203,9 +203,9 @@ TEST_F(SoundTest, what_can_not_be_played_is_named) {
                   Folder() + "/errors'"),
               1);
     EXPECT_EQ(ReadFile(Folder() + "/errors"),
-              "aplay: /usr/share/vorn/bin/gone.wav: is no PCM clip in a RIFF file\n"
-              "aplay: /usr/share/vorn/bin/text.wav: is no PCM clip in a RIFF file\n"
-              "aplay: /usr/share/vorn/bin: is no PCM clip in a RIFF file\n");
+              "aplay: /usr/share/vorn/bin/gone.wav: not a PCM clip in a RIFF file\n"
+              "aplay: /usr/share/vorn/bin/text.wav: not a PCM clip in a RIFF file\n"
+              "aplay: /usr/share/vorn/bin: not a PCM clip in a RIFF file\n");
 }
 
 TEST_F(SoundTest, the_players_own_files_count_as_nobodys_calls) {

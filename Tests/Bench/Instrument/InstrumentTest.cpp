@@ -164,11 +164,11 @@ TEST_F(Instrument, stopped_flow_leaves_old_water_and_reagent_in_the_cell) {
     EXPECT_NEAR(state.reagentMixed, reagent, 0.1);
 }
 
-TEST_F(Instrument, flush_carries_reagent_and_colour_away) {
+TEST_F(Instrument, flush_carries_reagent_and_color_away) {
     Cycle();
-    ASSERT_GT(state.colour, 0.5);
+    ASSERT_GT(state.color, 0.5);
     Flush(40.0);
-    EXPECT_LT(state.colour, 1e-3);
+    EXPECT_LT(state.color, 1e-3);
     EXPECT_LT(state.reagentMixed + state.reagentUnmixed, 0.02);
 }
 
@@ -186,38 +186,38 @@ TEST_F(Instrument, stir_bar_mixes_and_rest_hardly_does) {
     EXPECT_LT(still.reagentMixed, 5.0);
 }
 
-TEST_F(Instrument, colour_develops_with_its_time_constant) {
+TEST_F(Instrument, color_develops_with_its_time_constant) {
     state.cellChlorine = 0.5;
     state.reagentMixed = 100.0;
     Wait(settings.developSeconds);
-    EXPECT_NEAR(state.colour, 0.5 * (1.0 - std::exp(-1.0)), 1e-9);
+    EXPECT_NEAR(state.color, 0.5 * (1.0 - std::exp(-1.0)), 1e-9);
     Wait(60.0);
-    EXPECT_NEAR(state.colour, 0.5, 1e-6);
+    EXPECT_NEAR(state.color, 0.5, 1e-6);
 }
 
-TEST_F(Instrument, unreacted_water_has_no_colour) {
+TEST_F(Instrument, unreacted_water_has_no_color) {
     Flush(60.0);
     Wait(120.0);
-    EXPECT_EQ(state.colour, 0.0);
+    EXPECT_EQ(state.color, 0.0);
     EXPECT_NEAR(CellAbsorbance(state, settings), settings.background, 1e-9);
 }
 
 TEST_F(Instrument, full_development_absorbs_by_the_cell_constant) {
     for (const double constant : {2.4, 0.8, 1714.818182}) {
         settings.cellConstant = constant;
-        state.colour = 0.6;
+        state.color = 0.6;
         EXPECT_DOUBLE_EQ(CellAbsorbance(state, settings), settings.background + 0.6 / constant);
     }
 }
 
-TEST_F(Instrument, reagent_in_short_supply_colours_in_proportion) {
+TEST_F(Instrument, reagent_in_short_supply_colors_in_proportion) {
     state.cellChlorine = 2.0;
     state.reagentMixed = 10.0;
     Wait(120.0);
-    EXPECT_NEAR(state.colour, 10.0 * settings.reagentCapacity, 1e-6);
+    EXPECT_NEAR(state.color, 10.0 * settings.reagentCapacity, 1e-6);
     state.reagentMixed = 20.0;
     Wait(120.0);
-    EXPECT_NEAR(state.colour, 20.0 * settings.reagentCapacity, 1e-6);
+    EXPECT_NEAR(state.color, 20.0 * settings.reagentCapacity, 1e-6);
 }
 
 TEST_F(Instrument, dry_reagent_bottle_lets_the_value_fall_towards_zero) {
@@ -369,12 +369,12 @@ TEST_F(Instrument, one_long_step_is_as_good_as_many_short_ones) {
     EXPECT_NEAR(state.pumpAngle, fine.pumpAngle, 1e-6);
     EXPECT_NEAR(state.cellChlorine, fine.cellChlorine, 1e-9);
     EXPECT_NEAR(state.reagentMixed, fine.reagentMixed, 1e-6);
-    EXPECT_NEAR(state.colour, fine.colour, 1e-4);
+    EXPECT_NEAR(state.color, fine.color, 1e-4);
     EXPECT_NEAR(state.bubbles, fine.bubbles, 1e-9);
     EXPECT_NEAR(state.ledWarmth, fine.ledWarmth, 1e-9);
 }
 
-TEST_F(Instrument, colour_of_a_long_step_meets_that_of_short_ones_while_it_develops) {
+TEST_F(Instrument, color_of_a_long_step_meets_that_of_short_ones_while_it_develops) {
     state.cellChlorine = 0.9;
     Dose(300.0);
     inputs.stirStepFrequency = 640.0;
@@ -383,7 +383,7 @@ TEST_F(Instrument, colour_of_a_long_step_meets_that_of_short_ones_while_it_devel
     for (int step = 0; step < 8000; ++step) {
         Advance(fine, settings, inputs, 0.001);
     }
-    EXPECT_NEAR(state.colour, fine.colour, 5e-4);
+    EXPECT_NEAR(state.color, fine.color, 5e-4);
 }
 
 TEST_F(Instrument, time_that_does_not_pass_changes_nothing) {
@@ -458,7 +458,7 @@ TEST_F(Instrument, without_the_stir_bar_the_value_comes_out_low) {
     EXPECT_LT(settings.cellConstant * Absorbance(settings.darkCount, reference, Read()), 0.4);
 }
 
-TEST_F(Instrument, without_flow_the_coloured_water_is_its_own_reference) {
+TEST_F(Instrument, without_flow_the_colored_water_is_its_own_reference) {
     Cycle();
     settings.sampleFlows = false;
     EXPECT_NEAR(Cycle(), 0.0, 0.02);
