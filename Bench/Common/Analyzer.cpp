@@ -16,7 +16,7 @@ namespace Bench {
 
 namespace {
 
-// How the keeper says that the program could not be started at all.
+// The keeper's exit status if the program could not be started.
 constexpr int StartFailure = 127;
 
 struct Launch {
@@ -40,7 +40,7 @@ std::vector<std::string> MakeEnvironment(const std::string& library, const std::
     return environment;
 }
 
-// In the program's own process, up to the point where it becomes the program.
+// Runs in the new process until it becomes the program.
 [[noreturn]] void BecomeProgram(const Launch& launch, pid_t keeper) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -66,13 +66,13 @@ std::vector<std::string> MakeEnvironment(const std::string& library, const std::
     _exit(StartFailure);
 }
 
-// Lists a process's children, the eldest first.
+// A file of /proc that lists a process's children, the oldest first.
 std::string ChildrenOf(pid_t process) {
     const std::string number = std::to_string(process);
     return "/proc/" + number + "/task/" + number + "/children";
 }
 
-// Whatever is left of the program: its process group, and orphans of it that have come to the keeper.
+// Ends the program's process group and its orphans, whose parent is now the keeper.
 void EndAll(pid_t program) {
     const std::string children = ChildrenOf(getpid());
     kill(-program, SIGKILL);
@@ -90,7 +90,7 @@ void EndAll(pid_t program) {
     }
 }
 
-// The keeper's whole life: waits until the program has ended or the bench wants or has found an end.
+// The keeper: waits until the program ends, or until the bench ends or asks for the end.
 [[noreturn]] void Keep(const Launch& launch, pid_t bench) {
     sigset_t awaited;
     sigemptyset(&awaited);
@@ -126,7 +126,7 @@ void EndAll(pid_t program) {
                 continue;
             }
             EndAll(program);
-            // As a shell tells it: the exit status, or 128 and the signal.
+            // As a shell reports it: the exit status, or 128 and the signal.
             _exit(WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status));
         }
     }

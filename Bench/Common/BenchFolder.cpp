@@ -35,7 +35,7 @@ bool BenchFolder::Take(const std::string& path, std::string& error) {
     }
     m_path = folder.string();
     if (fs::exists(folder, problem) && !fs::is_directory(folder, problem)) {
-        error = path + " is no folder";
+        error = path + " is not a folder";
         return false;
     }
     fs::create_directories(folder, problem);
@@ -49,7 +49,7 @@ bool BenchFolder::Take(const std::string& path, std::string& error) {
         return false;
     }
     if (!empty && !fs::is_regular_file(folder / MarkerName, problem)) {
-        error = path + " is neither empty nor a bench folder, so it stays as it is";
+        error = path + " is neither empty nor a bench folder; left unchanged";
         return false;
     }
     return Mark(error) && Empty(error);
@@ -63,7 +63,7 @@ bool BenchFolder::Mark(std::string& error) {
         return false;
     }
     if (flock(m_marker, LOCK_EX | LOCK_NB) != 0) {
-        error = "another run holds the folder " + m_path;
+        error = "another run uses the folder " + m_path;
         return false;
     }
     return true;

@@ -1,11 +1,12 @@
-// The folder that a run leaves behind: reset at its start, never taken from somebody else.
+// The folder of a run: emptied at its start, kept after its end.
 #pragma once
 
 #include <string>
 
 namespace Bench {
 
-// Holds the folder for one run: a marker file tells that it is a bench folder, and a lock on it that a run goes on.
+// Holds the folder for one run. A marker file marks it as a bench folder; a lock on that file shows that a run is using
+// it. One thread.
 class BenchFolder {
 public:
     BenchFolder() = default;
@@ -13,12 +14,12 @@ public:
     BenchFolder(const BenchFolder&) = delete;
     BenchFolder& operator=(const BenchFolder&) = delete;
 
-    // Makes the folder, or empties it if it is a bench folder that no run holds. False with a sentence in `error`,
-    // and nothing removed, where the folder holds anything else, is in use or can't be made.
+    // Makes the folder, or empties it if it is a bench folder that no run uses. If it holds anything else, is in use or
+    // can't be made, removes nothing and returns false with the reason in `error`.
     bool Take(const std::string& path, std::string& error);
 
-    // Lays what the analyzer finds on its own disk: its folders, the sounds out of that folder, and its configuration,
-    // given as text, since the file that it came from may have stood in this very folder.
+    // Writes what the analyzer finds on its own disk: its folders, the sounds and the configuration. The configuration
+    // is a text because its file may have been in this folder.
     bool Fill(const std::string& configuration, const std::string& clips, std::string& error) const;
 
     const std::string& Path() const { return m_path; }  // absolute

@@ -1,4 +1,4 @@
-// Follows files that another process appends to, and hands on each line once, when its end has come.
+// Follows files that another process appends to. Returns each complete line once. One thread.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace Bench {
 
-// One file. It need not exist yet, and may vanish and come back with what it had.
+// One file. It need not exist yet, and may vanish and come back with the same content.
 class FileTail {
 public:
     explicit FileTail(std::string path) : m_path(std::move(path)) {}
 
-    // The lines that have come to their end since the last call, without line end or carriage return.
+    // The lines completed since the last call, without line end or carriage return.
     std::vector<std::string> Read();
 
 private:
@@ -23,7 +23,7 @@ private:
     std::string m_rest;
 };
 
-// All files of a folder that are named "YYYY-MM-DD_NAME", oldest day first.
+// All files of a folder that are named "YYYY-MM-DD_NAME", the oldest first.
 class DayFileTail {
 public:
     DayFileTail(std::string folder, std::string name) : m_folder(std::move(folder)), m_name(std::move(name)) {}

@@ -28,7 +28,7 @@ bool SettingsFile::Read(const std::string& path, std::string& error) {
     return true;
 }
 
-// The library parses a copy in place, without moving any value, so each one begins in the copy where it does in the
+// The library parses a copy in place and moves no value: each value starts at the same offset in the copy and in the
 // text.
 std::vector<SettingsFile::Place> SettingsFile::Places() const {
     std::string copy = m_text;

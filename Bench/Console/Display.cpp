@@ -94,14 +94,14 @@ std::string Painted(const std::string& text) {
 }
 
 std::string ProgressBar(double share, int width) {
-    const double held = std::clamp(share, 0.0, 1.0);
-    const int filled = static_cast<int>(std::floor(held * width + 1e-9));
+    const double bounded = std::clamp(share, 0.0, 1.0);
+    const int filled = static_cast<int>(std::floor(bounded * width + 1e-9));
     std::string bar;
     for (int i = 0; i < width; ++i) {
         bar += i < filled ? '#' : '-';
     }
     char percent[16];
-    std::snprintf(percent, sizeof(percent), " %3d %%", static_cast<int>(std::floor(held * 100.0 + 1e-9)));
+    std::snprintf(percent, sizeof(percent), " %3d %%", static_cast<int>(std::floor(bounded * 100.0 + 1e-9)));
     return bar + percent;
 }
 

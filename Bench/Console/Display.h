@@ -1,27 +1,26 @@
-// What a person sees of a run: lines that stay, and on a terminal one line that is rewritten in place. Used by one
-// thread.
+// The output of a run: lines, and on a terminal one line that is rewritten in place. One thread.
 #pragma once
 
 #include <string>
 
 namespace Bench {
 
-// A terminal gets color and the line in place, anything else plain lines alone.
+// A terminal gets colors and the progress line, anything else only plain lines.
 class Display {
 public:
     Display();
 
     bool IsTerminal() const { return m_terminal; }
 
-    void Line(const std::string& text);   // as it is
-    void Quiet(const std::string& text);  // what matters less
+    void Line(const std::string& text);
+    void Quiet(const std::string& text);  // less important
     void Status(const std::string& date, const std::string& time, const std::string& text);
     void LogLine(const std::string& text);
     void Result(const std::string& text);
     void Warning(const std::string& text);
-    void Indicator(const std::string& text);  // each color that it names in that color
+    void Indicator(const std::string& text);  // with the color names in their colors
 
-    // Replaces the line in place; nothing but on a terminal.
+    // Replaces the progress line; does nothing without a terminal.
     void Progress(const std::string& text);
     void EndProgress();
 
@@ -34,13 +33,13 @@ private:
     std::string m_date;
 };
 
-// Each blue, amber and red in the text painted in its color, as a terminal wants it.
+// With each blue, amber and red in its color, by the codes of a terminal.
 std::string Painted(const std::string& text);
 
-// "#######-----  58 %" in that many characters for the bar.
+// "#######-----  58 %", with `width` characters for the bar.
 std::string ProgressBar(double share, int width);
 
-// Cut to that many characters; bytes of one UTF-8 character are counted as one.
+// The first `width` characters; the bytes of one UTF-8 character count as one.
 std::string CutToWidth(const std::string& text, int width);
 
 }  // namespace Bench

@@ -11,13 +11,13 @@ namespace Bench {
 
 struct IndicatorView {
     std::uint8_t lit = 0;  // bit by IndicatorLed
-    std::string sound;     // file name; empty in silence
+    std::string sound;     // file name; empty without sound
 
     bool operator==(const IndicatorView&) const = default;
 };
 
 // "indicator analyzer blue water amber sound alert.wav". The colors of a side are joined by "+", three are "all", none
-// is "off"; silence is "none".
+// is "off"; without sound the file is "none".
 std::string IndicatorLine(const IndicatorView& view);
 
 // Reports changes of the indicator. One thread.

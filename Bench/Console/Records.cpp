@@ -115,7 +115,7 @@ std::optional<double> DutyOfStatus(const std::string& text) {
     const char* start = text.c_str() + EndText.size();
     char* end = nullptr;
     const double duty = std::strtod(start, &end);
-    // The log has one percent sign where the status text has two.
+    // The log has one percent sign, the status text two.
     if (end == start || *end != '%') {
         return std::nullopt;
     }

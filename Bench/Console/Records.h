@@ -1,4 +1,4 @@
-// What the analyzer shows to the outside, read back: lines of its measurement file and status texts of its log.
+// Reads the analyzer's output: lines of its measurement file and status texts of its log.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +20,8 @@ struct MeasurementRecord {
 class MeasurementReader {
 public:
     enum class Kind { Columns, Record, Unreadable };
-    // The column line tells where the fields of all later records stand; a record without one before it, with a field
-    // missing or with one that is not a number is unreadable.
+    // The line of column names gives the positions of the fields in all later records. A record is unreadable without
+    // such a line before it, or if a field is missing or not a number.
     Kind Read(const std::string& line, MeasurementRecord& record);
 
 private:
@@ -33,7 +33,7 @@ private:
     bool m_known = false;
 };
 
-// A status text with its moment, from one line of the system log: "UTC 2026-12-31 23:57:05.000000001 :: TEXT".
+// Date, time and text of a line of the system log: "UTC 2026-12-31 23:57:05.000000001 :: TEXT".
 struct StatusLine {
     std::string date;  // "2026-12-31"
     std::string time;  // "23:57:05"
@@ -41,7 +41,7 @@ struct StatusLine {
 };
 std::optional<StatusLine> ReadStatusLine(const std::string& line);
 
-// Whether a text is one that tells the progress of a cycle, and not any other log line.
+// Returns true if the text reports the progress of a cycle.
 bool IsCycleStatus(const std::string& text);
 
 // The display name in "Executing NAME Step"; nothing for other texts.
@@ -50,7 +50,7 @@ std::optional<std::string> StepOfStatus(const std::string& text);
 // The duty in percent of "End of Measurement Cycle: LED DutyCycle = ..."; nothing for other texts.
 std::optional<double> DutyOfStatus(const std::string& text);
 
-// The line that a person and a script read.
+// The result line of ./run.
 std::string ResultLine(const MeasurementRecord& record, double sample, double duty);
 
 }  // namespace Bench

@@ -12,9 +12,9 @@ namespace Bench {
 
 namespace {
 
-// Simulated time before the first cycle: the automatic start waits for silence, primes and settles.
+// Simulated seconds before the first cycle: the automatic start waits, primes and settles.
 constexpr double StartSeconds = 120.0;
-// Of a cycle beside its steps: homing and the trials of the LED adjustment.
+// Simulated seconds of a cycle in addition to its steps: homing and the LED adjustment.
 constexpr double CycleExtraSeconds = 60.0;
 constexpr double TimesExpected = 3.0;
 constexpr int PollMilliseconds = 50;

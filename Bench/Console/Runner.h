@@ -1,4 +1,4 @@
-// One run of the analyzer on the bench, from the empty folder to the last result. Used by one thread.
+// One run of the analyzer on the bench, from the empty folder to the last result. One thread.
 #pragma once
 
 #include <csignal>

@@ -1,5 +1,4 @@
-// The program behind ./run as a process: started, waited for, its output read. It writes into files, so that no pipe
-// fills.
+// ./run as a process: started, waited for, its output read. Its output goes to files, so no pipe can fill up.
 #pragma once
 
 #include <fcntl.h>

@@ -8,16 +8,15 @@ namespace Bench {
 
 namespace {
 
-// A random byte stream meets a reset every hundred reads or so, as a code. Without one for so long, it is asked for.
+// Random bytes contain the code of a reset about once in a hundred reads. After so long without one, it is requested.
 constexpr double SecondsWithoutReset = 900.0;
 constexpr double SecondsOfReset = 120.0;
 constexpr int FloodResetRequests = 10;
 
-// Somewhat more than one read of the analyzer's.
+// More than one read of the analyzer takes.
 constexpr std::uint32_t MaxPiece = 1200;
 
-// Of every four pieces on the test link one is a whole frame from these, with random fields, so that what lies behind
-// the numbers is met, too.
+// One in four pieces on the test link is a whole frame with one of these commands and random fields.
 struct CommandRange {
     std::uint32_t first;
     std::uint32_t last;
@@ -103,11 +102,11 @@ bool Flood::StillResets(std::string& trouble) {
     return false;
 }
 
-// The links are left alone meanwhile.
+// Sends nothing else meanwhile.
 bool Flood::ResetOnRequest() {
     for (int request = 0; request < FloodResetRequests; ++request) {
         m_system.AtFrontEnd().SendCode(FrontEnd::Reset);
-        // At a high speed it is the machine that a reset takes its time of.
+        // At a high speed a reset takes mainly real time.
         const double realSeconds = std::max(5.0, SecondsOfReset / m_system.OnBoard().Speed());
         if (m_system.AtFrontEnd().WaitForConnection(m_generations + 1, realSeconds)) {
             return true;

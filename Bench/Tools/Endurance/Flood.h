@@ -1,4 +1,4 @@
-// Random bytes on both links for a given time: nothing may end the program, stop it or make it grow.
+// Random bytes on both links for a given time. The analyzer must not end, stop or grow.
 #pragma once
 
 #include <chrono>
@@ -14,16 +14,17 @@ namespace Bench {
 struct FloodPlan {
     double seconds = 3600.0;  // of real time
     std::uint32_t seed = 1;
-    double rate = 50.0;  // pieces a second on each link
+    double rate = 50.0;  // pieces per second on each link
 };
 
 // One thread; once.
 class Flood {
 public:
-    // The system has been started, with a configuration that goes to the test state by itself.
+    // `system` has been started with StartInTestMode.
     Flood(SystemUnderTest& system, const FloodPlan& plan) : m_system(system), m_plan(plan), m_random(plan.seed) {}
 
-    // Until the time is over or something is wrong, which `trouble` then tells. Signals set `stop`.
+    // Runs until the time is over, `stop` is not 0 or something is wrong: then returns false with the reason in
+    // `trouble`.
     bool Run(const volatile int& stop, std::string& trouble);
     // The line of figures.
     std::string Describe() const;
@@ -48,7 +49,7 @@ private:
     double m_nextReading = 0.0;
     double m_lastGeneration = 0.0;  // seconds of the board
     std::size_t m_generations = 0;
-    std::uint64_t m_pieces = 0;  // sent on each link, or tried
+    std::uint64_t m_pieces = 0;  // that were to be sent on each link
     std::uint64_t m_frontEndBytes = 0;
     std::uint64_t m_testBytes = 0;
 };

@@ -83,7 +83,7 @@ Course FootprintSeries::CourseOf(const char* name, std::int64_t Footprint::*fiel
     std::vector<std::int64_t> values;
     for (const Footprint& footprint : m_footprints) {
         values.push_back(footprint.*field);
-        course.highest = std::max(course.highest, values.back());
+        course.max = std::max(course.max, values.back());
     }
     const auto warm = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 5);
     const std::ptrdiff_t third = (values.end() - warm) / 3;
@@ -94,8 +94,8 @@ Course FootprintSeries::CourseOf(const char* name, std::int64_t Footprint::*fiel
     const std::vector<std::int64_t> last(values.end() - third, values.end());
     course.first = MedianOf(first);
     course.last = MedianOf(last);
-    course.lowestFirst = *std::min_element(first.begin(), first.end());
-    course.lowestLast = *std::min_element(last.begin(), last.end());
+    course.minFirst = *std::min_element(first.begin(), first.end());
+    course.minLast = *std::min_element(last.begin(), last.end());
     course.allowed = static_cast<std::int64_t>(static_cast<double>(course.first) * share) + extra;
     return course;
 }
@@ -110,7 +110,7 @@ std::string FootprintSeries::Describe() const {
     for (const Course& course : Courses()) {
         text += (text.empty() ? "" : ", ") + course.name + " " + std::to_string(course.first) + " to " +
                 std::to_string(course.last) + (course.name == "memory" ? " KiB" : "") + " (peak " +
-                std::to_string(course.highest) + ")" + (course.IsFlat() ? "" : " GREW");
+                std::to_string(course.max) + ")" + (course.IsFlat() ? "" : " GREW");
     }
     return text;
 }

@@ -17,7 +17,7 @@ std::string FrontEndDate(std::int64_t seconds) {
     return std::string(text) + (date.tm_hour < 12 ? "am" : "pm");
 }
 
-void ResultLedger::Look(const std::vector<FrontEndFrame>& frames, double seconds) {
+void ResultLedger::Update(const std::vector<FrontEndFrame>& frames, double seconds) {
     for (const FrontEndFrame& frame : frames) {
         if (frame.Find("ChlorineValue")) {
             std::string date = frame.Find("DateValue").value_or("");
@@ -27,7 +27,7 @@ void ResultLedger::Look(const std::vector<FrontEndFrame>& frames, double seconds
         }
     }
     for (const DayFileTail::Line& line : m_files.Read()) {
-        TakeLine(line);
+        ReadLine(line);
     }
     const auto isFound = [this](const Missing& missing) {
         const auto record = m_records.find(missing.date);
@@ -43,7 +43,7 @@ void ResultLedger::Look(const std::vector<FrontEndFrame>& frames, double seconds
     m_pending.erase(std::remove_if(m_pending.begin(), m_pending.end(), isFound), m_pending.end());
 }
 
-void ResultLedger::TakeLine(const DayFileTail::Line& line) {
+void ResultLedger::ReadLine(const DayFileTail::Line& line) {
     const std::vector<std::string> fields = SplitAtCommas(line.text);
     const auto column = std::find(fields.begin(), fields.end(), "Seconds");
     if (column != fields.end()) {

@@ -1,4 +1,4 @@
-// Every result that the front end was told, until it has been found in a day file on the card. One thread.
+// Every result sent to the front end, until its record is found in a day file on the card. One thread.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 
 namespace Bench {
 
-// "@Tuesday March 05,02:14:07 pm", as the front end is told it, of a record's seconds; UTC.
+// A record's seconds in the form of the front end's link, UTC: "@Tuesday March 05,02:14:07 pm".
 std::string FrontEndDate(std::int64_t seconds);
 
 class ResultLedger {
 public:
-    // A result without a record, at the board's second when it was seen.
+    // A result without a record, and the board's second at which it came.
     struct Missing {
         std::string date;
         double seconds = 0.0;
@@ -25,18 +25,19 @@ public:
 
     ResultLedger(const std::string& card, const std::string& fileName) : m_files(card, fileName) {}
 
-    // Frames that have come since the last call, seen at that second of the board, and then the day files.
-    void Look(const std::vector<FrontEndFrame>& frames, double seconds);
+    // Takes the frames received since the last call, at that second of the board, and then the new lines of the day
+    // files.
+    void Update(const std::vector<FrontEndFrame>& frames, double seconds);
 
     std::uint64_t Reported() const { return m_reported; }
     std::uint64_t Recorded() const { return m_recorded; }  // of those reported
     const std::deque<Missing>& Pending() const { return m_pending; }
-    void Forgive() { m_pending.pop_front(); }  // the oldest
-    // Why a line of a day file was no record, or stood in another day's file; empty where all was well.
+    void DropOldest() { m_pending.pop_front(); }
+    // Why a line of a day file is not a record; empty if all are.
     const std::string& Trouble() const { return m_trouble; }
 
 private:
-    void TakeLine(const DayFileTail::Line& line);
+    void ReadLine(const DayFileTail::Line& line);
 
     DayFileTail m_files;
     std::deque<Missing> m_pending;

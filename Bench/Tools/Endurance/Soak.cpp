@@ -11,12 +11,12 @@ namespace {
 
 constexpr double SecondsOfDay = 86400.0;
 
-// Of real time, since it is the machine that they are given to: until a record is on the card, until a reset is done.
+// Real seconds until a record is on the card and until a reset is done: both depend on the machine.
 constexpr double RecordTimeout = 10.0;
 constexpr double ResetTimeout = 2.0;
-constexpr int SoakResetRequests = 30;  // one that comes together with another button isn't seen
+constexpr int SoakResetRequests = 30;  // one together with another button is lost
 
-// Simulated seconds without a result until the analyzer is told to run, is reset, and is given up.
+// Simulated seconds without a result until the analyzer is set to running, is reset, and has failed.
 constexpr double RunAgain = 1500.0;
 constexpr double ResetAgain = 6000.0;
 constexpr double GiveUp = 60000.0;
@@ -65,17 +65,17 @@ bool Soak::Run(const volatile int& stop, std::string& trouble) {
 
 bool Soak::Tick(std::string& trouble) {
     Measure();
-    Look();
+    Poll();
     if (!m_system.StaysUp(trouble) || !JudgeResults(trouble) || !KeepGoing(trouble)) {
         return false;
     }
-    // A machine that falls behind the plan makes it longer and not denser.
+    // A slow machine makes the plan longer, not denser.
     const double now = m_system.OnBoard().Seconds();
     if (m_next.second + m_delay > now) {
         return true;
     }
     m_delay = now - m_next.second;
-    const bool isWell = Do(m_next, trouble);
+    const bool isWell = Perform(m_next, trouble);
     m_delay += m_next.action == SoakAction::Reset ? m_system.OnBoard().Seconds() - now : 0.0;
     m_next = m_plan.Next();
     return isWell;
@@ -93,7 +93,7 @@ void Soak::Measure() {
     m_system.LimitOutput(MaxOutputBytes);
 }
 
-void Soak::Look() {
+void Soak::Poll() {
     std::vector<FrontEndFrame> frames;
     while (std::optional<FrontEndFrame> frame =
                m_system.AtFrontEnd().WaitForValue("ChlorineValue", std::nullopt, m_frames, 0.0)) {
@@ -102,15 +102,15 @@ void Soak::Look() {
     const double now = m_system.OnBoard().Seconds();
     if (!frames.empty()) {
         m_lastResult = now;
-        m_nudged = now;
+        m_lastReset = now;
     }
-    m_ledger.Look(frames, now);
+    m_ledger.Update(frames, now);
     while (m_system.AtStation().TakeAnswer(0.0)) {
         ++m_answers;
     }
 }
 
-bool Soak::Do(const SoakEvent& event, std::string& trouble) {
+bool Soak::Perform(const SoakEvent& event, std::string& trouble) {
     m_events << event.Describe() << std::endl;
     Board& board = m_system.OnBoard();
     switch (event.action) {
@@ -139,17 +139,17 @@ bool Soak::Do(const SoakEvent& event, std::string& trouble) {
     return true;
 }
 
-// What has been reported first comes to the card: a reset drops what still stands in the queue of the logging.
+// A reset drops what is still queued for logging, so all reported results have to be on the card first.
 bool Soak::Reset(bool byStation, std::string& trouble) {
     if (!SettleResults(trouble)) {
         return false;
     }
     m_resetBegin = m_system.OnBoard().Seconds();
     for (int request = 0; request < SoakResetRequests; ++request) {
-        // The station is heard in the test state alone.
+        // The station's command works only in the test state.
         if (TryReset(byStation && request == 0)) {
             ++m_resets;
-            Look();
+            Poll();
             m_resetEnd = m_system.OnBoard().Seconds();
             return true;
         }
@@ -181,12 +181,12 @@ bool Soak::KeepGoing(std::string& trouble) {
         trouble = "no result in " + std::to_string(static_cast<int>(GiveUp)) + " simulated seconds";
         return false;
     }
-    if (now - m_nudged > ResetAgain) {
-        m_nudged = now;
+    if (now - m_lastReset > ResetAgain) {
+        m_lastReset = now;
         return Reset(false, trouble);
     }
-    if (now - std::max(m_lastResult, m_asked) > RunAgain) {
-        m_asked = now;
+    if (now - std::max(m_lastResult, m_runRequested) > RunAgain) {
+        m_runRequested = now;
         m_system.AtFrontEnd().SendCode(FrontEnd::Running);
     }
     return true;
@@ -210,16 +210,16 @@ bool Soak::JudgeResults(std::string& trouble) {
         } else if (IsExcused(oldest)) {
             ++m_excused;
         } else {
-            trouble = "the result " + oldest.date + " stands in no day file";
+            trouble = "the result " + oldest.date + " is in no day file";
             return false;
         }
-        m_ledger.Forgive();
+        m_ledger.DropOldest();
     }
     trouble = m_ledger.Trouble();
     return trouble.empty();
 }
 
-// Waits for the records of what has been reported so far, unless the card is in trouble.
+// Waits for the records of the results reported so far, unless the card has a fault.
 bool Soak::SettleResults(std::string& trouble) {
     const double begin = m_system.OnBoard().Seconds();
     const auto isAwaited = [&](const ResultLedger::Missing& result) {
@@ -230,12 +230,12 @@ bool Soak::SettleResults(std::string& trouble) {
             return false;
         }
         SleepMilliseconds(TickMilliseconds);
-        Look();
+        Poll();
     }
     return true;
 }
 
-// Hours are saved every two, from the first second of running on; the clock's jumps put that off.
+// The hours are saved every two hours of running; each jump of the clock delays that.
 bool Soak::SavedHours(std::string& trouble) {
     if (!(m_goals.days > 0.0)) {
         return true;
@@ -247,7 +247,7 @@ bool Soak::SavedHours(std::string& trouble) {
     m_hours = hours ? std::strtod(hours->c_str(), nullptr) : -1.0;
     const double passed = m_system.OnBoard().Seconds() / 3600.0;
     if (m_hours > passed || m_hours < passed - 4.0 - m_setBack / 3600.0) {
-        trouble = "the saved hours don't fit the " + std::to_string(passed) + " that have passed";
+        trouble = "the saved hours don't match the " + std::to_string(passed) + " that have passed";
         return false;
     }
     return true;

@@ -1,5 +1,5 @@
-// The analyzer under commands and faults of a plan until so many cycles, resets or simulated days have passed: it may
-// not end, has to obey each reset, may not grow, and every result that it told the front end has to be in a day file.
+// The analyzer under the commands and faults of a plan, until so many cycles, resets or simulated days have passed. It
+// must not end or grow, must obey each reset, and must record every result that it sends to the front end.
 #pragma once
 
 #include <chrono>
@@ -24,10 +24,11 @@ struct SoakGoals {
 // One thread; once.
 class Soak {
 public:
-    // The system has been started.
+    // `system` has been started.
     Soak(SystemUnderTest& system, std::uint32_t seed, const SoakGoals& goals);
 
-    // Until all goals are met, or something is wrong, which `trouble` then tells. Signals set `stop`.
+    // Runs until all goals are met, `stop` is not 0 or something is wrong: then returns false with the reason in
+    // `trouble`.
     bool Run(const volatile int& stop, std::string& trouble);
     // The line of figures.
     std::string Describe() const;
@@ -37,7 +38,7 @@ private:
 
     bool IsDone() const;
     bool Tick(std::string& trouble);
-    bool Do(const SoakEvent& event, std::string& trouble);
+    bool Perform(const SoakEvent& event, std::string& trouble);
     bool Reset(bool byStation, std::string& trouble);
     bool TryReset(bool byStation);
     bool KeepGoing(std::string& trouble);
@@ -45,35 +46,35 @@ private:
     bool IsExcused(const ResultLedger::Missing& result) const;
     bool SettleResults(std::string& trouble);
     bool SavedHours(std::string& trouble);
-    void Look();
+    void Poll();
     void Measure();
 
     SystemUnderTest& m_system;
     const SoakGoals m_goals;
     SoakPlan m_plan;
     SoakEvent m_next;
-    double m_delay = 0.0;  // seconds that the plan is late by
+    double m_delay = 0.0;  // of the plan, in seconds
     ResultLedger m_ledger;
     FootprintSeries m_series;
-    std::ofstream m_events;  // those that have happened, in the bench folder
+    std::ofstream m_events;  // those so far, in the bench folder
     Clock::time_point m_start = Clock::now();
     double m_nextReading = 0.0;
-    std::size_t m_frames = 0;  // looked at
+    std::size_t m_frames = 0;  // read
     std::uint64_t m_resets = 0;
     std::uint64_t m_faults = 0;
     std::uint64_t m_commands = 0;
-    std::uint64_t m_excused = 0;  // results without a record while the card was in trouble
-    std::uint64_t m_cut = 0;      // in the very moment of a reset
+    std::uint64_t m_excused = 0;  // results without a record during a fault of the card
+    std::uint64_t m_cut = 0;      // during a reset
     double m_lastResult = 0.0;
-    double m_asked = 0.0;   // to run
-    double m_nudged = 0.0;  // by a reset
+    double m_runRequested = 0.0;
+    double m_lastReset = 0.0;  // for want of results
     double m_resetBegin = -1.0;
     double m_resetEnd = -1.0;
     std::size_t m_answers = 0;
     int m_cardFaults = 0;
     double m_cardFaultEnd = -1e9;
     double m_hours = 0.0;    // as saved
-    double m_setBack = 0.0;  // seconds, of the clock
+    double m_setBack = 0.0;  // seconds of clock-back
 };
 
 }  // namespace Bench

@@ -47,7 +47,7 @@ CommandLine SoakCommandLine(SoakOptions& options) {
     return line;
 }
 
-// In the test state, which is entered after each reset, the test link is up. Of the log only faults are needed.
+// After a reset the analyzer enters the test state, in which the test link works. The log needs only severe errors.
 const SettingList Settings = {{"StartInTestMode", "true"}, {"LoggingLevel", "CRITICAL_LOG_LEVEL"}};
 
 int Run(const SoakOptions& options) {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int Buttons[] = {1, 2, 2, 2, 4, 8, 0, 99, -1};
 
-// Command, and whether it takes a value that brings the test state back.
+// A command, and whether it takes a time after which the test state comes back.
 struct StationCommand {
     std::uint16_t command;
     bool isTimed;
@@ -28,8 +28,8 @@ std::string NameOf(const std::string& fault) { return fault.substr(0, fault.find
 
 }  // namespace
 
-// All that the board knows but a cut of the front end's link, which ends the process by a broken pipe as it has to, and
-// card-in, which is the end of card-out.
+// All faults but a cut of the front end's link, which ends the process by a broken pipe as required, and card-in, which
+// is the end of card-out.
 const std::vector<std::string>& SoakPlan::Faults() {
     static const std::vector<std::string> faults = {
         "gpio-missing",
@@ -126,7 +126,7 @@ TestRequest SoakPlan::DrawRequest() {
     TestRequest request;
     request.command = row.command;
     request.count = m_random.Below(3);
-    // Never so short that commands follow each other without a pause.
+    // Long enough for a pause between two commands.
     request.value = row.isTimed || request.count > 1 ? static_cast<double>(m_random.Between(20, 200)) : 0.0;
     if (request.command == 30200 && m_random.OneIn(2)) {
         request.data = m_random.Bytes(m_random.Between(1, 20));

@@ -1,5 +1,5 @@
-// What happens to the analyzer in a soak, drawn from the seed alone: at which second of the board's clock which button,
-// which command of the test station, which fault comes or goes. One thread.
+// The events of a soak, drawn from the seed alone: which button, test command or fault at which second of the board.
+// One thread.
 #pragma once
 
 #include <queue>
@@ -18,13 +18,13 @@ struct SoakEvent {
     SoakAction action = SoakAction::Button;
     int code = 0;            // of a button
     TestRequest request;     // of the station
-    std::string fault;       // on: as the board takes it; off: its name
-    bool byStation = false;  // of a reset: command 860, where the link is up
+    std::string fault;       // on: with its value; off: its name
+    bool byStation = false;  // of a reset: command 860 if the link is up
 
     std::string Describe() const;  // "12.5 button 2"
 };
 
-// Mean distances in simulated seconds.
+// Mean intervals in simulated seconds.
 struct SoakPace {
     double events = 60.0;
     double resets = 7200.0;

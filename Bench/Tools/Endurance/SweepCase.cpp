@@ -20,20 +20,20 @@ namespace {
 constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
 constexpr int PollMilliseconds = 5;
 
-// Deadlines in simulated seconds, many times what each takes. A machine without time for us is waited for, too: nothing
-// is given up before as many real seconds.
-constexpr double StartDeadline = 200.0;
-constexpr double ResultDeadline = 900.0;
-constexpr double ResetDeadline = 200.0;
-constexpr double RealDeadline = 30.0;
-constexpr double RealResultDeadline = 10.0;  // no verdict depends on a result
+// Timeouts in simulated seconds, many times what each takes; none expires before as many real seconds.
+constexpr double StartTimeout = 200.0;
+constexpr double ResultTimeout = 900.0;
+constexpr double ResetTimeout = 200.0;
+constexpr double RealTimeout = 30.0;
+constexpr double RealResultTimeout = 10.0;  // no outcome depends on a result
 constexpr int SweepResetRequests = 3;
 
-// A station that lost a part of an answer can't tell where the next one begins: it connects anew.
+// After a lost part of an answer the station does not find the next one: it closes the link, and the analyzer connects
+// again.
 constexpr double AnswerTimeout = 0.2;  // real seconds
-constexpr int AsksOfAConnection = 12;
+constexpr int RequestsPerConnection = 12;
 
-// A day file that is there already, with a record of an hour before.
+// An existing day file, with a record of an hour before.
 constexpr char DayFile[] = "/2026-12-31_Measurement.csv";
 const std::string& EarlierRecords() {
     static const std::string records =
@@ -63,28 +63,28 @@ int ErrorOf(const std::string& kind) {
     return EIO;
 }
 
-// Without the one that may be in writing.
+// Without a last line that is incomplete.
 std::string WholeLines(const std::string& text) { return text.substr(0, text.rfind('\n') + 1); }
 
-// What a library says before it ends a program whose memory or objects are damaged, as no failed call may leave them.
+// What a library prints before it ends a program with damaged memory or objects.
 constexpr const char* Damages[] = {
     "free(): ",    "malloc(): ", "realloc(): ", "malloc_consolidate(): ",
     "double free", "corrupted",  "smashing",    "pure virtual",
     "Fatal glibc", "Assertion ", "assertion ",  "without an active exception",
 };
 
-// It may end by an uncaught exception, by a setting that is missing or where the front end's link breaks in a write,
-// each with a line that tells of it, or with the status of a start that failed; and in no other way.
-bool IsNamedEnd(int code, const std::string& told) {
+// It may end by an uncaught exception, a missing setting or a broken front end link, each with a line that reports it,
+// or with the status of a failed start.
+bool IsNamedEnd(int code, const std::string& reported) {
     constexpr int FailedStart = 255;
     for (const char* damage : Damages) {
-        if (told.find(damage) != std::string::npos) {
+        if (reported.find(damage) != std::string::npos) {
             return false;
         }
     }
     const bool isSignal = code > 128 && code < 128 + NSIG;
     const bool isAllowed = isSignal ? code == 128 + SIGABRT || code == 128 + SIGPIPE : code > 0;
-    return code == FailedStart || (isAllowed && !told.empty());
+    return code == FailedStart || (isAllowed && !reported.empty());
 }
 
 // Every step lasts a second at most, so a cycle takes half a minute.
@@ -93,16 +93,16 @@ std::optional<std::string> ShortDuration(const SettingsItem& item) {
     return item.name == "Duration" ? std::optional(std::to_string(milliseconds)) : std::nullopt;
 }
 
-// Until the condition, the end of the program or both deadlines.
+// Waits for the condition, the end of the program or both timeouts.
 template <typename Condition>
-bool WaitFor(SystemUnderTest& system, double seconds, Condition condition, double realDeadline = RealDeadline) {
+bool WaitFor(SystemUnderTest& system, double seconds, Condition condition, double realTimeout = RealTimeout) {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point begin = Clock::now();
     const double last = system.OnBoard().Seconds() + seconds;
     std::string end;
     while (!condition()) {
         const double real = std::chrono::duration<double>(Clock::now() - begin).count();
-        if ((system.OnBoard().Seconds() > last && real > realDeadline) || system.HasEnded(end)) {
+        if ((system.OnBoard().Seconds() > last && real > realTimeout) || system.HasEnded(end)) {
             return condition();
         }
         SleepMilliseconds(PollMilliseconds);
@@ -112,7 +112,7 @@ bool WaitFor(SystemUnderTest& system, double seconds, Condition condition, doubl
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
-// What the player's two processes say at its start ends no line, so that anything may follow it there.
+// The player's two processes print at their start without a line end, so any text may follow.
 void EraseSounds(std::string& textWithoutDigits) {
     for (const std::string start :
          {"In Parent Process: Own pid =  and Child pid = ", "In Child Process: Own pid =  and Parent pid = "}) {
@@ -147,7 +147,7 @@ bool SweepCase::Prepare(SystemUnderTest& system, std::string& trouble) const {
     setup.speed = m_speed;
     setup.startSeconds = StartSeconds;
     setup.noise = false;
-    // Any value is an alert, so that there is a sound.
+    // Any value raises an alert, so there is a sound.
     const SettingList settings = {
         {"StartInTestMode", "true"}, {"LoggingLevel", "ERROR_LOG_LEVEL"}, {"AlertLevel", "-1.0"}};
     if (!system.ReadSettings(m_places, trouble)) {
@@ -168,10 +168,10 @@ bool SweepCase::RunBaseline(SweepBaseline& baseline, std::string& trouble) {
     }
     const Course course = Live(system);
     if (!course.hasRecord || !Reset(system)) {
-        trouble = "the run without a failure goes wrong: " + course.end;
+        trouble = "the run without a failure fails: " + course.end;
         return false;
     }
-    // Threads of a start that end by themselves have gone by then.
+    // By then the threads that end after a start have ended.
     const double settled = system.OnBoard().Seconds() + 100.0;
     WaitFor(system, 101.0, [&] { return system.OnBoard().Seconds() > settled; });
     baseline.footprint = system.Measure().value_or(Footprint{});
@@ -201,34 +201,34 @@ SweepReport SweepCase::Try(const std::string& kind, int n, const SweepBaseline& 
     const std::string records = ReadWholeFile(system.Card() + DayFile).value_or("");
     for (const std::string& earlier : {EarlierRecords(), course.records}) {
         if (records.compare(0, earlier.size(), earlier) != 0) {
-            report = {SweepOutcome::RecordLost, "the day file doesn't begin with what it held"};
+            report = {SweepOutcome::RecordLost, "the day file doesn't begin with its earlier records"};
         }
     }
     return report;
 }
 
-// A start, the test state, one cycle with a sound behind it.
+// A start, the test state, one cycle and its sound.
 SweepCase::Course SweepCase::Live(SystemUnderTest& system) const {
     Course course;
     const auto hasValue = [&] {
-        std::size_t behind = 0;
-        return system.AtFrontEnd().WaitForValue("ChlorineValue", std::nullopt, behind, 0.0).has_value();
+        std::size_t seen = 0;
+        return system.AtFrontEnd().WaitForValue("ChlorineValue", std::nullopt, seen, 0.0).has_value();
     };
     const std::size_t written = EarlierRecords().size();
-    course.isConnected = WaitFor(system, StartDeadline, [&] { return system.AtFrontEnd().Connections() > 0; });
-    course.isInTestState = course.isConnected && ReachTestState(system, 1, StartDeadline);
+    course.isConnected = WaitFor(system, StartTimeout, [&] { return system.AtFrontEnd().Connections() > 0; });
+    course.isInTestState = course.isConnected && ReachTestState(system, 1, StartTimeout);
     if (course.isConnected) {
-        // The automatic start takes 65 seconds, in which the top controller hears nothing.
+        // The automatic start takes 65 seconds, in which the top controller reads no command.
         for (int request = 0; request < SweepResetRequests && !course.hasResult; ++request) {
             system.AtFrontEnd().SendCode(FrontEnd::Running);
-            course.hasResult = WaitFor(system, ResultDeadline / SweepResetRequests, hasValue, RealResultDeadline);
+            course.hasResult = WaitFor(system, ResultTimeout / SweepResetRequests, hasValue, RealResultTimeout);
         }
     }
     const auto hasRecord = [&] {
         std::error_code problem;
         return std::filesystem::file_size(system.Card() + DayFile, problem) > written && !problem;
     };
-    course.hasRecord = WaitFor(system, course.hasResult ? 60.0 : 1.0, hasRecord, RealResultDeadline);
+    course.hasRecord = WaitFor(system, course.hasResult ? 60.0 : 1.0, hasRecord, RealResultTimeout);
     course.records = WholeLines(ReadWholeFile(system.Card() + DayFile).value_or(""));
     course.hasEnded = system.HasEnded(course.end);
     return course;
@@ -242,14 +242,14 @@ bool SweepCase::ReachTestState(SystemUnderTest& system, std::size_t generation, 
         }
         const auto answer = system.AtStation().Ask(RequestOf(840), AnswerTimeout);
         const auto text = answer ? DecodeTestText(answer->data) : std::nullopt;
-        if (!answer && ++unanswered % AsksOfAConnection == 0) {
+        if (!answer && ++unanswered % RequestsPerConnection == 0) {
             system.AtStation().Disconnect();
         }
         return text && text->text == "TEST_STATE";
     });
 }
 
-// By either link, up to the test state of the next generation.
+// Resets by either link and waits for the test state.
 bool SweepCase::Reset(SystemUnderTest& system) const {
     const std::size_t generation = system.AtFrontEnd().Connections();
     const std::size_t station = system.AtStation().Connections();
@@ -258,16 +258,16 @@ bool SweepCase::Reset(SystemUnderTest& system) const {
         if (request % 2 == 1 || !system.AtFrontEnd().SendCode(FrontEnd::Reset)) {
             system.AtStation().SendRequest(RequestOf(860));
         }
-        if (WaitFor(system, ResetDeadline, isUp)) {
-            return ReachTestState(system, station + 1, StartDeadline);
+        if (WaitFor(system, ResetTimeout, isUp)) {
+            return ReachTestState(system, station + 1, StartTimeout);
         }
     }
     return false;
 }
 
 bool SweepCase::Settles(SystemUnderTest& system, const Footprint& wanted, Footprint& seen) const {
-    return WaitFor(system, StartDeadline, [&] {
-        // The last answer holds the link that its question came by, up to the next one.
+    return WaitFor(system, StartTimeout, [&] {
+        // The link of the last request stays open until the next one.
         system.AtStation().Ask(RequestOf(840), AnswerTimeout);
         seen = system.Measure().value_or(Footprint{});
         return seen.descriptors <= wanted.descriptors && seen.threads <= wanted.threads &&
@@ -289,33 +289,33 @@ SweepReport SweepCase::Judge(SystemUnderTest& system, const Course& course, cons
                                         std::to_string(seen.threads) + ", zombies " + std::to_string(seen.zombies)};
     }
     const std::set<std::string> lines = NewLines(system, baseline);
-    const std::string told = lines.empty() ? "" : *lines.begin();
+    const std::string reported = lines.empty() ? "" : *lines.begin();
     if (!course.isConnected || !course.isInTestState) {
-        return {SweepOutcome::LinkLost, told};
+        return {SweepOutcome::LinkLost, reported};
     }
     if (!course.hasResult || !course.hasRecord) {
-        return {SweepOutcome::ResultLost, told};
+        return {SweepOutcome::ResultLost, reported};
     }
-    return {lines.empty() ? SweepOutcome::Unnoticed : SweepOutcome::Reported, told};
+    return {lines.empty() ? SweepOutcome::Unnoticed : SweepOutcome::Reported, reported};
 }
 
-// It has ended, or no link brings a reset through: what a supervisor or a person does.
+// It has ended, or no link takes a reset: acts as a supervisor.
 SweepReport SweepCase::Recover(SystemUnderTest& system, const Course& course, const SweepBaseline& baseline) const {
     std::string end = course.end;
     const bool hasEnded = course.hasEnded || system.HasEnded(end);
-    std::string told;
+    std::string reported;
     for (const std::string& line : NewLines(system, baseline)) {
-        told += (told.empty() ? "" : " | ") + line;
+        reported += (reported.empty() ? "" : " | ") + line;
     }
-    if (hasEnded && !IsNamedEnd(system.EndCode(), told)) {
-        return {SweepOutcome::Crashed, end + ": " + told};
+    if (hasEnded && !IsNamedEnd(system.EndCode(), reported)) {
+        return {SweepOutcome::Crashed, end + ": " + reported};
     }
     const std::size_t station = system.AtStation().Connections();
     std::string trouble;
-    if (!system.Restart(trouble) || !ReachTestState(system, station + 1, StartDeadline) || !Reset(system)) {
-        return {SweepOutcome::Hung, end + ", " + told};
+    if (!system.Restart(trouble) || !ReachTestState(system, station + 1, StartTimeout) || !Reset(system)) {
+        return {SweepOutcome::Hung, end + ", " + reported};
     }
-    return {hasEnded ? SweepOutcome::Restarted : SweepOutcome::Stuck, (hasEnded ? end + ": " : "") + told};
+    return {hasEnded ? SweepOutcome::Restarted : SweepOutcome::Stuck, (hasEnded ? end + ": " : "") + reported};
 }
 
 std::set<std::string> SweepCase::Lines(const SystemUnderTest& system) {
@@ -327,7 +327,7 @@ std::set<std::string> SweepCase::Lines(const SystemUnderTest& system) {
             text.erase(std::remove_if(text.begin(), text.end(), IsDigit), text.end());
             EraseSounds(text);
             const std::size_t moment = text.find(" :: ");
-            // Up to the level's setting the error stream has the lines of the log, too.
+            // Until the log level is set, the error stream has the lines of the log too.
             const bool isOfLog = path == system.Log() || text.rfind("Vernicor[", 0) == 0;
             text.erase(0, isOfLog && moment != std::string::npos ? moment + 4 : 0);
             lines.insert(text);
@@ -336,8 +336,8 @@ std::set<std::string> SweepCase::Lines(const SystemUnderTest& system) {
     return lines;
 }
 
-// Those that no run without a failure had, and that are neither the routine of a start, of which the log has some now
-// and then before its level is set, nor that of a reset in the midst of the next cycle.
+// Lines of no run without a failure, and neither the routine of a start, which is in the log until its level is set,
+// nor that of a reset during the next cycle.
 std::set<std::string> SweepCase::NewLines(const SystemUnderTest& system, const SweepBaseline& baseline) {
     std::set<std::string> lines = Lines(system);
     for (const std::string& line : baseline.lines) {

@@ -1,4 +1,4 @@
-// One start, cycle, reset and stop of the analyzer on a fresh board, with one call made to fail.
+// One start, cycle, reset and stop of the analyzer on a fresh board, with one failed call.
 #pragma once
 
 #include <map>
@@ -10,18 +10,18 @@
 
 namespace Bench {
 
-// The best first. From `Restarted` on the analyzer needed its supervisor; from `Crashed` on it did what it may not.
+// The best first. From `Restarted` on a supervisor is needed; from `Crashed` on the outcome is not allowed.
 enum class SweepOutcome {
-    NotReached,  // so many calls were not made that time, so none has failed
-    Unnoticed,   // all as without the failure
+    NotReached,  // fewer calls were made, so none failed
+    Unnoticed,   // as without the failure
     Reported,    // the same, and a line of the log or the console reports it
-    ResultLost,  // no result, or no record of it; after the reset all is well
-    LinkLost,    // a link was missing; after the next reset all is well
-    Restarted,   // it ended with a named error; started again, all is well
-    Stuck,       // a link was missing and no reset came through: a new start was needed; then all is well
-    Crashed,     // it ended otherwise
-    Hung,        // it went on and nothing brought it back
-    Grew,        // descriptors, threads or children are left over
+    ResultLost,  // no result, or no record of it; well after the reset
+    LinkLost,    // a link was missing; well after the next reset
+    Restarted,   // it ended with a named error; well after a restart
+    Stuck,       // no link was left for a reset; well after a restart
+    Crashed,     // it ended in any other way
+    Hung,        // nothing brought it back
+    Grew,        // more descriptors, threads or children than before
     RecordLost,  // an earlier record is missing on the card
     Count
 };
@@ -30,14 +30,14 @@ bool IsAllowed(SweepOutcome outcome);
 
 struct SweepReport {
     SweepOutcome outcome = SweepOutcome::Unnoticed;
-    std::string detail;  // what was told, or what is wrong
+    std::string detail;  // the reported line, or what is wrong
 };
 
-// What a run without a failure is like.
+// A run without a failure.
 struct SweepBaseline {
     std::map<std::string, std::uint64_t> calls;  // by kind
     std::set<std::string> lines;                 // of log and console, without digits
-    Footprint footprint;                         // in the test state behind the reset
+    Footprint footprint;                         // in the test state after the reset
 };
 
 // One thread; a run at a time.
@@ -45,7 +45,7 @@ class SweepCase {
 public:
     SweepCase(const Places& places, double speed) : m_places(places), m_speed(speed) {}
 
-    // False with a sentence in `trouble` where even that goes wrong.
+    // Returns false with the reason in `trouble` if that run fails.
     bool RunBaseline(SweepBaseline& baseline, std::string& trouble);
     SweepReport Try(const std::string& kind, int n, const SweepBaseline& baseline);
 
@@ -56,7 +56,7 @@ private:
         bool hasResult = false;
         bool hasRecord = false;
         bool hasEnded = false;
-        std::string records;  // of the day file by then, whole lines
+        std::string records;  // whole lines of the day file by then
         std::string end;
     };
 

@@ -1,5 +1,5 @@
-// What a sweep's jobs, which are processes, share: which trial is next, and how those that were begun have ended.
-// Any process that was forked after its making; one thread in each.
+// The state that the processes of a sweep share: the next trial, and the outcomes. One thread in each process forked
+// after its construction.
 #pragma once
 
 #include <atomic>
@@ -17,12 +17,12 @@ public:
     SweepLedger(const SweepLedger&) = delete;
     SweepLedger& operator=(const SweepLedger&) = delete;
 
-    bool IsMade() const { return m_next != nullptr; }  // false: no memory; nothing else may be called
+    bool IsMade() const { return m_next != nullptr; }  // false: no memory, and no other call is allowed
 
-    // The next that nobody has begun; nothing where there is none. It counts as hung until it is noted.
+    // The next trial that is not yet started, if any. Its outcome is Hung until Note.
     std::optional<std::size_t> Begin();
     void Note(std::size_t trial, SweepOutcome outcome);
-    // Nothing where it was never begun.
+    // Nothing if it was not started.
     std::optional<SweepOutcome> OutcomeOf(std::size_t trial) const;
 
 private:
@@ -33,7 +33,7 @@ private:
 
     const std::size_t m_trials;
     Word* m_next = nullptr;      // 0 to m_trials and above
-    Word* m_outcomes = nullptr;  // 0: never begun; else 1 and the outcome
+    Word* m_outcomes = nullptr;  // 0: not started; else 1 and the outcome
 };
 
 }  // namespace Bench

@@ -53,7 +53,7 @@ CommandLine SweepCommandLine(Options& options) {
         return std::find(known.begin(), known.end(), value) != known.end();
     };
     line.Add("--kind NAME", "one of " + Joined(known), takeKind, "only this kind of call; may be repeated (all)");
-    line.AddNumber<std::uint64_t>("--most N", 0, 1000000, options.choice.most,
+    line.AddNumber<std::uint64_t>("--most N", 0, 1000000, options.choice.max,
                                   "at most N calls of each kind, evenly spread (all)");
     line.AddNumber<std::uint64_t>("--number N", 1, 1000000, options.choice.number,
                                   "only the Nth call of each kind (all)");
@@ -66,7 +66,7 @@ CommandLine SweepCommandLine(Options& options) {
     return line;
 }
 
-// One job: trial after trial, each told at once and noted for the parent.
+// One job: runs trial after trial, prints each outcome and notes it for the parent.
 void RunJob(const Options& options, Places places, const SweepBaseline& baseline, const std::vector<SweepTrial>& trials,
             SweepLedger& ledger, std::uint64_t job) {
     using Clock = std::chrono::steady_clock;
@@ -93,7 +93,7 @@ void RunJob(const Options& options, Places places, const SweepBaseline& baseline
     }
 }
 
-// Each job is a process: what one starts must not hold the other's descriptors.
+// Each job is a process: the program of one must not inherit the descriptors of another.
 void RunTrials(const Options& options, const Places& places, const SweepBaseline& baseline,
                const std::vector<SweepTrial>& trials, SweepLedger& ledger) {
     std::vector<pid_t> workers;
@@ -155,7 +155,7 @@ int main(int count, char** arguments) {
     first.bench += "/baseline";
     SweepBaseline baseline;
     std::string trouble;
-    // Three times, since the lines of a start are not always the same.
+    // Three times, because the lines of a start vary.
     std::map<std::string, std::vector<double>> counts;
     for (int time = 0; time < Baselines; ++time) {
         if (!SweepCase(first, options.speed).RunBaseline(baseline, trouble)) {

@@ -6,9 +6,9 @@ namespace Bench {
 
 namespace {
 
-constexpr std::uint64_t SeedStep = 2654435761;  // 2^32 over the golden ratio: neighbouring seeds begin far apart
+constexpr std::uint64_t SeedStep = 2654435761;  // 2^32 over the golden ratio: neighboring seeds start far apart
 
-// The lowest `bits` bits the other way round: counted up, they halve what is left again and again.
+// The lowest `bits` bits in reverse order: counting up halves the remaining gaps again and again.
 std::uint32_t Reversed(std::uint32_t number, unsigned bits) {
     std::uint32_t reversed = 0;
     for (unsigned bit = 0; bit < bits; ++bit) {
@@ -22,8 +22,8 @@ std::vector<int> ChosenNumbers(std::uint64_t calls, const SweepChoice& choice) {
         return choice.number <= calls ? std::vector<int>{static_cast<int>(choice.number)} : std::vector<int>{};
     }
     std::vector<int> numbers = SpreadOrder(static_cast<std::uint32_t>(calls), choice.seed);
-    if (choice.most > 0 && numbers.size() > choice.most) {
-        numbers.resize(static_cast<std::size_t>(choice.most));
+    if (choice.max > 0 && numbers.size() > choice.max) {
+        numbers.resize(static_cast<std::size_t>(choice.max));
     }
     return numbers;
 }

@@ -55,14 +55,14 @@ bool ReadStep(const std::string& name, const Items& items, StepSettings& step, s
 
 int ReadingsOf(const StepSettings& step) { return static_cast<int>(std::ceil(step.duration / ReadingMilliseconds)); }
 
-// Up to the next rising edge of the flag, at the whole number of steps a second nearest below, and 5 degrees past it.
+// To the next rising edge of the flag, at a whole number of steps per second, and 5 degrees past it.
 double HomingMilliseconds(double pumpAngle, double speed) {
     const double frequency = std::floor(speed * StepsPerTurn / DegreesPerTurn);
     const double toEdge = (DegreesPerTurn - pumpAngle) / DegreesPerTurn * StepsPerTurn / frequency * 1000.0;
     return toEdge + std::floor(DegreesPastHome / speed * 1000.0);
 }
 
-// A turn takes the time of the whole angle, however little of it is left, but no longer than the step.
+// A turn takes the time of its whole angle, even if less of it is left, but not longer than the step.
 double TurnMilliseconds(const StepSettings& step) {
     const bool slow = std::floor(step.motorAngle) < step.motorSpeed;
     const double whole = slow && step.motorAngle < 1.0 ? 0.0 : step.motorAngle / step.motorSpeed * 1000.0;
@@ -78,7 +78,7 @@ double PumpMilliseconds(const StepSettings& step, double& pumpAngle) {
         pumpAngle = DegreesPastHome;
         return homing;
     }
-    pumpAngle = DegreesPastHome + step.motorAngle;  // angles count from where homing ended
+    pumpAngle = DegreesPastHome + step.motorAngle;  // angles count from the end of homing
     return TurnMilliseconds(step);
 }
 
@@ -87,7 +87,7 @@ double WorkersMilliseconds(const StepSettings& step, double switchDelay, double&
                      step.valveOpen ? switchDelay : 0.0, PumpMilliseconds(step, pumpAngle)});
 }
 
-// Below a second to the microsecond, from there on whole seconds alone.
+// Below a second exact, above only whole seconds.
 double SettleMilliseconds(double settle) { return settle < 1000.0 ? settle : std::floor(settle / 1000.0) * 1000.0; }
 
 }  // namespace

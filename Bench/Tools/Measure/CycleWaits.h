@@ -35,7 +35,7 @@ struct CycleWaits {
     double pumpAngle = 0.0;  // degrees past the home edge, at the end of the cycle
 };
 
-// Of one cycle that finds the pump at that angle and needs so many trials of the LED adjustment.
+// Of one cycle that starts with the pump at that angle and needs so many trials of the LED adjustment.
 CycleWaits PrescribedWaits(const CycleSettings& settings, double pumpAngle, int trials);
 
 // Detector readings of one such cycle.

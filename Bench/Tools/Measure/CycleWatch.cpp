@@ -9,17 +9,17 @@ namespace Bench {
 
 namespace {
 
-// A reading comes each 250 ms: this much of it is looked at, behind so much for the act itself to end.
+// A reading comes every 250 ms. The load is measured in this part of it, which starts after the end of the reading.
 constexpr int WindowMilliseconds = 200;
-constexpr int EndOfActMilliseconds = 20;
-constexpr double MaxSilence = 0.3;        // seconds; no act for so long: the step is none with readings
-constexpr double TracePollSeconds = 5.0;  // at the trace, whose reading holds the board for a moment
+constexpr int EndOfActionMilliseconds = 20;
+constexpr double MaxSilence = 0.3;        // seconds; after so long the step has no readings
+constexpr double TracePollSeconds = 5.0;  // reading the trace delays the board
 constexpr double CycleTimeout = 400.0;
-// The converter's device is opened once a cycle, before anything else.
-constexpr const char* FirstAct = "ioctl /dev/spidev32765.1 0x40016b01=";
+// Once per cycle, before any other action: the converter's device is opened.
+constexpr const char* FirstAction = "ioctl /dev/spidev32765.1 0x40016b01=";
 constexpr int ValveChannel = 3;
 
-// The valve opens with full power for a moment, which is a busy wait by design.
+// The valve opens at full power for a moment, which is a required busy wait.
 bool IsBusyByDesign(const Board& board) {
     const PwmView valve = board.Pwm(ValveChannel);
     return valve.enabled && valve.duty == valve.period;
@@ -50,12 +50,12 @@ public:
     }
 
 private:
-    // One stretch behind the next act, or now where none comes; it counts if nothing happened in it.
+    // One window after the next action, or now if none comes; it counts if nothing happened in it.
     void MeasureWindow() {
-        const std::uint64_t acts = m_board.TraceCount();
+        const std::uint64_t actions = m_board.TraceCount();
         const std::size_t readings = m_board.CommandCount();
-        m_board.WaitUntil([&] { return m_board.TraceCount() != acts; }, MaxSilence);
-        SleepMilliseconds(EndOfActMilliseconds);
+        m_board.WaitUntil([&] { return m_board.TraceCount() != actions; }, MaxSilence);
+        SleepMilliseconds(EndOfActionMilliseconds);
         const bool sampled = m_board.CommandCount() != readings;
         const std::uint64_t before = m_board.TraceCount();
         const double start = m_board.Seconds();
@@ -79,17 +79,17 @@ private:
         m_nextRead = m_board.Seconds() + TracePollSeconds;
         double start = m_start;
         int readings = 0;
-        for (const TraceEntry& act : m_board.TraceWithTimes()) {
-            if (act.seconds <= m_start) {
+        for (const TraceEntry& action : m_board.TraceWithTimes()) {
+            if (action.seconds <= m_start) {
                 continue;
             }
-            if (act.text.rfind(ReadingAct, 0) == 0) {
+            if (action.text.rfind(ReadingAct, 0) == 0) {
                 ++readings;
-            } else if (act.text.rfind(FirstAct, 0) == 0) {
+            } else if (action.text.rfind(FirstAction, 0) == 0) {
                 if (start > 0.0) {
-                    TakeCycle(act.seconds - start, readings);
+                    TakeCycle(action.seconds - start, readings);
                 }
-                start = act.seconds;
+                start = action.seconds;
                 readings = 0;
             }
         }

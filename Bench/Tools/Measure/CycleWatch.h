@@ -1,5 +1,4 @@
-// Cycles in time with the clock, watched from the outside: their lengths, what the analyzer does between two readings
-// of the detector. One thread.
+// Watches cycles in real time: their lengths, and the load between two readings of the detector. One thread.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +10,16 @@
 
 namespace Bench {
 
-// How the board's trace tells of a reading of the detector.
+// Start of a reading of the detector in the board's trace.
 inline constexpr const char* ReadingAct = "spi read ";
 
 struct CycleLength {
-    double seconds = 0.0;     // from its first act on the board to that of the next cycle
+    double seconds = 0.0;     // from its first action on the board to that of the next cycle
     double prescribed = 0.0;  // the sum of its waits
     int trials = 0;           // of the LED adjustment
 };
 
-// Stretches of a fifth of a second in which the analyzer touched nothing on the board.
+// Fifths of a second without an action on the board.
 struct IdleLoad {
     double seconds = 0.0;
     std::uint64_t switches = 0;
@@ -36,8 +35,7 @@ struct CyclesSeen {
     IdleLoad waiting;   // in steps that are not sampled
 };
 
-// Sends the analyzer into RUNNING_STATE and watches until so many cycles are done. False with a sentence in `error`
-// where they don't come.
+// Sets the analyzer to running and watches so many cycles. Returns false with the reason in `error` if they don't come.
 bool WatchCycles(Fixture& fixture, const CycleSettings& settings, int cycles, CyclesSeen& seen, std::string& error);
 
 }  // namespace Bench

@@ -1,4 +1,4 @@
-// What came out, held against what was promised: one line for each figure, met or missed in plain words.
+// Measured figures against their limits, one line each.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@ namespace Bench {
 
 class Figures {
 public:
-    // One figure, of which `detail` tells more. It is met up to and with the limit.
+    // Adds a figure, met up to and including the limit. `detail` says how it was measured.
     void Add(const std::string& name, double value, double limit, const std::string& unit, const std::string& detail);
 
     bool AllMet() const;
-    // Two lines a figure: what it is, and how it was come by.
+    // Two lines per figure: the figure and its detail.
     std::string Table() const;
     // "footprint: memory 1.21 times; ... ; 1 of 6 missed"
     std::string LastLine() const;

@@ -1,5 +1,4 @@
-// The least that a program with so many threads needs: each of them waits for ever, the first one too. How many stands
-// in IDLE_THREADS.
+// The least program with as many threads as the environment variable IDLE_THREADS says. All of them only wait.
 #include <pthread.h>
 #include <semaphore.h>
 

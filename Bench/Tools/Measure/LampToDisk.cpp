@@ -16,19 +16,20 @@ namespace {
 
 constexpr double RecordTimeout = 60.0;
 constexpr int PollMilliseconds = 100;
-constexpr const char* CardAct = "card ";
+constexpr const char* CardAction = "card ";
 constexpr const char* RecordFile = "_Measurement.csv ";
 
 bool IsRecord(const std::string& text) {
-    return text.rfind(CardAct, 0) == 0 && text.find(RecordFile) != std::string::npos;
+    return text.rfind(CardAction, 0) == 0 && text.find(RecordFile) != std::string::npos;
 }
 
-// From the newest reading that a record follows to that record.
+// From the newest reading before a record to that record.
 std::optional<RecordTime> LastReadingToRecord(const Board& board) {
     const std::vector<TraceEntry> trace = board.TraceWithTimes();
-    const auto record = std::find_if(trace.rbegin(), trace.rend(), [](const auto& act) { return IsRecord(act.text); });
+    const auto record =
+        std::find_if(trace.rbegin(), trace.rend(), [](const auto& action) { return IsRecord(action.text); });
     const auto reading =
-        std::find_if(record, trace.rend(), [](const auto& act) { return act.text.rfind(ReadingAct, 0) == 0; });
+        std::find_if(record, trace.rend(), [](const auto& action) { return action.text.rfind(ReadingAct, 0) == 0; });
     if (reading == trace.rend()) {
         return std::nullopt;
     }

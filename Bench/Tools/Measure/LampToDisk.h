@@ -1,4 +1,4 @@
-// From the light to the card: how long after the last reading of a cycle its record is written and flushed. One thread.
+// The time from the last reading of a cycle until its record is written and flushed. One thread.
 #pragma once
 
 #include <cstdint>
@@ -14,20 +14,18 @@ SettingsFile WithShortSteps(SettingsFile settings);
 
 struct RecordTime {
     double seconds = 0.0;        // from the last reading to the record
-    double deviceSeconds = 0.0;  // of them, those within the board, on the one processor
+    double deviceSeconds = 0.0;  // of them in the board
 };
 
-// The bytes of all records on the card. The board itself is left alone: whoever looks at it while a record is on its
-// way holds it up.
+// The bytes of all records on the card. It does not lock the board, which would delay a record on its way.
 std::uintmax_t RecordBytes(const Board& board);
 
 struct RecordTimes {
     std::vector<RecordTime> records;
-    std::vector<double> roundTrips;  // seconds each, of two threads, made in the same time, ten a second
+    std::vector<double> roundTrips;  // seconds each, ten per second meanwhile
 };
 
-// Sends the analyzer into RUNNING_STATE and gives those of so many cycles. No records, with a sentence in `error`,
-// where they don't come.
+// Sets the analyzer to running and measures so many cycles. No records, with the reason in `error`, if they don't come.
 RecordTimes LampToDisk(Fixture& fixture, int cycles, std::string& error);
 
 }  // namespace Bench

@@ -1,4 +1,4 @@
-// ./measure: how little the analyzer takes and how calm it is, on the virtual board and in time with the clock.
+// ./measure: memory, time and idle load of the analyzer, on the virtual board in real time.
 #include <sched.h>
 #include <sys/stat.h>
 
@@ -49,36 +49,36 @@ CommandLine MeasureCommandLine(MeasureOptions& options) {
     return line;
 }
 
-// While it lives, this process and what it starts run on one processor, as the instrument has, and ahead of all other
-// programs where they may: both sides of a ratio then meet the same machine, however busy it is.
-class AheadOfOthers {
+// While it exists, this process and its children run on one processor, as on the instrument, and if allowed with
+// priority: both sides of a ratio then meet the same machine.
+class OneProcessor {
 public:
-    AheadOfOthers() {
-        sched_getaffinity(0, sizeof(m_usual), &m_usual);
+    OneProcessor() {
+        sched_getaffinity(0, sizeof(m_before), &m_before);
         cpu_set_t one;
         CPU_ZERO(&one);
         std::size_t last = CPU_SETSIZE - 1;
-        while (last > 0 && !CPU_ISSET(last, &m_usual)) {
+        while (last > 0 && !CPU_ISSET(last, &m_before)) {
             --last;
         }
         CPU_SET(last, &one);
         sched_setaffinity(0, sizeof(one), &one);
         const sched_param priority{LampPriority};
-        m_ahead = sched_setscheduler(0, SCHED_FIFO, &priority) == 0;
+        m_hasPriority = sched_setscheduler(0, SCHED_FIFO, &priority) == 0;
     }
-    AheadOfOthers(const AheadOfOthers&) = delete;
-    AheadOfOthers& operator=(const AheadOfOthers&) = delete;
-    ~AheadOfOthers() {
-        const sched_param usual{};
-        sched_setscheduler(0, SCHED_OTHER, &usual);
-        sched_setaffinity(0, sizeof(m_usual), &m_usual);
+    OneProcessor(const OneProcessor&) = delete;
+    OneProcessor& operator=(const OneProcessor&) = delete;
+    ~OneProcessor() {
+        const sched_param normal{};
+        sched_setscheduler(0, SCHED_OTHER, &normal);
+        sched_setaffinity(0, sizeof(m_before), &m_before);
     }
 
-    const char* Text() const { return m_ahead ? "all on one processor, ahead of others" : "all on one processor"; }
+    const char* Text() const { return m_hasPriority ? "on one processor, with priority" : "on one processor"; }
 
 private:
-    cpu_set_t m_usual{};
-    bool m_ahead = false;
+    cpu_set_t m_before{};
+    bool m_hasPriority = false;
 };
 
 Places PlacesOf(const MeasureOptions& options) {
@@ -107,10 +107,10 @@ bool MeasureResets(const MeasureOptions& options, const SettingsFile& settings, 
         }
         milliseconds.push_back((idle - start - PrescribedResetSeconds) * 1000.0);
     }
-    const auto [least, most] = std::minmax_element(milliseconds.begin(), milliseconds.end());
+    const auto [min, max] = std::minmax_element(milliseconds.begin(), milliseconds.end());
     figures.Add("reset to idle over its sleeps", Median(milliseconds), 60.0, "ms",
-                Format("median of %d resets, %.2f to %.2f ms, beside the %.0f s that it sleeps by design",
-                       options.resets, *least, *most, PrescribedResetSeconds));
+                Format("median of %d resets, %.2f to %.2f ms, without the %.0f s of its required sleeps",
+                       options.resets, *min, *max, PrescribedResetSeconds));
     return true;
 }
 
@@ -137,7 +137,7 @@ bool ProductMemory(const MeasureOptions& options, const SettingsFile& settings, 
     return true;
 }
 
-// The least program with so many threads, on a board of the same kind.
+// The least program with so many threads, on its own board.
 bool IdleProgramMemory(const MeasureOptions& options, const SettingsFile& settings, int threads, ResidentMemory& memory,
                        std::string& error) {
     setenv("IDLE_THREADS", std::to_string(threads).c_str(), 1);
@@ -158,8 +158,8 @@ bool IdleProgramMemory(const MeasureOptions& options, const SettingsFile& settin
     return true;
 }
 
-// Every start lays the libraries elsewhere, and with them the borders of what the kernel maps at one touch: one look
-// differs from the next by a twentieth. The board's own calls are bound at the start of both, not of the product alone.
+// Every start places the libraries elsewhere, so single readings differ by a twentieth. The board's calls are bound at
+// the start of both programs.
 bool MeasureMemory(const MeasureOptions& options, const SettingsFile& settings, Figures& figures, std::string& error) {
     setenv("LD_BIND_NOW", "1", 1);
     std::vector<double> product;
@@ -176,12 +176,12 @@ bool MeasureMemory(const MeasureOptions& options, const SettingsFile& settings, 
         idle.push_back(static_cast<double>(other.All()));
     }
     unsetenv("LD_BIND_NOW");
-    const auto [least, most] = std::minmax_element(product.begin(), product.end());
-    const auto [idleLeast, idleMost] = std::minmax_element(idle.begin(), idle.end());
+    const auto [min, max] = std::minmax_element(product.begin(), product.end());
+    const auto [idleMin, idleMax] = std::minmax_element(idle.begin(), idle.end());
     figures.Add(
         "resident memory in RUNNING_STATE", Median(product) / Median(idle), 1.6, "times a program of idle threads",
         Format("medians of %d starts each: %.0f kB (%.0f to %.0f) to %.0f kB (%.0f to %.0f) with as many threads",
-               options.starts, Median(product), *least, *most, Median(idle), *idleLeast, *idleMost));
+               options.starts, Median(product), *min, *max, Median(idle), *idleMin, *idleMax));
     return true;
 }
 
@@ -195,7 +195,7 @@ void AddIdleLoad(const CyclesSeen& seen, Figures& figures) {
                        seen.sampling.SwitchesPerSecond(), seen.sampling.seconds, seen.waiting.SwitchesPerSecond(),
                        seen.waiting.seconds));
     figures.Add("processor between readings", both.ProcessorPercent(), 0.5, "% of a core",
-                Format("%.4f %% in sampled steps, %.4f %% in others; the valve's busy wait of each opening is left out",
+                Format("%.4f %% in sampled steps, %.4f %% in others; without the valve's required busy wait",
                        seen.sampling.ProcessorPercent(), seen.waiting.ProcessorPercent()));
 }
 
@@ -227,7 +227,7 @@ bool MeasureCycles(const MeasureOptions& options, const SettingsFile& settings, 
 
 bool MeasureLampToDisk(const MeasureOptions& options, const SettingsFile& settings, Figures& figures,
                        std::string& error) {
-    const AheadOfOthers ahead;
+    const OneProcessor processor;
     const std::unique_ptr<Fixture> fixture = Fixture::Start(PlacesOf(options), WithShortSteps(settings), error);
     if (!fixture) {
         return false;
@@ -243,10 +243,10 @@ bool MeasureLampToDisk(const MeasureOptions& options, const SettingsFile& settin
         own.push_back(time.seconds - time.deviceSeconds);
     }
     figures.Add("lamp to disk", Median(own) / Median(times.roundTrips), 20.0, "round trips of two threads",
-                Format("median of %zu records %.0f us, beside the time inside the virtual device files and log; "
-                       "%.0f us with it; median of %zu round trips in between %.1f us; %s",
+                Format("median of %zu records %.0f us, without the time inside the virtual device files and log; "
+                       "%.0f us with it; median of %zu round trips meanwhile %.1f us; %s",
                        times.records.size(), Median(own) * 1e6, Median(whole) * 1e6, times.roundTrips.size(),
-                       Median(times.roundTrips) * 1e6, ahead.Text()));
+                       Median(times.roundTrips) * 1e6, processor.Text()));
     return true;
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 std::string FolderOf(pid_t process) { return "/proc/" + std::to_string(process); }
 
-// The number behind "NAME:" in a line of /proc; false for another line.
+// The number after "NAME:" in a line of /proc; returns false for another line.
 bool ReadNumber(const std::string& line, const char* name, std::int64_t& number) {
     const std::string start = std::string(name) + ":";
     if (line.rfind(start, 0) != 0) {

@@ -1,5 +1,4 @@
-// What the kernel tells of a running program, out of /proc. Of one's own user alone; every figure is 0 once the program
-// has ended. Any thread.
+// What /proc shows of a running process of the same user; every figure is 0 after its end. Any thread.
 #pragma once
 
 #include <sys/types.h>
@@ -8,7 +7,7 @@
 
 namespace Bench {
 
-// Resident pages in kilobytes. The board's own state, which the bench maps into every program on it, is left out.
+// Resident pages in kilobytes, without the board's state, which the bench maps into every program.
 struct ResidentMemory {
     std::int64_t privatePages = 0;
     std::int64_t sharedPages = 0;
@@ -19,8 +18,8 @@ ResidentMemory ResidentMemoryOf(pid_t process);
 
 struct Activity {
     int threads = 0;
-    std::uint64_t switches = 0;      // context switches of the living threads, asked for or not
-    std::int64_t processorTime = 0;  // nanoseconds of all threads, the ended ones too
+    std::uint64_t switches = 0;      // voluntary and other context switches of the living threads
+    std::int64_t processorTime = 0;  // nanoseconds of all threads, including ended ones
 };
 Activity ActivityOf(pid_t process);
 

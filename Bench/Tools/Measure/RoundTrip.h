@@ -1,5 +1,5 @@
-// The yardstick of the machine: how long two threads take to hand a message to each other and back. One thread at a
-// time.
+// The unit for the machine's speed: the time in which two threads pass a message to each other and back. One thread at
+// a time.
 #pragma once
 
 #include <condition_variable>
@@ -9,8 +9,7 @@
 
 namespace Bench {
 
-// Between whoever asks and a thread of its own, which sleeps in between, through two queues of a mutex, a condition
-// variable and a deque each.
+// Between the caller and its own thread, by two queues with a mutex, a condition variable and a deque each.
 class RoundTrip {
 public:
     RoundTrip();

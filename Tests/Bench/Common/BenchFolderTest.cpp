@@ -27,27 +27,27 @@ TEST(BenchFolder, empty_folder_is_taken) {
     EXPECT_EQ(folder.Path(), top.Path());
 }
 
-TEST(BenchFolder, folder_of_somebody_else_stays_as_it_is) {
+TEST(BenchFolder, foreign_folder_is_left_unchanged) {
     const TemporaryFolder top;
     WriteFile(top / "letter", "dear");
     BenchFolder folder;
     std::string error;
     EXPECT_FALSE(folder.Take(top.Path(), error));
-    EXPECT_EQ(error, top.Path() + " is neither empty nor a bench folder, so it stays as it is");
+    EXPECT_EQ(error, top.Path() + " is neither empty nor a bench folder; left unchanged");
     EXPECT_EQ(ReadFile(top / "letter"), "dear");
     EXPECT_FALSE(fs::exists(top / ".bench-folder"));
 }
 
-TEST(BenchFolder, file_is_no_folder) {
+TEST(BenchFolder, file_is_refused) {
     const TemporaryFolder top;
     WriteFile(top / "letter", "dear");
     BenchFolder folder;
     std::string error;
     EXPECT_FALSE(folder.Take(top / "letter", error));
-    EXPECT_EQ(error, top / "letter is no folder");
+    EXPECT_EQ(error, top / "letter is not a folder");
 }
 
-TEST(BenchFolder, next_run_finds_it_empty_again) {
+TEST(BenchFolder, next_run_empties_it) {
     const TemporaryFolder top;
     std::string error;
     {
@@ -61,7 +61,7 @@ TEST(BenchFolder, next_run_finds_it_empty_again) {
     EXPECT_FALSE(fs::exists(top / "b/card"));
 }
 
-TEST(BenchFolder, what_a_link_in_it_points_to_stays) {
+TEST(BenchFolder, target_of_a_link_in_it_is_kept) {
     const TemporaryFolder top;
     std::string error;
     {
@@ -85,7 +85,7 @@ TEST(BenchFolder, second_run_in_the_same_folder_is_refused) {
     ASSERT_TRUE(first.Take(top / "b", error));
     WriteFile(top / "b/of-the-first", "run");
     EXPECT_FALSE(second.Take(top / "b", error));
-    EXPECT_EQ(error, "another run holds the folder " + (top / "b"));
+    EXPECT_EQ(error, "another run uses the folder " + (top / "b"));
     EXPECT_EQ(ReadFile(top / "b/of-the-first"), "run");
 }
 
@@ -113,7 +113,7 @@ TEST(BenchFolder, analyzer_finds_its_sounds) {
     }
 }
 
-TEST(BenchFolder, sounds_that_are_not_there_are_named) {
+TEST(BenchFolder, missing_sounds_are_named) {
     const TemporaryFolder top;
     BenchFolder folder;
     std::string error;
@@ -122,7 +122,7 @@ TEST(BenchFolder, sounds_that_are_not_there_are_named) {
     EXPECT_EQ(error, "can't copy the sounds from " + (top / "none") + ": No such file or directory");
 }
 
-TEST(BenchFolder, folder_that_vanished_is_named) {
+TEST(BenchFolder, vanished_folder_is_named) {
     const TemporaryFolder top;
     BenchFolder folder;
     std::string error;

@@ -1,4 +1,4 @@
-// Holds the two documents that people work from against what they tell of.
+// Compares Configuration.md and Bench.md with the settings, options, faults and instrument fields that exist.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -53,7 +53,7 @@ TEST(Documentation, sample_values_of_the_rows_are_those_of_the_file) {
     }
 }
 
-TEST(Documentation, every_section_is_told_of) {
+TEST(Documentation, every_section_is_described) {
     const std::string document = ReadFile(SOURCE_FOLDER "/Documentation/Configuration.md");
     for (const char* section : {"GENERAL_INFO", "DEVICE_MONITOR_INFO", "LOGGING_INFO", "MEASUREMENT_ENGINE_INFO",
                                 "MESSAGING_ENGINE_INFO", "REMOTE_INDICATOR_INFO", "SYSTEM_CONTROL_INFO",
@@ -84,10 +84,10 @@ TEST(Documentation, every_option_has_its_row) {
     EXPECT_EQ(options, 19);
 }
 
-TEST(Documentation, every_knob_of_the_instrument_is_told_of) {
+TEST(Documentation, every_field_of_the_instrument_is_described) {
     const std::string document = ReadFile(SOURCE_FOLDER "/Documentation/Bench.md");
     std::istringstream header(ReadFile(SOURCE_FOLDER "/Bench/Instrument/Instrument.h"));
-    int knobs = 0;
+    int fields = 0;
     bool inSettings = false;
     for (std::string line; std::getline(header, line);) {
         inSettings = line.rfind("struct ", 0) == 0 ? line == "struct InstrumentSettings {" : inSettings;
@@ -95,10 +95,10 @@ TEST(Documentation, every_knob_of_the_instrument_is_told_of) {
         if (inSettings && equals != std::string::npos && line.rfind("    ", 0) == 0) {
             const std::size_t start = line.rfind(' ', equals - 1) + 1;
             EXPECT_NE(document.find("`" + line.substr(start, equals - start) + "`"), std::string::npos) << line;
-            ++knobs;
+            ++fields;
         }
     }
-    EXPECT_GT(knobs, 35);
+    EXPECT_GT(fields, 35);
 }
 
 }  // namespace

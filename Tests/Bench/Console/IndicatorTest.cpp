@@ -12,7 +12,7 @@ constexpr std::uint8_t Bit(IndicatorLed led) { return static_cast<std::uint8_t>(
 constexpr std::uint8_t Normal = Bit(IndicatorLed::BlueAnalyzer) | Bit(IndicatorLed::BlueWater);
 constexpr std::uint8_t Alert = Bit(IndicatorLed::BlueAnalyzer) | Bit(IndicatorLed::AmberWater);
 
-TEST(Indicator, one_colour_on_each_side_and_a_sound) {
+TEST(Indicator, one_color_on_each_side_and_a_sound) {
     EXPECT_EQ(IndicatorLine({Alert, "alert.wav"}), "indicator analyzer blue water amber sound alert.wav");
     EXPECT_EQ(IndicatorLine({Bit(IndicatorLed::RedAnalyzer) | Bit(IndicatorLed::RedWater), "alarm.wav"}),
               "indicator analyzer red water red sound alarm.wav");
@@ -26,7 +26,7 @@ TEST(Indicator, sides_with_none_some_or_all_lit) {
     EXPECT_EQ(IndicatorLine({0x2B, ""}), "indicator analyzer blue+amber water blue+red sound none");
 }
 
-TEST(Indicator, a_change_is_told_once_and_when_it_stands) {
+TEST(Indicator, a_change_is_reported_once_and_when_steady) {
     IndicatorWatch watch;
     EXPECT_EQ(watch.Update({}), std::nullopt);
     EXPECT_EQ(watch.Update({Normal, ""}), std::nullopt);
@@ -49,7 +49,7 @@ TEST(Indicator, dark_again_is_a_change) {
     EXPECT_EQ(watch.Update({}), IndicatorView{});
 }
 
-TEST(Indicator, colours_are_painted_on_a_terminal) {
+TEST(Indicator, colors_are_painted_on_a_terminal) {
     EXPECT_EQ(Painted("indicator analyzer blue water amber+red sound none"),
               "indicator analyzer \033[94mblue\033[0m water \033[33mamber\033[0m+\033[31mred\033[0m sound none");
 }

@@ -1,4 +1,4 @@
-// The front end and the test station as whoever starts them sees them.
+// The front end and the test station from outside.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -31,7 +31,7 @@ std::unique_ptr<RawClient> Connect(const std::string& port) {
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    ADD_FAILURE() << "nobody listens on port " << port;
+    ADD_FAILURE() << "no server on port " << port;
     return nullptr;
 }
 
@@ -81,7 +81,7 @@ TEST_F(PeerPrograms, missing_script_is_named) {
     }
 }
 
-TEST_F(PeerPrograms, busy_port_is_told) {
+TEST_F(PeerPrograms, busy_port_is_reported) {
     std::string error;
     const auto other = FrontEnd::Listen(0, error);
     const std::string port = std::to_string(other->Port());
@@ -120,7 +120,7 @@ TEST_F(PeerPrograms, front_end_runs_its_script) {
 
 namespace {
 
-// The program at a terminal of its own.
+// The program at its own terminal.
 class AtTerminal {
 public:
     explicit AtTerminal(const std::string& port) {

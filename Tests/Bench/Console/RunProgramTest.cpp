@@ -1,4 +1,4 @@
-// The program behind ./run, as whoever starts it sees it: its output, its exit status and what it leaves behind.
+// ./run from outside: its output, its exit status and the files that it leaves.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -100,24 +100,24 @@ TEST_F(RunProgram, wrong_value_of_a_fault_is_refused_before_the_folder_is_touche
     EXPECT_FALSE(std::filesystem::exists(Bench()));
 }
 
-TEST_F(RunProgram, program_that_is_not_there_is_refused) {
+TEST_F(RunProgram, missing_program_is_refused) {
     ExpectRefused({"--program", "/nowhere/p"}, "--program: invalid value \"/nowhere/p\" (expected an executable file)");
 }
 
-TEST_F(RunProgram, configuration_that_is_not_there_is_refused) {
+TEST_F(RunProgram, missing_configuration_is_refused) {
     ExpectRefused({"--config", "/nowhere/c.xml", "--bench", Bench()}, "can't read the configuration /nowhere/c.xml");
     EXPECT_FALSE(std::filesystem::exists(Bench()));
 }
 
-TEST_F(RunProgram, folder_of_somebody_else_is_refused_and_stays) {
+TEST_F(RunProgram, foreign_folder_is_refused_and_left_unchanged) {
     std::filesystem::create_directory(Bench());
     WriteFile(Bench() + "/letter", "dear");
     ExpectRefused({"--bench", Bench(), "--config", m_folder / "c.xml"},
-                  Bench() + " is neither empty nor a bench folder, so it stays as it is");
+                  Bench() + " is neither empty nor a bench folder; left unchanged");
     EXPECT_EQ(ReadFile(Bench() + "/letter"), "dear");
 }
 
-TEST_F(RunProgram, level_that_the_configuration_does_not_know_is_refused) {
+TEST_F(RunProgram, level_without_an_item_is_refused) {
     ExpectRefused({"--alert", "0.5", "--bench", Bench(), "--config", m_folder / "c.xml"},
                   "--alert: the configuration gives no AlertLevel");
     ExpectRefused({"--alarm", "0.5", "--bench", Bench(), "--config", m_folder / "c.xml"},
@@ -147,7 +147,7 @@ TEST_F(RunProgram, indicator_is_shown_when_it_changes) {
     EXPECT_EQ(Wait(), 143);
 }
 
-TEST_F(RunProgram, analyzer_finds_the_other_ends_of_its_links_at_other_ports) {
+TEST_F(RunProgram, analyzer_connects_to_peers_at_other_ports) {
     const RawListener frontEnd;
     const RawListener station;
     WriteFile(m_folder / "c.xml",
@@ -177,7 +177,7 @@ TEST_F(RunProgram, fault_list_shows_every_fault_on_its_line) {
     }
 }
 
-TEST_F(RunProgram, cycle_is_shown_as_plain_lines_where_there_is_no_terminal) {
+TEST_F(RunProgram, cycle_is_shown_as_plain_lines_without_a_terminal) {
     StartFake("cycle", {"--cycles", "1", "--chlorine", "0.35"});
     EXPECT_EQ(Wait(), 0);
     std::string out = Out();
@@ -231,14 +231,14 @@ TEST_F(RunProgram, configuration_may_come_from_the_folder_that_is_reset) {
     EXPECT_EQ(ReadFile(configuration), Configuration);
 }
 
-TEST_F(RunProgram, end_of_the_analyzer_is_told_with_its_status) {
+TEST_F(RunProgram, end_of_the_analyzer_is_reported_with_its_status) {
     StartFake("end", {"--cycles", "1"});
     EXPECT_EQ(Wait(), 1);
     EXPECT_EQ(Err(), "run: the analyzer ended with status 3; its output is in " + Bench() + "/output\n");
     EXPECT_EQ(ReadFile(Bench() + "/output"), "the fake ends\n");
 }
 
-TEST_F(RunProgram, fault_of_the_analyzer_is_told_with_its_signal) {
+TEST_F(RunProgram, crash_of_the_analyzer_is_reported_with_its_signal) {
     StartFake("fault");
     EXPECT_EQ(Wait(), 1);
     EXPECT_EQ(Err(), "run: the analyzer was ended by a signal: Aborted; its output is in " + Bench() + "/output\n");
@@ -282,7 +282,7 @@ TEST_F(RunProgram, second_run_in_the_same_folder_is_refused) {
     BenchRun second;
     StartFake(second, "end");
     EXPECT_EQ(second.Wait(), 2);
-    EXPECT_EQ(second.Err(), "run: another run holds the folder " + Bench() + "\n");
+    EXPECT_EQ(second.Err(), "run: another run uses the folder " + Bench() + "\n");
     m_run.Signal(SIGTERM);
     EXPECT_EQ(Wait(), 143);
 }

@@ -78,7 +78,7 @@ void Indicate() {
     }
 }
 
-// To the front end and to the test station, where the analyzer looks for them.
+// To the front end and the test station, at the analyzer's ports.
 void Connect() {
     for (const std::uint16_t port : {std::uint16_t{3111}, std::uint16_t{1234}}) {
         sockaddr_in address{};

@@ -28,7 +28,7 @@ Bench::FootprintSeries Series(const Bench::Footprint& late) {
 
 }  // namespace
 
-TEST(Footprints, that_stay_are_flat_and_told_in_one_line) {
+TEST(Footprints, that_stay_are_flat) {
     const Bench::FootprintSeries series = Series({});
     EXPECT_TRUE(series.IsFlat());
     EXPECT_EQ(series.Describe(),
@@ -36,7 +36,7 @@ TEST(Footprints, that_stay_are_flat_and_told_in_one_line) {
               "zombies 0 to 0 (peak 0)");
 }
 
-TEST(Footprints, may_differ_by_a_tenth_and_two_megabytes_and_by_one_of_the_rest) {
+TEST(Footprints, may_grow_within_the_limits) {
     EXPECT_TRUE(Series({2548, 0, 0, 0}).IsFlat());
     EXPECT_FALSE(Series({2549, 0, 0, 0}).IsFlat());
     EXPECT_TRUE(Series({0, 1, 1, 1}).IsFlat());
@@ -67,7 +67,7 @@ TEST(Footprints, of_this_process_count_its_descriptors_and_memory) {
     EXPECT_GE(with->threads, 1);
 }
 
-TEST(Footprints, count_children_that_nobody_has_waited_for) {
+TEST(Footprints, count_zombies) {
     const pid_t child = fork();
     if (child == 0) {
         _exit(0);
@@ -91,7 +91,7 @@ TEST(Footprints, of_no_process_are_none) {
     EXPECT_FALSE(Bench::ReadFootprint(child).has_value());
 }
 
-TEST(Random, with_one_seed_fall_alike) {
+TEST(Random, depends_on_the_seed_alone) {
     Bench::Random first(7);
     Bench::Random second(7);
     for (int roll = 0; roll < 100; ++roll) {

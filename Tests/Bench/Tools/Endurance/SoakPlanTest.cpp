@@ -19,12 +19,12 @@ std::vector<std::string> Events(std::uint32_t seed, int count) {
 
 }  // namespace
 
-TEST(SoakPlan, is_the_seed_s_alone) {
+TEST(SoakPlan, depends_on_the_seed_alone) {
     EXPECT_EQ(Events(7, 500), Events(7, 500));
     EXPECT_NE(Events(7, 500), Events(8, 500));
 }
 
-TEST(SoakPlan, goes_on_in_the_order_of_its_seconds) {
+TEST(SoakPlan, is_in_order_of_time) {
     Bench::SoakPlan plan(7, {});
     double last = 0.0;
     for (int event = 0; event < 2000; ++event) {
@@ -34,7 +34,7 @@ TEST(SoakPlan, goes_on_in_the_order_of_its_seconds) {
     }
 }
 
-TEST(SoakPlan, ends_each_fault_before_it_comes_again) {
+TEST(SoakPlan, ends_each_fault_before_its_next_start) {
     Bench::SoakPlan plan(7, {});
     std::set<std::string> active;
     std::set<std::string> seen;
@@ -51,7 +51,7 @@ TEST(SoakPlan, ends_each_fault_before_it_comes_again) {
     EXPECT_EQ(seen.size(), Bench::SoakPlan::Faults().size());
 }
 
-TEST(SoakPlan, has_every_fault_of_the_board_but_the_end_of_one) {
+TEST(SoakPlan, has_every_fault_of_the_board) {
     std::set<std::string> planned;
     for (const std::string& fault : Bench::SoakPlan::Faults()) {
         std::string error;

@@ -7,7 +7,7 @@
 using Bench::SweepLedger;
 using Bench::SweepOutcome;
 
-TEST(SweepLedger, gives_each_trial_to_one_alone) {
+TEST(SweepLedger, starts_each_trial_once) {
     SweepLedger ledger(2);
     ASSERT_TRUE(ledger.IsMade());
     EXPECT_EQ(ledger.Begin(), 0U);
@@ -16,7 +16,7 @@ TEST(SweepLedger, gives_each_trial_to_one_alone) {
     EXPECT_EQ(ledger.Begin(), std::nullopt);
 }
 
-TEST(SweepLedger, knows_those_that_were_never_begun) {
+TEST(SweepLedger, knows_trials_that_were_not_started) {
     SweepLedger ledger(2);
     ledger.Begin();
     ledger.Note(0, SweepOutcome::NotReached);
@@ -24,7 +24,7 @@ TEST(SweepLedger, knows_those_that_were_never_begun) {
     EXPECT_EQ(ledger.OutcomeOf(1), std::nullopt);
 }
 
-TEST(SweepLedger, sees_what_another_process_has_done) {
+TEST(SweepLedger, is_shared_with_other_processes) {
     SweepLedger ledger(3);
     NewProcess job([&](const NewProcess::Tell& /*tell*/) {
         ledger.Begin();
@@ -33,6 +33,6 @@ TEST(SweepLedger, sees_what_another_process_has_done) {
     });
     job.Wait();
     EXPECT_EQ(ledger.OutcomeOf(0), SweepOutcome::Reported);
-    EXPECT_EQ(ledger.OutcomeOf(1), SweepOutcome::Hung) << "begun by a process that has ended in it";
+    EXPECT_EQ(ledger.OutcomeOf(1), SweepOutcome::Hung) << "started by a process that then ended";
     EXPECT_EQ(ledger.Begin(), 2U);
 }

@@ -51,11 +51,11 @@ TEST(SweepPlan, takes_each_number_once) {
     EXPECT_THAT(Bench::SpreadOrder(0, 7), IsEmpty());
 }
 
-TEST(SweepPlan, halves_what_is_left_again_and_again) {
+TEST(SweepPlan, halves_the_gaps_again_and_again) {
     EXPECT_THAT(Bench::SpreadOrder(8, 0), ElementsAre(1, 5, 3, 7, 2, 6, 4, 8));
 }
 
-TEST(SweepPlan, any_beginning_is_spread_over_all) {
+TEST(SweepPlan, any_first_part_is_spread_over_all) {
     constexpr int Count = 9281;
     const std::vector<int> order = Bench::SpreadOrder(Count, 20261121);
     for (const int length : {10, 100, 1000, 5000}) {
@@ -63,12 +63,12 @@ TEST(SweepPlan, any_beginning_is_spread_over_all) {
     }
 }
 
-TEST(SweepPlan, begins_elsewhere_by_another_seed) {
+TEST(SweepPlan, starts_elsewhere_with_another_seed) {
     EXPECT_EQ(Bench::SpreadOrder(1000, 3), Bench::SpreadOrder(1000, 3));
     EXPECT_NE(Bench::SpreadOrder(1000, 3).front(), Bench::SpreadOrder(1000, 4).front());
 }
 
-TEST(SweepPlan, lets_the_kinds_take_turns) {
+TEST(SweepPlan, takes_turns_between_the_kinds) {
     EXPECT_THAT(Plan({{"mount", 1}, {"open", 3}}, Seed(0)), ElementsAre("mount 1", "open 1", "open 3", "open 2"));
 }
 
@@ -78,13 +78,13 @@ TEST(SweepPlan, leaves_out_kinds_that_are_not_chosen_or_never_called) {
     EXPECT_THAT(Plan({{"fork", 0}, {"mount", 1}, {"open", 2}}, choice), ElementsAre("open 1", "open 2"));
 }
 
-TEST(SweepPlan, takes_so_many_of_each_kind_at_most) {
+TEST(SweepPlan, limits_the_calls_of_each_kind) {
     Bench::SweepChoice choice = Seed(0);
-    choice.most = 2;
+    choice.max = 2;
     EXPECT_THAT(Plan({{"mount", 1}, {"open", 8}}, choice), ElementsAre("mount 1", "open 1", "open 5"));
 }
 
-TEST(SweepPlan, takes_one_number_of_the_kinds_that_have_as_many) {
+TEST(SweepPlan, takes_one_number_of_each_kind) {
     Bench::SweepChoice choice = Seed(5);
     choice.number = 2;
     EXPECT_THAT(Plan({{"mount", 1}, {"open", 8}}, choice), ElementsAre("open 2"));

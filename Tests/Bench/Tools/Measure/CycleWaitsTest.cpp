@@ -1,4 +1,4 @@
-// The sum of a cycle's waits, held against sums made by hand.
+// The sum of a cycle's waits, compared with sums made by hand.
 #include "Bench/Tools/Measure/CycleWaits.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What ./measure is made of, where it needs no analyzer.
+// The parts of ./measure that need no analyzer.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>

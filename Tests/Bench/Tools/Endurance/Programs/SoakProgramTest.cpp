@@ -26,7 +26,7 @@ protected:
 
 }  // namespace
 
-TEST_F(SoakProgram, refuses_what_it_does_not_take_by_name) {
+TEST_F(SoakProgram, refuses_wrong_arguments) {
     ExpectRefusal("--cats 1", "unknown argument \"--cats\" (see --help)");
     ExpectRefusal("--flood x", "--flood: invalid value \"x\" (expected a number from 0 to 1000000)");
     ExpectRefusal("--rate 0", "--rate: invalid value \"0\" (expected a number from 0.001 to 100000)");
@@ -40,7 +40,7 @@ TEST_F(SoakProgram, refuses_what_it_does_not_take_by_name) {
     ExpectRefusal("", "nothing to do: give --cycles, --resets, --days or --flood");
 }
 
-TEST_F(SoakProgram, fails_where_the_analyzer_ends_by_itself) {
+TEST_F(SoakProgram, fails_if_the_analyzer_ends_by_itself) {
     const ProgramRun run = Run("--flood 60 --program /bin/false");
     EXPECT_EQ(run.status, 1);
     EXPECT_THAT(run.text, HasSubstr("flood: 0 s, "));

@@ -30,9 +30,9 @@ TEST(SweepProgram, refuses_wrong_arguments) {
     ExpectRefusal("--cats 1", "unknown argument \"--cats\" (see --help)");
 }
 
-TEST(SweepProgram, fails_where_the_analyzer_does_not_even_run_without_a_failure) {
+TEST(SweepProgram, fails_if_the_run_without_a_failure_fails) {
     const TemporaryFolder folder;
     const ProgramRun run = Sweep("--kind mount --program /bin/false --bench " + folder / "bench");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.text, "sweep: FAILED, the run without a failure goes wrong: the analyzer ended with status 1\n");
+    EXPECT_EQ(run.text, "sweep: FAILED, the run without a failure fails: the analyzer ended with status 1\n");
 }
