@@ -15,8 +15,8 @@ namespace {
 
 constexpr int Edits = 10'000;
 constexpr std::size_t LargeText = 4'000;
-constexpr int MostChildren = 5;
-constexpr int DeepestStart = 3;
+constexpr int MaxChildren = 5;
+constexpr int MaxStartDepth = 3;
 
 const std::vector<std::string> Names = {"a", "b", "item", "INFO_ITEM", "x-1", "ns:e", "\xC3\xA4"};
 const std::vector<std::string> AttributeNames = {"name", "type", "value", "v", "n:m"};
@@ -135,7 +135,7 @@ private:
             return element;
         }
         element->endTagTail = Below(6) == 0 ? Pick(Blanks) : "";
-        const unsigned children = depth < DeepestStart ? Below(MostChildren) + (depth == 0 ? 3 : 0) : 0;
+        const unsigned children = depth < MaxStartDepth ? Below(MaxChildren) + (depth == 0 ? 3 : 0) : 0;
         for (unsigned child = 0; child < children; ++child) {
             element->content.push_back({Below(2) == 0 ? Pick(Texts) : "\n", nullptr});
             element->content.push_back({"", MakeElement(element.get(), depth + 1)});
