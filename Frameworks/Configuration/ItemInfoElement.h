@@ -19,7 +19,7 @@ struct ItemTexts {
 class ItemInfoElement {
 public:
     ItemInfoElement() = default;
-    // The memory is that of the container that the item goes to, and must outlive the item.
+    // The texts are in `memory`, which must outlive the item: that of the container that gets the item.
     ItemInfoElement(const ItemTexts& texts, std::pmr::memory_resource* memory)
         : m_description(texts.description, memory),
           m_name(texts.name, memory),

@@ -78,7 +78,7 @@ AttributeChange ChangeOfAttribute(std::string_view tag, std::size_t nameEnd, std
 struct XmlDocument::Place {
     std::uint32_t parent = 0;
     std::uint32_t previous = 0;   // sibling before the new element, 0 for none
-    std::size_t offset = 0;       // where the new text goes
+    std::size_t offset = 0;       // of the new text
     bool opensParent = false;     // the parent is an empty element; the offset is that of its "/"
     bool isFirstContent = false;  // the parent has both tags and nothing between them
 };

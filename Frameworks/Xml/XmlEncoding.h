@@ -20,7 +20,7 @@ struct XmlConversion {
     bool isTooLong = false;
 };
 
-// Reserves 1/margin more bytes than measured; 0 reserves no more.
+// Reserves 1/margin more bytes than measured; none for 0.
 XmlConversion ConvertEncoding(const std::string& to, const std::string& from, std::string_view text,
                               std::uint64_t limit, std::size_t margin = 0);
 

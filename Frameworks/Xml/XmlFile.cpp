@@ -19,7 +19,7 @@ constexpr std::size_t SampleSize = 1024;
 constexpr std::size_t PieceSize = 32768;
 constexpr off64_t MaxReserve = 1 << 26;        // memory for a larger file is only taken as its bytes arrive
 constexpr std::size_t EditMargin = 1024;       // room for the first change
-constexpr std::size_t ConversionMargin = 100;  // one more byte for so many, for the same purpose
+constexpr std::size_t ConversionMargin = 100;  // one spare byte per 100, for the same purpose
 
 struct ByteOrderMark {
     std::string_view bytes;

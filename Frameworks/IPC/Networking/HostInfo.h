@@ -12,7 +12,7 @@ struct hostent;
 
 class HostInfo {
 public:
-    // By what a host is looked up.
+    // The key of a look-up.
     enum HostType : std::int32_t { BY_NAME = 0, BY_ADDRESS = 1, LOCAL_HOST = 2 };
 
     HostInfo();  // the local host, with the database open for getNextHost; prints its name on the standard output
