@@ -1,8 +1,10 @@
-// Holds the paths, links and commands that the documents name against what there is.
+// Checks that the paths, links, commands and names in the documents exist.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
+#include <iterator>
 #include <set>
 #include <sstream>
 #include <string>
@@ -16,7 +18,7 @@ namespace fs = std::filesystem;
 
 using Words = std::vector<std::string>;
 
-// All that belongs to the project, from its root; not what was built.
+// All files and folders of the project, relative to its root, without what was built.
 const std::set<std::string>& Files() {
     static const std::set<std::string> files = [] {
         std::set<std::string> found;
@@ -44,7 +46,7 @@ Words Documents() {
     return documents;
 }
 
-// What stands between two marks, not across lines.
+// The texts between two marks, within a line.
 Words Between(const std::string& text, const std::string& open, const std::string& close) {
     Words found;
     std::istringstream lines(text);
@@ -62,7 +64,7 @@ Words Between(const std::string& text, const std::string& open, const std::strin
     return found;
 }
 
-// Code in a document: between backticks, or a line that is set in by four blanks.
+// Code in a document: between backticks, or a line indented by four blanks.
 Words CodeOf(const std::string& document) {
     Words code = Between(document, "`", "`");
     std::istringstream lines(document);
@@ -85,7 +87,7 @@ Words WordsOf(const std::string& text) {
     return words;
 }
 
-// A word that stands for many, as System/<Name>/ or ..._Status.csv.
+// A placeholder, as System/<Name>/ or ..._Status.csv.
 bool IsPattern(const std::string& word) {
     return word.find_first_of("<>*$") != std::string::npos || word.find("..") == 0;
 }
@@ -100,8 +102,8 @@ bool IsNameOfAFile(const std::string& name) {
                        [&name](const std::string& file) { return fs::path(file).filename() == name; });
 }
 
-// From the root of the project, and neither what is built there nor a package; bare names are those of files with an
-// ending that no file of the instrument has.
+// A path from the root of the project, unless it is built or a package, or a bare name with an ending that no file of
+// the instrument has.
 bool NamesAFile(const std::string& word) {
     const std::size_t slash = word.find('/');
     if (slash != std::string::npos) {
@@ -137,9 +139,57 @@ Words CommandsOf(const std::string& program) {
     return commands;
 }
 
+// The folders that have a README.md.
+Words DescribedFolders() {
+    Words folders = {"Drivers"};
+    for (const char* top : {"System", "Frameworks", "Bench"}) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(SOURCE_FOLDER) / top)) {
+            if (entry.is_directory()) {
+                folders.push_back(std::string(top) + "/" + entry.path().filename().string());
+            }
+        }
+    }
+    return folders;
+}
+
+// Letters, digits and "_" in one piece, with a letter first.
+Words IdentifiersOf(const std::string& text) {
+    Words identifiers;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto isPart = [](char letter) {
+            return std::isalnum(static_cast<unsigned char>(letter)) || letter == '_';
+        };
+        const auto start = std::find_if(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(), isPart);
+        const auto end = std::find_if_not(start, text.end(), isPart);
+        if (start != end && !std::isdigit(static_cast<unsigned char>(*start))) {
+            identifiers.emplace_back(start, end);
+        }
+        at = static_cast<std::size_t>(end - text.begin());
+    }
+    return identifiers;
+}
+
+// All identifiers of the tree except its documents: in the files and in their names.
+const std::set<std::string>& Names() {
+    static const std::set<std::string> names = [] {
+        std::set<std::string> found;
+        for (const std::string& file : Files()) {
+            if (!file.ends_with(".md")) {
+                const fs::path path = fs::path(SOURCE_FOLDER) / file;
+                for (const std::string& name :
+                     IdentifiersOf(file + " " + (fs::is_directory(path) ? "" : ReadFile(path)))) {
+                    found.insert(name);
+                }
+            }
+        }
+        return found;
+    }();
+    return names;
+}
+
 }  // namespace
 
-TEST(Documents, name_files_that_there_are) {
+TEST(Documents, name_existing_files) {
     std::size_t seen = 0;
     for (const std::string& document : Documents()) {
         for (const std::string& code : CodeOf(ReadFile(fs::path(SOURCE_FOLDER) / document))) {
@@ -156,7 +206,7 @@ TEST(Documents, name_files_that_there_are) {
     EXPECT_GT(seen, 80U);
 }
 
-TEST(Documents, link_to_what_there_is) {
+TEST(Documents, link_to_existing_files) {
     std::size_t seen = 0;
     for (const std::string& document : Documents()) {
         for (const std::string& link : Between(ReadFile(fs::path(SOURCE_FOLDER) / document), "](", ")")) {
@@ -168,7 +218,7 @@ TEST(Documents, link_to_what_there_is) {
     EXPECT_GE(seen, 8U);
 }
 
-TEST(Documents, tell_of_runs_with_the_options_and_faults_that_there_are) {
+TEST(Documents, name_existing_options_and_faults) {
     const std::string options =
         ReadFile(SOURCE_FOLDER "/Bench/Console/Options.cpp") + ReadFile(SOURCE_FOLDER "/Bench/Common/CommandLine.cpp");
     const std::string faults = ReadFile(SOURCE_FOLDER "/Bench/Board/BoardFaults.h");
@@ -191,7 +241,7 @@ TEST(Documents, tell_of_runs_with_the_options_and_faults_that_there_are) {
     EXPECT_GT(seen, 20U);
 }
 
-TEST(Documents, tell_of_the_stages_that_there_are) {
+TEST(Documents, name_existing_stages) {
     const Words stages = StagesOf(ReadFile(SOURCE_FOLDER "/test"));
     ASSERT_GE(stages.size(), 12U);
     std::size_t seen = 0;
@@ -203,4 +253,17 @@ TEST(Documents, tell_of_the_stages_that_there_are) {
         }
     }
     EXPECT_GT(seen, 3U);
+}
+
+TEST(Documents, name_existing_things_in_a_folder) {
+    std::size_t seen = 0;
+    for (const std::string& folder : DescribedFolders()) {
+        for (const std::string& code : CodeOf(ReadFile(fs::path(SOURCE_FOLDER) / folder / "README.md"))) {
+            for (const std::string& name : IdentifiersOf(code)) {
+                EXPECT_TRUE(Names().count(name) > 0) << folder << "/README.md: " << code << ": " << name;
+                ++seen;
+            }
+        }
+    }
+    EXPECT_GT(seen, 100U);
 }

@@ -1,4 +1,4 @@
-// Holds the log lines that the operator's table tells of against those that the product can write.
+// Checks that the product can write the log lines that the documents quote.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -21,7 +21,7 @@ std::string Sources() {
     return text;
 }
 
-// A text that goes on in the next line of a source, in one piece.
+// Joins texts that continue in the next line of a source.
 std::string Joined(const std::string& sources) {
     std::string text;
     for (std::size_t at = 0; at < sources.size(); ++at) {
@@ -35,7 +35,7 @@ std::string Joined(const std::string& sources) {
     return text;
 }
 
-// What stands between quotation marks and is more than a word.
+// The texts between quotation marks with more than one word.
 std::vector<std::string> QuotationsOf(const std::string& document) {
     std::vector<std::string> quotations;
     for (std::size_t start = document.find('"'); start != std::string::npos; start = document.find('"', start)) {
@@ -52,9 +52,9 @@ std::vector<std::string> QuotationsOf(const std::string& document) {
     return quotations;
 }
 
-// What stands between backticks and reads like a line of the log: words that end in "!" or "failed", or that begin with
-// a class and its operation.
-std::vector<std::string> LinesToldOf(const std::string& document) {
+// The texts between backticks that look like log lines: several words that end in "!" or "failed", or begin with a
+// class and its operation.
+std::vector<std::string> QuotedLines(const std::string& document) {
     std::vector<std::string> lines;
     for (std::size_t start = document.find('`'); start != std::string::npos; start = document.find('`', start)) {
         const std::size_t end = document.find('`', start + 1);
@@ -73,16 +73,16 @@ std::vector<std::string> LinesToldOf(const std::string& document) {
 
 }  // namespace
 
-TEST(House, operators_are_told_of_lines_that_the_product_writes) {
+TEST(House, operation_quotes_lines_that_the_product_writes) {
     const std::string sources = Joined(Sources());
-    const std::vector<std::string> lines = LinesToldOf(ReadFile(SOURCE_FOLDER "/Documentation/Operation.md"));
+    const std::vector<std::string> lines = QuotedLines(ReadFile(SOURCE_FOLDER "/Documentation/Operation.md"));
     EXPECT_GE(lines.size(), 35U);
     for (const std::string& line : lines) {
         EXPECT_NE(sources.find("\"" + line + "\""), std::string::npos) << line;
     }
 }
 
-TEST(House, hazards_are_told_by_texts_that_the_product_writes) {
+TEST(House, hazards_quotes_texts_that_the_product_writes) {
     const std::string sources = Joined(Sources());
     const std::vector<std::string> quotations = QuotationsOf(ReadFile(SOURCE_FOLDER "/Documentation/Hazards.md"));
     EXPECT_GE(quotations.size(), 20U);
