@@ -36,7 +36,7 @@ public:
     std::pmr::memory_resource* Memory() { return &m_memory; }
 
 private:
-    static constexpr std::size_t FirstBlock = 2048;  // bytes, about five items; each later block is larger
+    static constexpr std::size_t FirstBlock = 2048;  // bytes, about ten items; each later block is larger
 
     StdString m_place = "settings";
     std::pmr::monotonic_buffer_resource m_memory{FirstBlock};
