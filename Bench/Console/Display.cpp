@@ -19,7 +19,7 @@ constexpr const char* Amber = "\033[33m";
 constexpr const char* Blue = "\033[94m";
 constexpr const char* Red = "\033[31m";
 constexpr const char* Cyan = "\033[36m";
-constexpr const char* Reset = "\033[0m";
+constexpr const char* NoColor = "\033[0m";
 constexpr const char* EraseLine = "\r\033[K";
 
 int TerminalWidth() {
@@ -35,7 +35,7 @@ Display::Display()
 void Display::Write(const std::string& text, const char* color) {
     EndProgress();
     const bool colored = m_colored && *color != '\0';
-    std::printf("%s%s%s\n", colored ? color : "", text.c_str(), colored ? Reset : "");
+    std::printf("%s%s%s\n", colored ? color : "", text.c_str(), colored ? NoColor : "");
     std::fflush(stdout);
 }
 
@@ -64,7 +64,7 @@ void Display::Progress(const std::string& text) {
         return;
     }
     const std::string cut = CutToWidth(text, TerminalWidth() - 1);
-    std::printf("%s%s%s%s", EraseLine, m_colored ? Cyan : "", cut.c_str(), m_colored ? Reset : "");
+    std::printf("%s%s%s%s", EraseLine, m_colored ? Cyan : "", cut.c_str(), m_colored ? NoColor : "");
     std::fflush(stdout);
     m_progress = true;
 }
@@ -85,7 +85,7 @@ std::string Painted(const std::string& text) {
     std::string painted = text;
     for (const auto& row : Words) {
         const std::string word = row.word;
-        const std::string paint = row.color + word + Reset;
+        const std::string paint = row.color + word + NoColor;
         for (std::size_t at = painted.find(word); at != std::string::npos; at = painted.find(word, at + paint.size())) {
             painted.replace(at, word.size(), paint);
         }

@@ -23,7 +23,7 @@ constexpr int PollMilliseconds = 5;
 // Timeouts in simulated seconds, many times what each takes; none expires before as many real seconds.
 constexpr double StartTimeout = 200.0;
 constexpr double ResultTimeout = 900.0;
-constexpr double ResetTimeout = 200.0;
+constexpr double SweepResetTimeout = 200.0;
 constexpr double RealTimeout = 30.0;
 constexpr double RealResultTimeout = 10.0;  // no outcome depends on a result
 constexpr int SweepResetRequests = 3;
@@ -258,7 +258,7 @@ bool SweepCase::Reset(SystemUnderTest& system) const {
         if (request % 2 == 1 || !system.AtFrontEnd().SendCode(FrontEnd::Reset)) {
             system.AtStation().SendRequest(RequestOf(860));
         }
-        if (WaitFor(system, ResetTimeout, isUp)) {
+        if (WaitFor(system, SweepResetTimeout, isUp)) {
             return ReachTestState(system, station + 1, StartTimeout);
         }
     }
