@@ -1,5 +1,5 @@
-// The other end of a TCP link, byte by byte: a listener on a port of its own of this machine, and what it accepts. A
-// minute without a word ends a test that would hang.
+// The other end of a TCP link, byte by byte: a listener on a free port of this machine, and the connections that it
+// accepts. A minute without data ends a test that would hang.
 #pragma once
 
 #include <arpa/inet.h>
@@ -32,7 +32,7 @@ public:
         EXPECT_EQ(send(m_descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
     }
 
-    // As many as told; fewer only at the end of the connection, however it came.
+    // Reads `size` bytes, or fewer at the end of the connection, by any cause.
     Bytes Receive(std::size_t size) const {
         Bytes bytes(size);
         std::size_t received = 0;
@@ -52,7 +52,7 @@ public:
 
     void EndSending() const { shutdown(m_descriptor, SHUT_WR); }
 
-    // Without a farewell: the other end meets a reset.
+    // The other end sees a reset.
     void Abort() {
         const linger none{1, 0};
         setsockopt(m_descriptor, SOL_SOCKET, SO_LINGER, &none, sizeof none);
@@ -91,7 +91,7 @@ public:
 
     RawConnection Accept() const {
         const int accepted = accept(m_descriptor, nullptr, nullptr);
-        EXPECT_NE(accepted, -1) << "nobody connected";
+        EXPECT_NE(accepted, -1) << "no connection";
         return RawConnection(accepted);
     }
 

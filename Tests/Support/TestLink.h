@@ -101,7 +101,7 @@ inline Reply Ask(const RawConnection& peer, const Bytes& request) {
     return ReceiveReply(peer);
 }
 
-// What stands behind the time stamp.
+// The data after the time stamp.
 inline std::string BehindStamp(const Reply& reply) {
     EXPECT_GE(reply.data.size(), 8U);
     return reply.data.size() < 8 ? "" : std::string(reply.data.begin() + 8, reply.data.end());

@@ -215,7 +215,7 @@ const std::vector<KindOfCall>& Calls() {
 class CallsTest : public BoardTest, public testing::WithParamInterface<KindOfCall> {};
 
 TEST_P(CallsTest, a_call_can_be_made_to_fail) {
-    // With the first thread the thread sanitizer starts one of its own.
+    // The thread sanitizer starts its own thread together with the first one.
     ASSERT_TRUE(GetParam().call());
     Board().Reset({});
     ASSERT_TRUE(Board().FailCall(GetParam().kind, 1, EMFILE));
@@ -235,7 +235,7 @@ INSTANTIATE_TEST_SUITE_P(EachKind, CallsTest, testing::ValuesIn(Calls()),
 
 using CallTest = BoardTest;
 
-// But for memory, which has a program of its own for it.
+// All kinds but allocations, which have their own test program.
 TEST_F(CallTest, every_kind_is_tried_here) {
     std::vector<std::string> kinds = Bench::Board::CallKinds();
     std::erase(kinds, "allocation");
@@ -281,7 +281,7 @@ TEST_F(CallTest, an_unknown_kind_is_refused) {
 
 }  // namespace
 
-TEST_F(CallTest, a_large_piece_of_a_stream_without_a_buffer_is_few_reads) {
+TEST_F(CallTest, a_stream_without_a_buffer_reads_large_pieces) {
     const std::string text(10000, 'x');
     ASSERT_TRUE(WithFile([&text](int file) { return write(file, text.data(), text.size()) == 10000; }));
     FILE* file = fopen(SomeFile, "r");

@@ -46,7 +46,7 @@ TEST_F(CardTest, the_card_is_a_block_device_while_it_is_in) {
     EXPECT_EQ(stat64("/dev/mmcblk0", &status), 0);
 }
 
-TEST_F(CardTest, the_switch_tells_whether_it_is_in) {
+TEST_F(CardTest, the_switch_shows_whether_it_is_in) {
     EXPECT_TRUE(Board().Pin(3, 9).level);
     Board().PullCard();
     EXPECT_FALSE(Board().Pin(3, 9).level);
@@ -132,7 +132,7 @@ TEST_F(CardTest, a_file_written_while_not_mounted_is_not_on_the_card) {
     EXPECT_EQ(access("/mnt/sd-card/a.csv", F_OK), -1);
 }
 
-TEST_F(CardTest, files_stay_on_the_card_from_mount_to_mount_and_over_a_new_run) {
+TEST_F(CardTest, files_stay_on_the_card_after_unmounting_and_a_new_run) {
     ASSERT_EQ(Mount(), 0);
     std::ofstream("/mnt/sd-card/a.csv") << "line\n";
     ASSERT_EQ(Unmount(), 0);
@@ -164,7 +164,7 @@ TEST_F(CardTest, an_append_stream_appends_and_knows_its_descriptor) {
     EXPECT_EQ(WholeFile(OnCard("a.csv")), "one\ntwo\n");
 }
 
-TEST_F(CardTest, a_card_pulled_under_an_open_file_fails_its_writes_until_it_is_back) {
+TEST_F(CardTest, writes_to_an_open_file_fail_while_the_card_is_out) {
     ASSERT_EQ(Mount(), 0);
     FILE* file = fopen64("/mnt/sd-card/a.csv", "a");
     ASSERT_NE(file, nullptr);
@@ -236,7 +236,7 @@ TEST_F(CardTest, another_mount_point_leads_to_the_card_too) {
     EXPECT_EQ(umount("/mnt/other"), 0);
 }
 
-TEST_F(CardTest, folders_of_the_instrument_lie_in_the_bench_folder) {
+TEST_F(CardTest, folders_of_the_instrument_are_in_the_bench_folder) {
     std::ofstream("/var/log/vorn/data/analyzer.op.xml") << "x";
     EXPECT_EQ(WholeFile(Folder() + "/var/log/vorn/data/analyzer.op.xml"), "x");
     ASSERT_EQ(rename("/var/log/vorn/data/analyzer.op.xml", "/var/log/vorn/data/b"), 0);

@@ -45,7 +45,7 @@ TEST_F(DeviceTimeTest, a_call_counts_from_its_beginning_to_its_end) {
     EXPECT_LE(Counted() - before, end - begin);
 }
 
-TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_no_device_counts_no_further) {
+TEST_F(DeviceTimeTest, a_call_on_no_device_stops_counting) {
     Bench::DeviceCall call(Board().State());
     call.Is(false);
     const std::int64_t before = Counted();
@@ -53,7 +53,7 @@ TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_no_device_counts_no_furthe
     EXPECT_EQ(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, a_call_that_turns_out_to_be_of_a_device_counts_from_there_on) {
+TEST_F(DeviceTimeTest, a_call_on_a_device_starts_counting) {
     Bench::DeviceCall call(Board().State(), false);
     std::int64_t before = Counted();
     Pass(1000);
@@ -86,7 +86,7 @@ TEST_F(DeviceTimeTest, calls_at_the_same_time_count_once) {
     EXPECT_LE(Counted() - before, Now() - begin);
 }
 
-TEST_F(DeviceTimeTest, what_a_call_does_is_told_with_its_own_time_until_then) {
+TEST_F(DeviceTimeTest, the_trace_has_the_device_time_of_each_call) {
     const int file = open(Chip, O_WRONLY);
     const std::int64_t before = Counted();
     ASSERT_EQ(write(file, "1", 1), 1);
@@ -110,7 +110,7 @@ TEST_F(DeviceTimeTest, opening_reading_and_closing_a_device_file_count) {
     EXPECT_GT(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, a_file_on_the_disk_does_not_count_but_for_the_look_whose_it_is) {
+TEST_F(DeviceTimeTest, a_file_on_the_disk_counts_only_while_its_path_is_resolved) {
     const std::int64_t begin = Now();
     std::int64_t before = Counted();
     const int file = open("/var/log/vorn/data/file", O_RDWR | O_CREAT, 0600);
@@ -130,7 +130,7 @@ TEST_F(DeviceTimeTest, a_line_of_the_log_counts) {
     EXPECT_GT(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, a_fresh_run_knows_nothing_of_a_call_that_never_ended) {
+TEST_F(DeviceTimeTest, a_new_run_forgets_an_unfinished_call) {
     Board().State().deviceCalls.fetch_add(1);
     Board().Reset({});
     const std::int64_t before = Counted();
@@ -138,7 +138,7 @@ TEST_F(DeviceTimeTest, a_fresh_run_knows_nothing_of_a_call_that_never_ended) {
     EXPECT_EQ(Counted(), before);
 }
 
-TEST_F(DeviceTimeTest, of_a_write_to_the_card_the_writing_down_counts) {
+TEST_F(DeviceTimeTest, tracing_a_write_to_the_card_counts) {
     ASSERT_EQ(mount("/dev/mmcblk0p1", "/mnt/sd-card", "vfat", MS_SYNCHRONOUS, ""), 0);
     const int file = open("/mnt/sd-card/file", O_WRONLY | O_CREAT, 0600);
     ASSERT_GE(file, 0);

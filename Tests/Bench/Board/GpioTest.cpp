@@ -149,7 +149,7 @@ TEST_F(GpioTest, an_input_reads_what_drives_it) {
     EXPECT_EQ(ReadDevice("/sys/class/gpio/pioA2/value"), "0\n");
 }
 
-TEST_F(GpioTest, an_open_value_file_reads_anew_at_its_start) {
+TEST_F(GpioTest, an_open_value_file_is_read_again_at_its_start) {
     Claim();
     const EdgeWaiter waiter("/sys/class/gpio/pioA2/value");
     EXPECT_EQ(waiter.Read(), "0\n");

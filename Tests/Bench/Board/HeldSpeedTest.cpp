@@ -32,7 +32,7 @@ bool Sleeps(pid_t thread) {
     return name != std::string::npos && line.compare(name, 3, ") S") == 0;
 }
 
-// A semaphore wait that is in progress while time begins to run ten thousand times as fast, up to well behind its end.
+// A semaphore wait in progress while time becomes ten thousand times as fast, until well after its end.
 class HeldSpeedTest : public BoardTest {
 protected:
     HeldSpeedTest() : BoardTest(Slow()) { sem_init(&m_semaphore, 0, 0); }
@@ -73,7 +73,7 @@ TEST_F(HeldSpeedTest, a_wait_in_progress_is_one_wait_of_the_kernel) {
     EXPECT_EQ(WaitAcrossTheChange(), 0);
 }
 
-TEST_F(HeldSpeedTest, let_go_again_a_wait_in_progress_follows_the_speed) {
+TEST_F(HeldSpeedTest, after_the_hold_a_wait_in_progress_follows_the_speed) {
     Board().HoldSpeed(true);
     Board().HoldSpeed(false);
     EXPECT_EQ(WaitAcrossTheChange(), ETIMEDOUT);

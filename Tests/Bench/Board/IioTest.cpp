@@ -48,7 +48,7 @@ TEST_F(IioTest, a_reading_stops_at_ten_bits) {
     EXPECT_EQ(ReadDevice(Raw), "1023\n");
 }
 
-TEST_F(IioTest, a_rail_has_its_voltage_without_being_told) {
+TEST_F(IioTest, a_rail_has_its_voltage_by_default) {
     Select(10);
     EXPECT_EQ(ReadDevice(Raw), "572\n");  // 1.8 V at 3.222656250 mV a count
     Board().SetMultiplexerRaw(10, 1);

@@ -61,7 +61,7 @@ TEST_F(MemoryTest, a_mapping_of_more_than_a_page_is_invalid) {
     close(file);
 }
 
-TEST_F(MemoryTest, memory_of_the_program_itself_is_mapped_as_ever) {
+TEST_F(MemoryTest, memory_of_the_program_is_mapped_by_the_kernel) {
     void* page = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(page, MAP_FAILED);
     static_cast<char*>(page)[0] = 'x';

@@ -120,7 +120,7 @@ TEST_F(NetworkTest, a_mapped_port_leads_to_the_real_one) {
     EXPECT_EQ(Link().Connect(Port), ECONNREFUSED);
 }
 
-TEST_F(NetworkTest, a_port_can_be_mapped_anew_and_sixteen_at_once) {
+TEST_F(NetworkTest, a_port_can_be_mapped_again_and_sixteen_at_once) {
     ASSERT_TRUE(Board().MapPort(Port, 1));
     const Link link;
     ConnectTo(link);
@@ -210,7 +210,7 @@ TEST_F(NetworkTest, a_socket_that_is_bound_is_a_peers) {
     EXPECT_EQ(Board().CallCount("close"), 0U);
 }
 
-TEST_F(NetworkTest, a_link_can_be_told_not_to_block) {
+TEST_F(NetworkTest, a_link_can_be_set_not_to_block) {
     const Link link;
     const RawConnection peer = ConnectTo(link);
     int on = 1;
@@ -295,7 +295,7 @@ TEST_F(NetworkTest, link_cut) {
     EXPECT_EQ(errno, EPIPE);
 }
 
-TEST_F(NetworkTest, a_cut_is_told_to_the_first_call_that_comes) {
+TEST_F(NetworkTest, a_cut_fails_the_next_call) {
     Set("link-cut=3,1200");
     const Link link;
     const RawConnection peer = ConnectTo(link);

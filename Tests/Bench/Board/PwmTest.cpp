@@ -18,7 +18,7 @@ protected:
 
 TEST_F(PwmTest, the_chip_has_four_channels) { EXPECT_EQ(ReadDevice("/sys/class/pwm/pwmchip0/npwm"), "4\n"); }
 
-TEST_F(PwmTest, a_channel_appears_with_its_export_and_goes_with_its_unexport) {
+TEST_F(PwmTest, a_channel_exists_from_export_to_unexport) {
     EXPECT_FALSE(std::ifstream("/sys/class/pwm/pwmchip0/pwm1").is_open());
     Claim();
     EXPECT_TRUE(std::ifstream("/sys/class/pwm/pwmchip0/pwm1").is_open());

@@ -86,7 +86,7 @@ TEST_F(SoundTest, the_mixers_calls_are_kept_as_the_program_wrote_them) {
     EXPECT_EQ(Board().SoundCalls(), Lines{"amixer 'a'\\''b' ''"});
 }
 
-TEST_F(SoundTest, a_call_stands_in_the_trace_too) {
+TEST_F(SoundTest, a_call_is_in_the_trace_too) {
     EXPECT_EQ(Run("amixer set -q Master 1%,2%"), 0);
     EXPECT_EQ(Board().Trace(), Lines{"run amixer set -q Master 1%,2%"});
 }
@@ -159,7 +159,8 @@ TEST_F(SoundTest, a_killed_player_is_heard_no_longer_than_its_clip) {
     const std::string pidFile = Folder() + "/pid";
     std::thread program([&pidFile] { Run("aplay -q /usr/share/vorn/bin/a.wav & echo $! > '" + pidFile + "'; wait"); });
     EXPECT_TRUE(Board().WaitUntil([this] { return Board().SoundPlaying(); }));
-    EXPECT_TRUE(Board().WaitUntil([&] { return ReadFile(pidFile).ends_with('\n'); }));  // it plays before it is told
+    EXPECT_TRUE(
+        Board().WaitUntil([&] { return ReadFile(pidFile).ends_with('\n'); }));  // it plays before its number is written
     EXPECT_EQ(kill(std::stoi(ReadFile(pidFile)), SIGKILL), 0);
     program.join();
     EXPECT_TRUE(Board().WaitUntil([this] { return !Board().SoundPlaying(); }));
@@ -208,7 +209,7 @@ TEST_F(SoundTest, what_can_not_be_played_is_named) {
               "aplay: /usr/share/vorn/bin: not a PCM clip in a RIFF file\n");
 }
 
-TEST_F(SoundTest, the_players_own_files_count_as_nobodys_calls) {
+TEST_F(SoundTest, the_players_own_calls_do_not_count) {
     Lay("a.wav", Clip(8));
     ASSERT_TRUE(Board().FailCall("fopen", 1, EIO));
     EXPECT_EQ(Run("aplay -q /usr/share/vorn/bin/a.wav"), 0);
@@ -270,7 +271,7 @@ TEST_F(SoundTest, a_forked_child_ends_with_the_run) {
 TEST_F(SoundTest, a_forked_child_ends_with_its_program) {
     Lay("a.wav", Clip(8));
     int alive[2] = {};
-    ASSERT_EQ(pipe(alive), 0);  // which is at its end when nobody is left to write to it
+    ASSERT_EQ(pipe(alive), 0);  // at its end when no process can write to it
     const pid_t program = fork();
     if (program == 0) {
         const pid_t player = fork();

@@ -108,7 +108,7 @@ TEST_F(SpiTest, another_channel_gives_its_own_count) {
     EXPECT_EQ(CountOf(Words()), -5);
 }
 
-TEST_F(SpiTest, the_temperature_has_a_command_of_its_own) {
+TEST_F(SpiTest, the_temperature_has_its_own_command) {
     Board().SetConverterChannel(200, 123456);
     ASSERT_EQ(Command(0xA0C0), 2);
     WaitForConversion();

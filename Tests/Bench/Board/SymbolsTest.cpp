@@ -79,7 +79,7 @@ TEST(Symbols, no_function_is_both_covered_and_harmless) {
     }
 }
 
-TEST(Symbols, whatever_the_product_takes_from_libc_is_covered_or_harmless) {
+TEST(Symbols, each_libc_function_of_the_product_is_covered_or_harmless) {
     const Names needed = Symbols("--undefined-only", Product);
     EXPECT_EQ(needed.count("open"), 1U);
     EXPECT_EQ(Uncovered(needed, Covered(), Harmless()), Names{});

@@ -1,4 +1,4 @@
-// What the on-chip converter tells of the remote indicator, the motors' stages, the amplifier and the rails, read as
+// What the on-chip converter measures of the remote indicator, the motors' stages, the amplifier and the rails, read as
 // the product reads it.
 #include <string>
 
@@ -105,7 +105,7 @@ TEST_F(VoltagesTest, two_leds_may_be_broken_at_once) {
     EXPECT_GT(Volts(4), 0.5F);
 }
 
-TEST_F(VoltagesTest, without_its_led_the_loop_carries_nothing_and_stands_at_its_supply) {
+TEST_F(VoltagesTest, a_loop_with_a_broken_led_shows_its_supply_voltage) {
     EXPECT_EQ(Volts(0), 0.0F);
     Light(17, true);
     Set("indicator-led-open=blue-analyzer");

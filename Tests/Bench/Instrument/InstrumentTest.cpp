@@ -374,7 +374,7 @@ TEST_F(Instrument, one_long_step_is_as_good_as_many_short_ones) {
     EXPECT_NEAR(state.ledWarmth, fine.ledWarmth, 1e-9);
 }
 
-TEST_F(Instrument, color_of_a_long_step_meets_that_of_short_ones_while_it_develops) {
+TEST_F(Instrument, a_long_step_develops_the_color_of_short_ones) {
     state.cellChlorine = 0.9;
     Dose(300.0);
     inputs.stirStepFrequency = 640.0;
@@ -386,7 +386,7 @@ TEST_F(Instrument, color_of_a_long_step_meets_that_of_short_ones_while_it_develo
     EXPECT_NEAR(state.color, fine.color, 5e-4);
 }
 
-TEST_F(Instrument, time_that_does_not_pass_changes_nothing) {
+TEST_F(Instrument, no_time_changes_nothing) {
     inputs = {0.4, 533.0, 640.0, 0.5, false};
     for (const double seconds : {0.0, -5.0, std::nan(""), static_cast<double>(INFINITY)}) {
         Wait(seconds);

@@ -34,7 +34,7 @@ const std::vector<Way>& Ways() {
     return ways;
 }
 
-// As on a thread of the program, nobody catches it.
+// Not caught, as on a thread of the program.
 void TakeUncaught() noexcept { kept = ::operator new(24); }
 
 class WayTest : public BoardTest, public testing::WithParamInterface<Way> {};
@@ -142,7 +142,7 @@ TEST_F(AllocationsTest, off_the_board_none_fails) {
     EXPECT_EQ(kept, nullptr);
 }
 
-TEST_F(AllocationsTest, an_object_that_finds_no_memory_ends_the_process_by_its_exception) {
+TEST_F(AllocationsTest, an_object_without_memory_ends_the_process) {
     testing::FLAGS_gtest_death_test_style = "fast";
     EXPECT_EXIT(
         {
