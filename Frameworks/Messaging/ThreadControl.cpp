@@ -54,8 +54,8 @@ std::int32_t ThreadControl::Run() {
     return Exit();
 }
 
-// Everything queued is processed in one wake-up, whatever the handlers answer; the last answer counts. KILLING_SYSTEM
-// ends the draining, and the thread where it comes from the thread itself.
+// Handles everything that is queued in one wake-up; the result of the last handler counts. KILLING_SYSTEM ends the
+// loop, and ends the thread if the thread sent it to itself.
 bool ThreadControl::DrainQueue() {
     bool keepGoing = true;
     while (m_currentMessage != nullptr) {
@@ -109,7 +109,7 @@ void ThreadControl::Kill() {
     MessageBase::Send(std::move(message));
 }
 
-// The queue is emptied here and freed by the destructor, so that a late sender never meets a freed one.
+// The queue is emptied here and freed by the destructor, so that a late sender never uses a freed queue.
 std::int32_t ThreadControl::Exit() {
     SetState(POST_EXITING_STATE);
     while (Buffer().PopFront() != nullptr) {
@@ -126,7 +126,7 @@ bool ThreadControl::RegisterCommand(ThreadControl* /*thread*/, CommandType /*com
 
 bool ThreadControl::RegisterDataMessage(ThreadControl* /*thread*/, DataMessageType /*type*/) { return false; }
 
-// A log message that made log messages would never end.
+// Logging the receipt of log messages would never end.
 void ThreadControl::LogReceipt(const MessageBase& message) {
     if (!IsLogMessage(message)) {
         Log(KindAndName(message) + ") : From - " + message.GetSourceName() + " : To - " + message.GetDestinationName(),
@@ -167,7 +167,7 @@ bool ThreadControl::RegisterForDataMessage(DataMessageType type) {
     return router != nullptr && router->RegisterDataMessage(this, type);
 }
 
-// Made by whoever comes first, the thread or a sender, so that the first message isn't lost.
+// Made by the first user, the thread or a sender, so that no early message is lost.
 MessageBuffer& ThreadControl::MakeBuffer() {
     const MutexLock lock(m_bufferMutex);
     if (m_buffer == nullptr) {

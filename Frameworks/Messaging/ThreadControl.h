@@ -1,5 +1,5 @@
-// A controller: a thread with a message queue, a state and a time-out. ReceiveMessage, Kill, Log and the readers may be
-// called from any thread; all else runs on the controller's own thread. A false result of a Process operation ends the
+// A controller: a thread with a message queue, a state and a time-out. Any thread may call ReceiveMessage, Kill, Log
+// and the getters; everything else runs on the controller's own thread. A Process operation that returns false ends the
 // thread.
 #pragma once
 
@@ -25,11 +25,11 @@ public:
 
     // Subscribes to data messages. Called from Init, on the controller's own thread.
     virtual bool DoRegistration() = 0;
-    // Hands the current message to one of the next two; false without one.
+    // Passes the current message to ProcessCommandMessage or ProcessDataMessage; false without one.
     virtual bool ProcessMessage();
-    // False only where the wait failed, which every cause counts as a time-out.
+    // Returns false only if the wait failed; any failure counts as a time-out.
     virtual bool WaitForMessage();
-    // The router's alone; false in any other controller.
+    // For the router only; false in any other controller.
     virtual bool RegisterCommand(ThreadControl* thread, CommandType command);
     virtual bool RegisterDataMessage(ThreadControl* thread, DataMessageType type);
     // The message is freed when they return. The default follows the four MOVE_TO commands; false for null.
@@ -42,10 +42,10 @@ public:
     void SetTimeOut(std::int32_t milliSeconds) { m_timeOut = milliSeconds; }
     std::int32_t GetTimeOut() const { return m_timeOut; }
 
-    // At the end of this controller's queue, which needs no start for that.
+    // Appends to this controller's queue, even before the thread has started.
     void ReceiveMessage(std::unique_ptr<MessageBase> message);
     void SendCommand(CommandType command);  // to every controller, through the router
-    // -1 counts as the least severe level. Nothing is allocated above the process-wide level.
+    // Level -1 means the least severe level. Nothing is allocated for a level above the process-wide one.
     void Log(const StdString& text, LogLevel level) {
         if (IsLogged(level)) {
             SendLogLine(text, level);
@@ -94,7 +94,7 @@ inline void ThreadControl::ReceiveMessage(std::unique_ptr<MessageBase> message) 
     if (IsLogged(DEBUG_LOG_LEVEL)) {
         LogReceipt(*message);
     }
-    // Nobody would ever fetch it, and the rest of the system may run on for years.
+    // Nothing would ever remove it, and the rest of the system may run for years.
     if (GetState() == POST_EXITING_STATE) {
         return;
     }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/Messages/RemoteIndicatorAudioControlMessage.h"
 
@@ -10,7 +11,7 @@ namespace {
 
 struct AudioRoutine {
     AudioAction action;
-    unsigned seconds;  // of sleep after sending
+    unsigned seconds;  // to sleep after sending
     const char* failure;
 };
 
@@ -25,8 +26,7 @@ bool Request(const AudioRoutine& routine, const StdString& fileName = StdString(
         message->SetFileName(fileName);
     }
     if (!MessageController::SendMessage(std::move(message), DEVICE_MONITOR)) {
-        MessageController::LogMessage(routine.failure, ERROR_LOG_LEVEL, DEVICE_MONITOR);
-        return false;
+        return ReportError(routine.failure, DEVICE_MONITOR);
     }
     sleep(routine.seconds);
     return true;

@@ -1,6 +1,6 @@
-// What a test of the board asks of the remote indicator's sound. The indicator has a thread of its own, so each request
-// sleeps long enough for it to act. False, with a line in the log and without the sleep, where the request can't be
-// sent. Any thread.
+// Requests of a hardware test to the sound of the remote indicator. The remote indicator acts on its own thread, so
+// each request sleeps afterwards until that has finished. If a request cannot be sent, it is logged and false is
+// returned without a sleep. Any thread.
 #pragma once
 
 #include "Frameworks/Utilities/StdString.h"

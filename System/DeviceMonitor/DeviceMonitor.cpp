@@ -3,6 +3,7 @@
 #include "Drivers/Print.h"
 #include "Frameworks/Configuration/SystemOperationFile.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "System/Messages/PeriodicHardwareTestMessage.h"
 
 std::atomic<bool> cardChanged{false};
@@ -25,19 +26,19 @@ constexpr const char* HourCounters[] = {
     "RemoteIndicatorRunHours",
 };
 
-// Whether the card was there at the last notice. Like the mark below it outlasts a reset.
+// Whether the card was present at the last notice. Like the mark below, it outlasts a reset.
 std::atomic<bool> cardPresent{false};
 
-// The card that a notice looks at.
+// The card that a notice checks.
 std::atomic<const SDCard*> watchedCard{nullptr};
 
-// When the hours are counted next: the first time two hours after it was first asked for.
+// When the hours are counted next. The first time is two hours after the first call.
 TimeInfo& TwoHourMark() {
     static TimeInfo mark(TwoHours);
     return mark;
 }
 
-// In memory only: the files are written with the hours.
+// In memory only; the files are written with the hours.
 void CountCycle() {
     SystemOperationFile* file = SystemOperationFile::GetInstance();
     if (file == nullptr) {
@@ -84,10 +85,9 @@ bool DeviceMonitor::DoRegistration() {
     if (RegisterForDataMessage(PERIODIC_HARDWARE_TEST_DATA_MESSAGE)) {
         return true;
     }
-    // In the name of the remote indicator's controller, as the readers of existing logs know it.
-    MessageController::LogMessage("DeviceMonitor::DoRegistration - PERIODIC_HARDWARE_TEST_DATA_MESSAGE failed!",
-                                  ERROR_LOG_LEVEL, REMOTE_INDICATOR_CONTROL);
-    return false;
+    // The origin is not this controller: readers of existing logs expect the remote indicator's.
+    return ReportError("DeviceMonitor::DoRegistration - PERIODIC_HARDWARE_TEST_DATA_MESSAGE failed!",
+                       REMOTE_INDICATOR_CONTROL);
 }
 
 bool DeviceMonitor::ProcessCommandMessage(CommandMessage* message) {
@@ -96,7 +96,7 @@ bool DeviceMonitor::ProcessCommandMessage(CommandMessage* message) {
     }
     const CommandType command = message->GetCommandType();
     if (command == MOVE_TO_RUNNING) {
-        SetTimeOut(TickMilliseconds);  // for good: no later state takes it back
+        SetTimeOut(TickMilliseconds);  // and for every later state
     } else if (command == COLLECT_MEASUREMENT) {
         CountCycle();
     }

@@ -1,5 +1,5 @@
-// The controller that looks after the board and its wear: it tests the hardware on request and keeps the run counters.
-// A test blocks it for as long as it runs. Other threads reach it by messages alone.
+// The controller that tests the hardware on request and keeps the run counters. A test blocks its thread while it runs.
+// Other threads use messages only.
 #pragma once
 
 #include <atomic>
@@ -20,8 +20,8 @@ public:
     bool ProcessDataMessage(DataMessage* message) override;  // always true
     bool ProcessTimeOut() override;
 
-    // Tells on the standard output when the card has come or gone since the last notice. It has the form that
-    // SDCard::WatchDeviceDirectory asks for; no signal calls it yet. Any thread.
+    // Prints to the standard output if the card was inserted or removed since the last notice. It has the signature
+    // that SDCard::WatchDeviceDirectory requires; no signal calls it yet. Any thread.
     static void NoticeCard(int signal, siginfo_t* information, void* context);
 
 private:
@@ -29,5 +29,5 @@ private:
     HardwareTests m_tests;
 };
 
-// Set by every notice of the card, for whoever will look at the card then.
+// Set by every notice of the card; nothing reads it yet.
 extern std::atomic<bool> cardChanged;

@@ -9,6 +9,7 @@
 #include "Drivers/Demultiplexer.h"
 #include "Drivers/StepperDriverMotor.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/DeviceMonitor/AudioRoutines.h"
 #include "System/Messages/PeriodicHardwareTestMessage.h"
@@ -29,7 +30,7 @@ static_assert(BOARD_VOLTAGES_TEST + std::size(Tests) == ALL_HARDWARE_TESTS);
 
 struct Rail {
     int channel;
-    float low;   // volts; a rail that is exactly on a limit passes
+    float low;   // volts; a rail exactly on a limit passes
     float high;  // volts
     const char* failure;
 };
@@ -41,12 +42,12 @@ constexpr Rail Rails[] = {
     {11, 0.8F, 1.2F, "Core 1.0V is outside of limits!"},
 };
 
-// The supply measure, which rises with the load of the motors and of the audio amplifier.
+// The supply current as a voltage: it rises with the load of the motors and of the audio amplifier.
 constexpr std::uint32_t MeasureChannel = 7;
 
 constexpr char AlertFile[] = "alert.wav";
 constexpr unsigned SecondsOfAlert = 1;
-constexpr float AmplifierRise = 1e-6F;  // volts; exactly as much passes
+constexpr float AmplifierRise = 1e-6F;  // volts; an equal rise passes
 
 struct CurrentLimit {
     PinAddress bit0;
@@ -60,7 +61,7 @@ struct MotorStage {
     std::optional<PinAddress> direction;
     PinAddress enable;
     std::optional<CurrentLimit> limit;
-    float rise;  // volts; exactly as much fails
+    float rise;  // volts; an equal rise fails
 };
 
 constexpr MotorStage ReagentStage{1, PinAddress{0, 3}, {0, 2}, CurrentLimit{{0, 4}, {0, 5}, {0, 6}, 7}, 0.5F};
@@ -69,9 +70,7 @@ constexpr MotorStage StirStage{2, std::nullopt, {1, 15}, std::nullopt, 0.03F};
 constexpr float MotorDutyCycle = 50.0F;    // percent
 constexpr float MotorFrequency = 1000.0F;  // hertz
 
-void LogError(const char* text) { MessageController::LogMessage(text, ERROR_LOG_LEVEL, DEVICE_MONITOR); }
-
-// Under the top controller's id and not the monitor's own: the analyzer's status is the word of the whole system.
+// The origin is SystemControl: the analyzer's status is that of the whole system.
 void RequestAmberAnalyzer() {
     auto message = TryMake<RemoteIndicatorControlMessage>();
     if (message != nullptr) {
@@ -81,8 +80,8 @@ void RequestAmberAnalyzer() {
     MessageController::SendMessage(std::move(message), SYSTEM_CONTROL);
 }
 
-bool Fail(const char* text) {
-    LogError(text);
+bool FailTest(const char* text) {
+    ReportError(text, DEVICE_MONITOR);
     RequestAmberAnalyzer();
     return false;
 }
@@ -129,11 +128,12 @@ bool MeasureRise(const MotorStage& stage, float& rise) {
     return isRead && isStopped;
 }
 
-// Both motors fail with the reagent motor's text: the watchers of existing logs know it as that of either stage.
+// Both stages log the reagent motor's text, which readers of existing logs expect.
 template <typename Motor>
 bool RisesEnough(const MotorStage& stage) {
     float rise = 0.0F;
-    return MeasureRise<Motor>(stage, rise) && (rise > stage.rise || Fail("Reagent delivery stepper motor test failed"));
+    return MeasureRise<Motor>(stage, rise) &&
+           (rise > stage.rise || FailTest("Reagent delivery stepper motor test failed"));
 }
 
 bool AmplifierRises() {
@@ -143,10 +143,10 @@ bool AmplifierRises() {
         return false;
     }
     sleep(SecondsOfAlert);
-    return ReadMeasure(loud) && (!(loud - quiet < AmplifierRise) || Fail("Audio amp test failed"));
+    return ReadMeasure(loud) && (!(loud - quiet < AmplifierRise) || FailTest("Audio amp test failed"));
 }
 
-// The sound is restarted whatever came before.
+// The sound is restarted after any result.
 bool RunInSilence(bool (*test)()) {
     const bool isPassed = TurnOffAudio() && test();
     return RestartAudio() && isPassed;
@@ -165,18 +165,15 @@ bool HardwareTests::Run(std::int32_t selector) {
 bool HardwareTests::CheckBoardVoltages() {
     Demultiplexer demultiplexer;
     if (!demultiplexer.Init(BoardDemultiplexerLines)) {
-        LogError("DeviceMonitor::CheckBoardVoltages - Initializing demux failed!");
-        return false;
+        return ReportError("DeviceMonitor::CheckBoardVoltages - Initializing demux failed!", DEVICE_MONITOR);
     }
     if (!demultiplexer.ReadAllVoltages(m_voltages)) {
-        LogError("DeviceMonitor::CheckBoardVoltages - Reading voltages failed!");
-        return false;
+        return ReportError("DeviceMonitor::CheckBoardVoltages - Reading voltages failed!", DEVICE_MONITOR);
     }
     bool isPassed = true;
     for (const Rail& rail : Rails) {
         if (!IsWithinLimits(rail, m_voltages)) {
-            LogError(rail.failure);
-            isPassed = false;
+            isPassed = ReportError(rail.failure, DEVICE_MONITOR);
         }
     }
     if (!isPassed) {

@@ -1,4 +1,4 @@
-// A line about an alarm. Nothing makes one yet. One thread at a time.
+// A line about an alarm. Nothing creates one yet. One thread at a time.
 #pragma once
 
 #include "Frameworks/Utilities/TimeInfo.h"

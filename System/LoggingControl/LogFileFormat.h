@@ -1,5 +1,5 @@
-// How the records of one kind are to be written, as the settings name it. Only CSV writes a file: XML is accepted and
-// writes nothing, the others are reported with each record.
+// The file format of one kind of record, as the settings name it. Only CSV writes a file. XML is accepted and writes
+// nothing; the other formats are logged as invalid with each record.
 #pragma once
 
 #include <cstdint>
@@ -14,5 +14,5 @@ enum LogFileFormat : std::int32_t {
     TEXT_LOG_FILE_FORMAT = 3,
 };
 
-// A text that is none of the names, in their very case, leaves the format as it was.
+// Leaves the format unchanged unless the text equals a name, including its case.
 void SetLogFileFormat(LogFileFormat& format, const StdString& name);

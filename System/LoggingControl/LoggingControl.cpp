@@ -16,7 +16,7 @@ constexpr char Identity[] = "Vernicor";
 constexpr int Options = LOG_PID | LOG_CONS | LOG_NDELAY | LOG_PERROR;
 constexpr int AllPriorities = 255;
 
-// The number is the priority as it stands: level 8, which is none of the eight, reads as facility user, priority 0.
+// The level is passed on as the priority: level 8, which syslog does not know, means facility user and priority 0.
 void WriteSystemLog(int priority, const StdString& line) {
     const StdString format = SystemLogFormat(line);
 #pragma GCC diagnostic push
@@ -45,7 +45,7 @@ const LoggingControl::KindTexts LoggingControl::Texts[KindCount] = {
     {StepColumns,  //
      "LoggingControl::WriteStepData :: Invalid Step Data Log format NO data will be logged",
      "LoggingControl::WriteStepData :: Problem writing column information data to CSV file",
-     "",  // an empty line in the log, where the other kinds tell what failed
+     "",  // this kind logs an empty line
      "LoggingControl::ProcessDataMessage :: Problem writting step data to file"},
     {StatusColumns,  //
      "LoggingControl::WriteStatusData :: Invalid Status Data Log format NO data will be logged",

@@ -1,5 +1,5 @@
-// The one writer of the system log and of the three data files on the SD card: measurements, steps and status lines,
-// one file a day for each. Other threads reach it by messages alone; all that is private here runs on its own thread.
+// The controller that alone writes the system log and the three data files on the SD card: measurements, steps and
+// status lines, one file per day for each. Other threads use messages only; private members belong to its own thread.
 #pragma once
 
 #include <functional>
@@ -23,10 +23,10 @@ private:
     using RecordFunction = std::function<StdString()>;
     struct KindTexts;
 
-    // One kind of records as it is set, and its file.
+    // The settings and the file of one kind of record.
     struct DataLog {
         bool enabled = false;
-        LogFileFormat format = NO_LOG_FILE_FORMAT;  // invalid, and reported so, until the settings name one
+        LogFileFormat format = NO_LOG_FILE_FORMAT;  // reported as invalid until the settings give one
         SDCardFile file;
         StdString fileName;
     };
@@ -42,11 +42,11 @@ private:
 
     std::uint32_t m_deviceErrorCount = 0;
     std::uint32_t m_logMessageCount = 0;
-    std::uint32_t m_measurementCount = 0;  // status messages too
+    std::uint32_t m_measurementCount = 0;  // status messages are counted here too
     std::uint32_t m_stepCount = 0;
     std::uint32_t m_systemErrorCount = 0;
     std::uint32_t m_watchdogCount = 0;
-    SDCard m_card;  // ahead of the files, so that they are closed before it is unmounted
+    SDCard m_card;  // before the files, so that they are closed before it is unmounted
     StdString m_dataFilePath;
     DataLog m_logs[KindCount];
     std::int32_t m_xmlPending = 0;

@@ -10,18 +10,18 @@
 
 namespace {
 
-// The end of a column line; records have one field fewer.
+// The end of a column line; records do not have this field.
 StdString Version() { return "Version (" + GetVersionText() + ")\r\n"; }
 
-constexpr std::size_t UsualLength = 192;
+constexpr std::size_t DefaultLength = 192;
 constexpr std::size_t NumberSize = 32;
 constexpr std::size_t XcelWidth = 20;
 constexpr int XcelDecimals = 10;
 
-// One field or more behind the other, with a comma between them.
+// A line of fields with commas between them.
 class Record {
 public:
-    Record() { m_text.reserve(UsualLength); }
+    Record() { m_text.reserve(DefaultLength); }
 
     Record& Text(std::string_view text) {
         m_text += text;
@@ -41,7 +41,7 @@ public:
         return Text(text.Text());
     }
 
-    // Text and serial day, which is filled up with blanks.
+    // Text and serial day, which is padded with blanks.
     Record& Dates(const TimeInfo& time) {
         Text(time.GetTimeString(0).Text());
         char day[NumberSize];
@@ -60,7 +60,7 @@ public:
     }
 
     StdString Line() {
-        m_text.back() = '\r';  // in the place of the comma behind the last field
+        m_text.back() = '\r';  // replaces the comma after the last field
         return std::move(m_text += '\n');
     }
 

@@ -1,6 +1,5 @@
-// The lines of the data files, from record to text: comma-separated fields without quotes, each line ended by carriage
-// return and line feed. The column lines have one field more than the records, the version. Pure functions, for any
-// thread.
+// The lines of the data files: comma-separated fields without quotes; each line ends with carriage return and line
+// feed. The column lines have one more field than the records, the version. Pure functions; any thread.
 #pragma once
 
 #include "Frameworks/Messaging/LogInfo.h"
@@ -14,9 +13,9 @@ StdString StatusColumns();
 
 // With the record's own time.
 StdString MeasurementRecord(const MeasurementResults& results);
-StdString StepRecords(const StepResults& results);            // one line a sample; no samples, no text
-StdString StatusRecord(const MeasurementStatusInfo& status);  // a comma in the status makes one more field
+StdString StepRecords(const StepResults& results);            // one line per sample; empty without samples
+StdString StatusRecord(const MeasurementStatusInfo& status);  // a comma in the status makes another field
 
-// Adds a LOG_INFO element with type, value and time to the document of the line. False without a document, or where the
-// element or one of the attributes can't be written.
+// Adds a LOG_INFO element with type, value and time to the document of the line. Returns false without a document, or
+// if the element or an attribute cannot be written.
 bool WriteLogInfoXML(const LogInfo& logInfo);

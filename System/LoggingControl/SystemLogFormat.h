@@ -1,6 +1,6 @@
-// A line as the format that syslog takes it for: "%%" stands for one percent sign and "%m" for the last error. Any
-// other conversion would read or write through an argument that nobody passes, so its percent sign is doubled and it
-// prints as it stands: a line with "%n" in it, which may come from a socket, must not end the process. Any thread.
+// Converts a line to the format argument of syslog. "%%" prints one percent sign and "%m" the last error, as syslog
+// defines them. The percent sign of any other conversion is doubled, so that it is printed: a line may come from a
+// socket, and "%n" must not write through an argument that is not passed. Any thread.
 #pragma once
 
 #include "Frameworks/Utilities/StdString.h"

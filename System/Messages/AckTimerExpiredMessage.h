@@ -8,8 +8,8 @@ public:
     std::int32_t GetValue() const { return m_value; }
     void SetValue(std::int32_t value) { m_value = value; }
 
-    // Straight to the system monitor's queue, past the router. False, and the message is lost, where nobody registered
-    // it.
+    // Directly to the queue of SystemMonitor, not through the router. Returns false and loses the message if
+    // SystemMonitor is not registered with the router.
     static bool SendToOwner(std::unique_ptr<AckTimerExpiredMessage> message);
 
 private:

@@ -1,4 +1,4 @@
-// A request for analog readings and, filled, its answer. One thread at a time.
+// A request for analog readings and, with the readings, its response. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ public:
     std::uint16_t GetSignalId() const;
     void SetSignalId(std::uint32_t id);  // 65536 and above are stored as 65535
 
-    // A byte is kept though the getter would let 16 bits pass: a request is never for more than 255 readings.
+    // The setter limits the count to one byte, the getter to 16 bits: a request is for at most 255 readings.
     std::uint32_t GetSampleCount() const;
     void SetSampleCount(std::uint32_t count);  // 256 and above are stored as 255
 
@@ -31,7 +31,7 @@ public:
     void SetSpareValue(float value);  // below 0 is stored as 0
 
     const std::vector<AdcReading>& GetReadings() const { return m_readings; }
-    bool AddReading(std::int32_t seconds, std::int32_t nanoSeconds, std::int32_t value);  // false where none was added
+    bool AddReading(std::int32_t seconds, std::int32_t nanoSeconds, std::int32_t value);  // false if none was added
 
 private:
     TimeSpec m_sampleInterval{0, 0};

@@ -1,4 +1,4 @@
-// A request for analog readings (SubType 0) and, with the readings in it, its answer (SubType 1).
+// A request for analog readings (SubType 0) and, with the readings, its response (SubType 1).
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"

@@ -1,4 +1,4 @@
-// The results of one measurement cycle, sent by the cycle's thread to everyone who shows, stores or judges them.
+// The results of one measurement cycle, sent by the cycle's thread to the controllers that show, store or judge them.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"

@@ -1,4 +1,4 @@
-// What one measurement cycle gives, and the formulas behind it. One thread at a time.
+// The results of one measurement cycle, and their formulas. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -26,13 +26,13 @@ public:
     void SetMeasurementIndex(std::uint32_t index) { m_measurementIndex = index; }
     void SetTime(const TimeInfo& time) { m_time = time; }
 
-    // Writes a MEASUREMENT element at the document's current position and leaves the position on it. "value" and
-    // "index" are one character each, the low eight bits of the number: that is how the record is written. False
-    // without a document, or where the element or one of its attributes can't be written.
+    // Writes a MEASUREMENT element at the document's current position and moves the position to it. "value" and "index"
+    // are one character each, the low eight bits of the number. Returns false without a document, or if the element or
+    // an attribute cannot be written.
     virtual bool SetXML();
 
 private:
-    double m_chlorine = 99999.9;  // marks a record that was never filled
+    double m_chlorine = 99999.9;  // marks a record without results
     double m_absorbance = 0.0;
     double m_transmittance = 0.0;
     double m_darkCount = 0.0;
@@ -42,11 +42,11 @@ private:
     TimeInfo m_time;  // now
 };
 
-// The ratio of sample to reference light, each above the dark count; 1.0 where the sample or the reference is not above
-// it. A sample brighter than the reference gives more than 1.
+// The ratio of sample to reference light, each minus the dark count; 1.0 if the sample or the reference is not above
+// the dark count. A sample brighter than the reference gives more than 1.
 double Transmittance(double dark, double reference, double sample);
 
-// Decadic, by the flipped sign of the logarithm: a transmittance of 1.0 gives negative zero.
+// The negated decadic logarithm: a transmittance of 1.0 gives negative zero.
 double Absorbance(double transmittance);
 
 // In the unit of the cell constant.

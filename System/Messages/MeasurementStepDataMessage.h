@@ -13,9 +13,9 @@ public:
     MeasurementStepDataMessage& operator=(const MeasurementStepDataMessage& other);
     ~MeasurementStepDataMessage() override = default;
 
-    // Null until results are set; they stay the message's own.
+    // Null until results are set. The message owns them.
     const StepResults* GetStepResults() const { return m_results.get(); }
-    // Keeps a copy, and never the argument itself; null leaves the message without results.
+    // Stores a copy; null removes the results.
     void SetStepResults(const StepResults* results);
 
 private:

@@ -18,7 +18,7 @@ public:
     std::int32_t GetTestSelector() const { return m_testSelector; }
     void SetTestSelector(std::int32_t testSelector) { m_testSelector = testSelector; }
 
-    // 0 bad, else good.
+    // 0: failed; any other value: passed.
     std::uint8_t GetVerdict() const { return m_verdict; }
     void SetVerdict(std::uint8_t verdict) { m_verdict = verdict; }
 

@@ -1,4 +1,4 @@
-// A request to measure the remote indicator's cable. Nobody sends it yet, and it has no answer.
+// A request to measure the remote indicator's cable. Nothing sends it yet, and it has no response.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"

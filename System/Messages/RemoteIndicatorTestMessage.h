@@ -19,7 +19,7 @@ public:
     std::int32_t GetTestId() const { return m_testId; }
     void SetTestId(std::int32_t testId) { m_testId = testId; }
 
-    // 0 bad, else good.
+    // 0: failed; any other value: passed.
     std::uint8_t GetVerdict() const { return m_verdict; }
     void SetVerdict(std::uint8_t verdict) { m_verdict = verdict; }
 

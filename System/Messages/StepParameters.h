@@ -1,4 +1,4 @@
-// What one step of the measurement cycle does. Read only once it is filled, so any number of threads may read it.
+// What one step of the measurement cycle does. Constant after Fill, so any thread may read it.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,15 @@
 #include "System/Messages/StepType.h"
 
 struct StepParameters {
-    // Reads the nine items of a step. A missing item ends the process with a line that names it. False for a null
-    // container.
+    // Reads the nine items of a step. A missing item ends the process with a line that names it. Returns false for a
+    // null container.
     bool Fill(const ItemInfoContainer* items);
 
     StepType stepType = NO_STEP;
     std::uint32_t duration = 0;  // ms: sampling, run of the stir motor, upper limit of the pump's turn
     bool ledOn = false;          // level: stays until a later step changes it
     bool stirringOn = false;
-    bool adcMonitorOn = false;       // the detector is sampled, and the samples go out
+    bool adcMonitorOn = false;       // the detector is sampled and the samples are sent
     bool findStartPosition = false;  // the pump homes instead of moving by an angle
     bool sampleValveOn = false;      // level: stays until a later step changes it
     float motorAngle = 0.0F;         // degrees

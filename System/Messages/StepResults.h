@@ -1,4 +1,4 @@
-// What the detector read during one step, with the step that it was. One thread at a time.
+// The detector samples of one step, with the parameters of the step. One thread at a time.
 #pragma once
 
 #include "Frameworks/Xml/XMLData.h"

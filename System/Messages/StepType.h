@@ -28,12 +28,11 @@ enum StepType : std::int32_t {
     SANITY_CHECK_STEP = 18,
 };
 
-// All of them.
 inline constexpr int StepCount = 19;
 
 // The name in the settings file, and the one in status texts and logs. Empty for a number out of range.
 StdString GetStepInternalName(StepType step);
 StdString GetStepDisplayName(StepType step);
 
-// By the internal name, whole and in its case; NO_STEP where none is the same.
+// By the whole internal name, including its case; NO_STEP if there is none.
 StepType FindStepType(const StdString& internalName);

@@ -1,5 +1,5 @@
-// A frame from the test link, or with neither header nor payload the end of the link. It travels once, straight to the
-// test interface's queue. It owns both parts.
+// A frame from the test link; without header and payload, the end of the link. It is sent once, directly to the queue
+// of TestInterface. It owns both parts.
 #pragma once
 
 #include <memory>
@@ -12,16 +12,16 @@ class TestCommandMessage : public DataMessageOf<TestCommandMessage, TEST_COMMAND
 public:
     TestCommandMessage() = default;
     TestCommandMessage(const TestCommandMessage&) = delete;
-    // The contents of the parts that the other one has; the receipt stays with the other one.
+    // Copies the parts that the other message has, but not its receipt.
     TestCommandMessage& operator=(const TestCommandMessage& other);
 
-    // Null where there is none.
+    // Null if there is none.
     CommunicationsCommand* GetCommand() const { return m_command.get(); }
     void SetCommand(std::unique_ptr<CommunicationsCommand> command) { m_command = std::move(command); }
     PayloadContainer* GetPayload() const { return m_payload.get(); }
     void SetPayload(std::unique_ptr<PayloadContainer> payload) { m_payload = std::move(payload); }
 
-    // Let go of when the message is freed, which tells its sender that it has been worked on.
+    // Released when the message is freed, which shows its sender that it has been handled.
     void SetReceipt(std::shared_ptr<void> receipt) { m_receipt = std::move(receipt); }
 
 private:

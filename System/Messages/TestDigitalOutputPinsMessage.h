@@ -1,4 +1,4 @@
-// A request to set an output pin (SubType 0), and what became of it (SubType 1).
+// A request to set an output pin (SubType 0), and its result (SubType 1).
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
@@ -10,7 +10,7 @@ public:
     std::uint16_t GetPinId() const { return m_pinId; }
     void SetPinId(std::uint16_t pinId) { m_pinId = pinId; }
 
-    // Any value but 0 asks for a read: a request writes only after its sender has cleared the marker.
+    // 0 requests a write, any other value a read.
     std::uint8_t GetReadMarker() const { return m_readMarker; }
     void SetReadMarker(std::uint8_t readMarker) { m_readMarker = readMarker; }
 

@@ -1,4 +1,4 @@
-// A request to set a PWM channel (SubType 0), and its answer with the same value (SubType 1).
+// A request to set a PWM channel (SubType 0), and its response with the same value (SubType 1).
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"

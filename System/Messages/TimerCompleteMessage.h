@@ -1,4 +1,4 @@
-// The test interface's timer has run out; with the command that is to follow.
+// The timer of TestInterface has expired; with the command to send next.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"
@@ -12,15 +12,15 @@ public:
     std::uint32_t GetDuration() const { return m_duration; }
     void SetDuration(std::uint32_t duration) { m_duration = duration; }
 
-    // The same as seconds and nanoseconds: a length and no date.
+    // The same as seconds and nanoseconds; not a date.
     TimeInfo GetDurationValue() const { return m_durationValue; }
     void SetDurationValue(const TimeInfo& durationValue) { m_durationValue = durationValue; }
 
     CommandType GetNextCommand() const { return m_nextCommand; }
     void SetNextCommand(CommandType nextCommand) { m_nextCommand = nextCommand; }
 
-    // Straight to the test interface's queue, past the router. False, and the message is lost, where nobody registered
-    // it.
+    // Directly to the queue of TestInterface, not through the router. Returns false and loses the message if
+    // TestInterface is not registered with the router.
     static bool SendToOwner(std::unique_ptr<TimerCompleteMessage> message);
 
 private:

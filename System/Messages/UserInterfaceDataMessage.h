@@ -1,4 +1,4 @@
-// A text received from the front end, from the receiver thread to its controller.
+// A text received from the front end. The receiver thread sends it to its controller.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessageOf.h"

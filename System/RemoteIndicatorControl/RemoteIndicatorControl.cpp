@@ -35,7 +35,7 @@ constexpr std::int32_t GapOfNamedFile = 1000;  // microseconds
 
 bool IsStatus(std::int32_t status) { return status >= 0 && status < StatusCount; }
 
-// Statuses come from the messages as they are; a pair beside the table has no colour either.
+// Messages may hold any number: a pair outside the table has no color.
 std::int32_t ColorOf(std::int32_t analyzerStatus, std::int32_t waterStatus) {
     return IsStatus(analyzerStatus) && IsStatus(waterStatus) ? ColorTable[analyzerStatus][waterStatus] : NoColor;
 }
@@ -85,7 +85,7 @@ bool RemoteIndicatorControl::DoRegistration() {
     return registered;
 }
 
-// Replies come back to this controller too, since it subscribed to their type: only requests are served.
+// This controller receives its own replies too, since it subscribed to their type; it handles only requests.
 bool RemoteIndicatorControl::ProcessDataMessage(DataMessage* message) {
     if (message == nullptr) {
         return false;
@@ -101,7 +101,7 @@ bool RemoteIndicatorControl::ProcessDataMessage(DataMessage* message) {
     switch (type) {
         case REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE:
             SetColors(static_cast<const RemoteIndicatorControlMessage&>(*message));
-            Acknowledge();  // tells that the request came through, whatever became of the colours
+            Acknowledge();  // the request was received, even if its colors were invalid
             break;
         case REMOTE_INDICATOR_CALCULATE_CABLE_LENGTH_DATA_MESSAGE:
             CalculateCableLength();
@@ -147,13 +147,13 @@ void RemoteIndicatorControl::Acknowledge() {
     MessageController::SendMessage(std::move(acknowledgement), REMOTE_INDICATOR_CONTROL);
 }
 
-// For whoever watches the loop while it is measured: the length itself goes nowhere yet.
+// The length is not reported; only the measurement itself can be observed.
 void RemoteIndicatorControl::CalculateCableLength() {
     float feet = 0.0F;
     m_device->CalculateCableLength(feet);
 }
 
-// The reply doesn't say which test it answers: its test id stays 0.
+// The reply does not identify its test: its test id stays 0.
 void RemoteIndicatorControl::Test(const RemoteIndicatorTestMessage& message) {
     const std::int32_t id = message.GetTestId();
     const std::int32_t led = id >= BLUE_ANALYZER_LED_TEST && id <= RED_WATER_LED_TEST ? id - BLUE_ANALYZER_LED_TEST : 0;

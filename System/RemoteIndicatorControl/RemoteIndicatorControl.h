@@ -1,6 +1,6 @@
-// The owner of the remote indicator: it keeps the status of the analyzer and of the water, turns the pair into a
-// ColorCode, and serves the requests for LED tests, cable length and sound, in every state. Other threads reach it by
-// messages alone. A request holds the queue for its whole length: a change of sound takes up to five seconds.
+// The controller that owns the remote indicator. It keeps the statuses of analyzer and water, shows the pair as a
+// ColorCode, and handles requests for LED tests, cable length and sound, in every state. Other threads use messages
+// only. A request blocks the queue until it is done: a change of sound takes up to five seconds.
 #pragma once
 
 #include <memory>
@@ -16,7 +16,7 @@ class RemoteIndicatorControl final : public ThreadControl {
 public:
     RemoteIndicatorControl();  // starts the thread
 
-    // Shows blue on both sides. False, and the thread ends, where the indicator can't be had.
+    // Shows blue on both sides. Returns false, which ends the thread, if the indicator cannot be initialized.
     bool Init() override;
     bool DoRegistration() override;
     bool ProcessDataMessage(DataMessage* message) override;

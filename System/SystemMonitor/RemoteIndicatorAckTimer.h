@@ -1,5 +1,5 @@
-// Limits the wait for the remote indicator's acknowledgement: at its end the system monitor gets an
-// AckTimerExpiredMessage. The system monitor's thread sets, starts and kills it.
+// Limits the wait for the remote indicator's acknowledgement: when it expires, SystemMonitor gets an
+// AckTimerExpiredMessage. SystemMonitor's thread sets, starts and kills it.
 #pragma once
 
 #include "Frameworks/Threading/BaseTimer.h"

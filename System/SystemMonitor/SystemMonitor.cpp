@@ -39,9 +39,9 @@ constexpr const char* TestFailures[SystemMonitor::TestCount] = {
 
 constexpr std::int32_t NoTestMode = 0;
 constexpr std::int32_t PeriodicTestMode = 5;
-constexpr std::uint8_t GoodTestsOfGoodPass = 3;
+constexpr std::uint8_t MinGoodTests = 3;
 
-// Good results of the pass in progress. It belongs to the process, so that a pass goes on where a reset falls into it.
+// Good results of the current pass. A process-wide variable, so that a pass continues after a reset.
 std::uint8_t passCounter = 0;
 
 void SendTestRequest(std::int32_t testId) {
@@ -131,8 +131,8 @@ bool SystemMonitor::ProcessDataMessage(DataMessage* message) {
     return true;
 }
 
-// Each value decides afresh, without hysteresis: one low value after an alarm is normal again. A value on a level takes
-// that level; what is no number is normal.
+// Each value is judged independently, without hysteresis: one low value after an alarm is normal again. A value equal
+// to a level reaches it; NaN is normal.
 void SystemMonitor::ProcessMeasurement(const MeasurementMessage& message) {
     const auto chlorine = static_cast<float>(message.GetMeasurementResults().GetChlorine());
     std::int32_t waterStatus = NORMAL_STATUS;
@@ -177,7 +177,7 @@ void SystemMonitor::ScoreTest(std::int32_t testId, bool good) {
 }
 
 void SystemMonitor::ClosePass() {
-    const bool connected = passCounter >= GoodTestsOfGoodPass;
+    const bool connected = passCounter >= MinGoodTests;
     m_testResults[WHOLE_INDICATOR_TEST] = connected;
     if (!connected) {
         Log(TestFailures[WHOLE_INDICATOR_TEST], ERROR_LOG_LEVEL);
@@ -196,7 +196,7 @@ void SystemMonitor::ProcessHardwareTestResponse(const PeriodicHardwareTestMessag
     }
 }
 
-// The indicator as a whole is tested once after a start; the passes after that go over its LEDs.
+// The whole indicator is tested once after a start; each later pass tests only the LEDs.
 bool SystemMonitor::ProcessTimeOut() {
     ThreadControl::ProcessTimeOut();
     ++m_currentTest;

@@ -1,6 +1,6 @@
-// Turns each chlorine value into a water status for the remote indicator, watches that the indicator acknowledges each
-// colour request in time, and keeps the score of the indicator's LED tests, in every state. Other threads reach it by
-// messages alone; the acknowledgement timer by its AckTimerExpiredMessage.
+// The controller that turns each chlorine value into a water status for the remote indicator, checks that the indicator
+// acknowledges each request in time, and counts the results of its LED tests, in every state. Other threads use
+// messages only; the acknowledgement timer sends an AckTimerExpiredMessage.
 #pragma once
 
 #include <array>
@@ -16,21 +16,21 @@ class RemoteIndicatorTestMessage;
 
 class SystemMonitor final : public ThreadControl {
 public:
-    static constexpr std::int32_t TestCount = 7;  // 0 the indicator as a whole, 1 to 6 its LEDs
+    static constexpr std::int32_t TestCount = 7;  // one per IndicatorTestId
 
     SystemMonitor();  // starts the thread
 
     bool Init() override;
-    // Registers what it can; false where any type was refused.
+    // Registers all types, and returns false if any was refused.
     bool DoRegistration() override;
     bool ProcessDataMessage(DataMessage* message) override;
-    // The next LED test. Nothing drives it yet: the wait of this thread has no limit.
+    // Requests the next LED test. It is never called yet, since this controller sets no time-out.
     bool ProcessTimeOut() override;
 
-    // The last verdict of a test, 0 to 6. On the controller's own thread.
+    // The last verdict of a test, by IndicatorTestId. The controller's own thread only.
     bool GetTestResult(std::size_t testId) const { return m_testResults.at(testId); }
 
-    // 5 while a periodic test of the hardware leads the LED tests; nobody sets it yet. On the controller's own thread.
+    // 5 while a periodic hardware test drives the LED tests; nothing sets it yet. The controller's own thread only.
     std::int32_t GetTestMode() const { return m_testMode; }
     void SetTestMode(std::int32_t testMode) { m_testMode = testMode; }
 
@@ -43,9 +43,9 @@ private:
     void ClosePass();
 
     std::vector<std::int32_t> m_testSequence;
-    std::vector<std::int32_t>::const_iterator m_currentTest;  // whose result is awaited
+    std::vector<std::int32_t>::const_iterator m_currentTest;  // the test whose result is next
     std::unique_ptr<RemoteIndicatorAckTimer> m_ackTimer;
-    float m_alarmLevel = 0.0F;  // as the chlorine value
+    float m_alarmLevel = 0.0F;  // in the unit of the chlorine value
     float m_alertLevel = 0.0F;
     std::int32_t m_ackTimeout = 0;  // ms
     std::int32_t m_testMode = 0;

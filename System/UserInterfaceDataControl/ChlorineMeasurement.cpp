@@ -11,7 +11,7 @@ StdString ValueText(float chlorine) {
     if (chlorine >= 1.0F) {
         return "+.++";
     }
-    StdString text;  // of what is no number too: it compares false with both limits
+    StdString text;  // also for NaN, which compares false with both limits
     text.FromDouble(static_cast<double>(chlorine), "%.2f");
     return text;
 }

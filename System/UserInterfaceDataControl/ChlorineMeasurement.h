@@ -6,12 +6,12 @@
 
 class ChlorineMeasurement : public GuiMessage {
 public:
-    void Init();  // before anything else; what was set is gone
+    void Init();  // call it first; deletes the value
 
     // mg/l.
     void SetValue(float chlorine);
-    // "-.--" for 0 and below, "+.++" from 1 on: the display has two digits behind the point and one in front. The
-    // limits hold for the value and not for its text, so that 0.999 reads 1.00.
+    // "-.--" for 0 and below, "+.++" for 1 and above, since the display has one digit before the point and two after
+    // it. The limits apply to the value, not to its text: 0.999 gives "1.00".
     GuiPair Format();
 
     GuiElement* GetElement() { return m_element.get(); }

@@ -1,4 +1,4 @@
-// The number that tells the front end which state the instrument has entered. One thread at a time.
+// The number of a frame that reports the state which the instrument has entered. One thread at a time.
 #pragma once
 
 #include "System/UserInterfaceDataControl/GuiElement.h"
@@ -6,9 +6,9 @@
 
 class CommandFromApplication : public GuiMessage {
 public:
-    void Init();  // before anything else; what was set is gone
+    void Init();  // call it first; deletes the value
 
-    // Decimal on the wire, with its sign.
+    // Sent in decimal, with its sign.
     void SetValue(std::int32_t command);
     GuiPair Format();
 

@@ -69,7 +69,7 @@ GuiPair CommunicationProtocol::FormatChlorine() { return m_chlorine->Format(); }
 
 GuiPair CommunicationProtocol::FormatCommand() { return m_command->Format(); }
 
-// Where memory has run out the element counts as set, without a text.
+// If the allocation fails, the element is set without a text.
 void CommunicationProtocol::SetText(GuiElement& element, const StdString& text) {
     const std::size_t length = text.Text().size();
     std::unique_ptr<char[]> copy(new (std::nothrow) char[length + 1]());

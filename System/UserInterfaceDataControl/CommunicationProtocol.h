@@ -1,6 +1,6 @@
-// The text protocol of the front end, both ways. An object holds up to five named values, makes one frame of those that
-// were set ("Name~Value" pairs with ";" between them and "`" behind the last), and is clean again. Nothing is escaped.
-// It lives for one frame, on one thread.
+// The text protocol of the front-end link, in both directions. An object holds up to five named values, makes one frame
+// of those that were set ("Name~Value" pairs with ";" between them and "`" after the last), and is then empty again.
+// Nothing is escaped. One object per frame; one thread.
 #pragma once
 
 #include <vector>
@@ -16,31 +16,31 @@ public:
     CommunicationProtocol& operator=(const CommunicationProtocol&) = delete;
     virtual ~CommunicationProtocol() = default;
 
-    // Before anything else. A setter without it does nothing but a line in the system log.
+    // Call it first. A setter without it only writes a line to the system log.
     void Init();
 
     // mg/l.
     void SetChlorineValue(float chlorine);
     void SetDateValue(std::int32_t seconds);  // since the Unix epoch; shown in local time
-    // Up to the first zero byte, which ends a text on its way to the frame.
+    // A zero byte ends the text.
     void SetInstrumentStatus(const StdString& text);
     void SetSoftwareVersion(const StdString& text);
     void SetCommandValue(std::int32_t command);
 
-    // The frame of what was set, always in the same order; empty where nothing was.
+    // The frame of the values that were set, always in the same order; empty if none was.
     StdString Serialize();
 
-    // Never fails: whatever is wrong ends in code 0 or an empty text.
+    // Never fails: an invalid command gives code 0 or an empty text.
     static GuiCommand ParseCommand(const StdString& text);
-    // The front end's side of the format; no part of the system calls these two.
+    // The front end's side of the protocol; the system does not call these two.
     static StdString BuildCommand(std::int32_t code, const StdString& text);
     static std::vector<GuiPair> ParseFrame(const StdString& frame);  // a closing "`" gives one last, empty pair
 
 protected:
-    // Makes the pair of one element, which is then no longer set.
+    // Makes the pair of one element and marks the element as not set.
     using Formatter = GuiPair (CommunicationProtocol::*)();
 
-    // One formatter for each element, in the order of the frame.
+    // One formatter per element, in the order of the frame.
     std::vector<GuiElement*> m_listOfElements;
     std::vector<Formatter> m_listOfFunctions;
 

@@ -1,4 +1,4 @@
-// The date of a frame: CommunicationProtocol's operations on that one element.
+// CommunicationProtocol's operations on the date.
 #include <ctime>
 
 #include "Frameworks/Utilities/UtilityFunctions.h"
@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t DateBufferSize = 256;
 
-// A real line feed ends the text, in front of what closes the pair: the display starts a new line there.
+// The text ends with a line feed, before the character that closes the pair: the display starts a new line there.
 StdString LocalDate(std::int32_t seconds) {
     const std::time_t moment = seconds;
     char buffer[DateBufferSize] = "";
@@ -16,7 +16,7 @@ StdString LocalDate(std::int32_t seconds) {
     std::tm date{};
     if (localtime_r(&moment, &date) != nullptr) {
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat"  // "am" and "pm" in small letters are an extension of libc
+#pragma GCC diagnostic ignored "-Wformat"  // lower-case "am" and "pm" are an extension of libc
         std::strftime(buffer, sizeof buffer, "@%A %B %d,%I:%M:%S %P\n", &date);
 #pragma GCC diagnostic pop
     }

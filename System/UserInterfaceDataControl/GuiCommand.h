@@ -1,4 +1,4 @@
-// A command of the front end, taken apart.
+// A parsed command of the front end.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,6 @@
 #include "Frameworks/Utilities/StdString.h"
 
 struct GuiCommand {
-    std::int32_t code = 0;  // 0 where there is none
-    StdString text;         // empty where there is none; no command uses it
+    std::int32_t code = 0;  // 0 if there is none
+    StdString text;         // empty if there is none; no command uses it
 };

@@ -8,17 +8,17 @@
 
 #include "Frameworks/Utilities/StdString.h"
 
-using GuiPair = std::pair<StdString, StdString>;  // name and value as they go out
+using GuiPair = std::pair<StdString, StdString>;  // name and value as they are sent
 
 struct GuiElement {
-    // By owner: a command or the seconds of a date; chlorine; a text that ends in a zero byte.
+    // Depends on the element: a command or the seconds of a date; chlorine; a text that ends with a zero byte.
     std::variant<std::int32_t, float, std::unique_ptr<char[]>> value;
-    StdString valueText;  // made when the frame is
+    StdString valueText;  // made with the frame
     StdString name;
-    bool isSet = false;  // from the setter until the value went into a frame
+    bool isSet = false;  // between the setter and the frame
 
-    // The pair with that text; the element counts as sent.
+    // Returns the pair with that text and marks the element as not set.
     GuiPair Take(const StdString& text);
 };
 
-std::unique_ptr<GuiElement> MakeGuiElement(const char* name);  // null where memory has run out
+std::unique_ptr<GuiElement> MakeGuiElement(const char* name);  // null if the allocation fails

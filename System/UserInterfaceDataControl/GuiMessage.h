@@ -1,4 +1,4 @@
-// What is said to the front end, or heard from it.
+// Base of what is sent to the front end or received from it.
 #pragma once
 
 class GuiMessage {};

@@ -6,7 +6,7 @@
 
 namespace {
 
-// What the socket gives in place of a text where reading fails. A front end that sends it ends the receiver too.
+// The text that the socket returns if reading fails. A front end that sends it ends the receiver too.
 constexpr char NoText[] = "NULL";
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Connects to the front end and hands whatever comes from it to the controller, as a message. Its creator kills it,
-// joins its thread and deletes it. GetClient and Kill may be called from any thread; all else runs on its own.
+// Connects to the front end and posts each received text to the controller as a message. Its creator kills it, joins
+// its thread and deletes it. Any thread may call GetClient and Kill; everything else runs on its own thread.
 #pragma once
 
 #include <atomic>
@@ -14,8 +14,8 @@ public:
 
     std::int32_t Run() override;
     void Kill() override;
-    std::int32_t Exit() override;  // nobody calls it: the thread just ends
-    bool Init() override;          // whether the front end is connected
+    std::int32_t Exit() override;  // never called: the thread simply ends
+    bool Init() override;          // returns whether the front end is connected
 
     TCPClient* GetClient() { return &m_client; }
 
@@ -27,7 +27,7 @@ private:
     bool ConnectWithRetries();
 
     TCPClient m_client;
-    // As a link's settings go; this one is part of the instrument and has none to read.
+    // The same fields as the settings of the test link; here they are constants.
     StdString m_serverIPAddress;
     StdString m_serverName;
     StdString m_portNumber;

@@ -1,4 +1,4 @@
-// The instrument's status of a frame: CommunicationProtocol's operations on that one element.
+// CommunicationProtocol's operations on the instrument status.
 #include "Frameworks/Utilities/UtilityFunctions.h"
 #include "System/UserInterfaceDataControl/CommunicationProtocol.h"
 

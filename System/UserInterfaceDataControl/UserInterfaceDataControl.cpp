@@ -3,15 +3,15 @@
 #include <unistd.h>
 
 #include "Drivers/Print.h"
-#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "Frameworks/Utilities/Version.h"
 
 namespace {
 
-constexpr unsigned SecondsForFrontEnd = 10;  // to come up after power-on, on the same board
+constexpr unsigned SecondsForFrontEnd = 10;  // to start after power-on, on the same board
 
-// What the front end asks for.
+// The commands of the front end.
 enum Code : std::int32_t {
     GO_TO_IDLE = 1,
     GO_TO_RUNNING = 2,
@@ -61,8 +61,7 @@ bool UserInterfaceDataControl::Init() {
 bool UserInterfaceDataControl::DoRegistration() {
     for (const auto& subscription : Subscriptions) {
         if (!RegisterForDataMessage(subscription.type)) {
-            MessageController::LogMessage(subscription.failure, ERROR_LOG_LEVEL, USER_INTERFACE_DATA_CONTROL);
-            return false;
+            return ReportError(subscription.failure, USER_INTERFACE_DATA_CONTROL);
         }
     }
     return true;
@@ -102,7 +101,7 @@ bool UserInterfaceDataControl::SendMeasurement(const MeasurementMessage* message
     return SendStringToGUI(protocol.get());
 }
 
-// Each change of status tells the version too.
+// Each status is sent with the software version.
 bool UserInterfaceDataControl::SendStatus(const StdString& text) {
     if (const auto protocol = MakeProtocol()) {
         protocol->SetSoftwareVersion(GetVersionText());
@@ -112,7 +111,7 @@ bool UserInterfaceDataControl::SendStatus(const StdString& text) {
     return true;
 }
 
-// The number alone; the text of the message stays here.
+// Sends the number only; the text of the message is not sent.
 bool UserInterfaceDataControl::SendGuiResponse(const GUIResponseMessage* message) {
     if (const auto protocol = MakeProtocol()) {
         protocol->SetCommandValue(message->GetStatus());
@@ -134,7 +133,7 @@ bool UserInterfaceDataControl::ProcessGuiCommand(const UserInterfaceDataMessage*
     return MakeProtocol() != nullptr && ActOn(CommunicationProtocol::ParseCommand(message->GetText()));
 }
 
-// The state is that of this controller, and a command goes to all of them.
+// The state tested is that of this controller; a command goes to all controllers.
 bool UserInterfaceDataControl::ActOn(const GuiCommand& command) {
     switch (command.code) {
         case GO_TO_IDLE:
@@ -164,7 +163,7 @@ bool UserInterfaceDataControl::ActOn(const GuiCommand& command) {
     }
 }
 
-// The origin of the error line is the other link's controller; those who filter the log by origin expect it there.
+// The origin of the error line is the test link's controller, which log filters expect.
 std::int32_t UserInterfaceDataControl::Exit() {
     const std::int32_t result = ThreadControl::Exit();
     if (m_receiver == nullptr) {

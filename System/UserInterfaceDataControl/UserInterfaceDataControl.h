@@ -1,6 +1,6 @@
-// The instrument's end of the link to the front end: measurements, status texts and changes of state go out as frames,
-// and the commands that come back go to every controller. Other threads reach it by messages alone; all that is private
-// here runs on its own thread.
+// The controller of the front-end link: it sends measurements, status texts and changes of state as frames, and sends
+// the commands of the front end to every controller. Other threads use messages only; private members belong to its own
+// thread.
 #pragma once
 
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
@@ -15,19 +15,19 @@ public:
     UserInterfaceDataControl();  // starts the thread
 
     std::int32_t Exit() override;
-    bool Init() override;  // takes ten seconds, which the front end has to come up
+    bool Init() override;  // first waits ten seconds for the front end to start
     bool DoRegistration() override;
-    // Any answer: a frame that didn't go out and a command that nobody knows don't end this thread.
+    // The result is ignored: an unsent frame or an unknown command does not end the thread.
     bool ProcessMessage() override;
     bool ProcessDataMessage(DataMessage* message) override;
 
 private:
-    // False where the front end didn't get it.
+    // Returns false if the frame was not sent.
     bool SendStringToGUI(CommunicationProtocol* protocol);
     bool SendMeasurement(const MeasurementMessage* message);
-    bool SendStatus(const StdString& text);                   // true always
-    bool SendGuiResponse(const GUIResponseMessage* message);  // true always
-    // True where the command is one of those that move the instrument by a state.
+    bool SendStatus(const StdString& text);                   // always true
+    bool SendGuiResponse(const GUIResponseMessage* message);  // always true
+    // Returns true for commands 1, 2 and 4.
     bool ProcessGuiCommand(const UserInterfaceDataMessage* message);
     bool ActOn(const GuiCommand& command);
 

@@ -1,4 +1,4 @@
-// The software's version of a frame: CommunicationProtocol's operations on that one element.
+// CommunicationProtocol's operations on the software version.
 #include "Frameworks/Utilities/UtilityFunctions.h"
 #include "System/UserInterfaceDataControl/CommunicationProtocol.h"
 
