@@ -25,9 +25,9 @@ struct Lamp {
 };
 inline constexpr Lamp Lamps[] = {{17, 'B'}, {16, 'A'}, {21, 'R'}, {18, 'b'}, {19, 'a'}, {20, 'r'}};
 
-class Indicator : public DriverTest {
+class IndicatorDriver : public DriverTest {
 protected:
-    Indicator() {
+    IndicatorDriver() {
         LaySoundClip(Board().Folder(), "alert.wav", 1);
         LaySoundClip(Board().Folder(), "alarm.wav", 1);
         settings.alertFile = "alert.wav";
@@ -41,7 +41,7 @@ protected:
         Board().SetIioScale("1.0");
     }
 
-    ~Indicator() override {
+    ~IndicatorDriver() override {
         Quietly([this] { indicator.reset(); });
     }
 

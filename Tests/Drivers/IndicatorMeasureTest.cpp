@@ -18,7 +18,7 @@ const LogCall ReadFailed{"Demultiplexer::ReadVoltage failed!", ERROR_LOG_LEVEL, 
 
 }  // namespace
 
-TEST_F(Indicator, senses_each_led_at_its_channel_while_it_is_lit_alone) {
+TEST_F(IndicatorDriver, senses_each_led_at_its_channel_while_it_is_lit_alone) {
     const struct {
         std::uint32_t led;
         int channel;
@@ -43,7 +43,7 @@ TEST_F(Indicator, senses_each_led_at_its_channel_while_it_is_lit_alone) {
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, takes_exactly_half_a_volt_for_a_bad_led) {
+TEST_F(IndicatorDriver, takes_exactly_half_a_volt_for_a_bad_led) {
     Init();
     Board().SetMultiplexerRaw(2, 512);
     EXPECT_FALSE(IsGood(0));
@@ -51,7 +51,7 @@ TEST_F(Indicator, takes_exactly_half_a_volt_for_a_bad_led) {
     EXPECT_TRUE(IsGood(0));
 }
 
-TEST_F(Indicator, sounds_again_after_the_test_of_an_led) {
+TEST_F(IndicatorDriver, sounds_again_after_the_test_of_an_led) {
     Init();
     SetColors(3);
     WaitForSound(Alarm);
@@ -61,7 +61,7 @@ TEST_F(Indicator, sounds_again_after_the_test_of_an_led) {
     WaitForSound(Alarm);
 }
 
-TEST_F(Indicator, does_not_come_back_to_its_colours_where_an_led_can_not_be_lit_alone) {
+TEST_F(IndicatorDriver, does_not_come_back_to_its_colours_where_an_led_can_not_be_lit_alone) {
     Init();
     SetSense(0.9);
     SetColors(7);
@@ -73,7 +73,7 @@ TEST_F(Indicator, does_not_come_back_to_its_colours_where_an_led_can_not_be_lit_
     EXPECT_EQ(TakeLog(), (Log{SingleFailed, PairFailed}));
 }
 
-TEST_F(Indicator, calls_an_led_bad_where_the_multiplexer_can_not_be_set_up) {
+TEST_F(IndicatorDriver, calls_an_led_bad_where_the_multiplexer_can_not_be_set_up) {
     Init();
     SetSense(0.9);
     SetColors(7);
@@ -83,7 +83,7 @@ TEST_F(Indicator, calls_an_led_bad_where_the_multiplexer_can_not_be_set_up) {
     EXPECT_EQ(Lit(), "Rb");
 }
 
-TEST_F(Indicator, calls_an_led_bad_where_the_voltage_can_not_be_read) {
+TEST_F(IndicatorDriver, calls_an_led_bad_where_the_voltage_can_not_be_read) {
     Init();
     SetColors(7);
     SetFault("iio-missing");
@@ -92,7 +92,7 @@ TEST_F(Indicator, calls_an_led_bad_where_the_voltage_can_not_be_read) {
     EXPECT_EQ(Lit(), "Rb");
 }
 
-TEST_F(Indicator, calls_an_led_bad_where_the_colours_do_not_come_back) {
+TEST_F(IndicatorDriver, calls_an_led_bad_where_the_colours_do_not_come_back) {
     Init();
     SetSense(0.9);
     SetColors(2);
@@ -101,7 +101,7 @@ TEST_F(Indicator, calls_an_led_bad_where_the_colours_do_not_come_back) {
     EXPECT_EQ(TakeLog(), (Log{ColorsFailed}));
 }
 
-TEST_F(Indicator, is_good_with_three_good_leds_and_bad_with_two) {
+TEST_F(IndicatorDriver, is_good_with_three_good_leds_and_bad_with_two) {
     Init();
     SetColors(1);
     SetSense(0.0);
@@ -114,7 +114,7 @@ TEST_F(Indicator, is_good_with_three_good_leds_and_bad_with_two) {
     EXPECT_TRUE(indicator->IndicatorIsGood());
 }
 
-TEST_F(Indicator, is_tested_led_by_led) {
+TEST_F(IndicatorDriver, is_tested_led_by_led) {
     Init();
     SetColors(1);
     TakeTrace();
@@ -129,7 +129,7 @@ TEST_F(Indicator, is_tested_led_by_led) {
     EXPECT_EQ(LineWrites(), expected);
 }
 
-TEST_F(Indicator, computes_the_length_of_its_cable_with_blue_lit_on_both_sides) {
+TEST_F(IndicatorDriver, computes_the_length_of_its_cable_with_blue_lit_on_both_sides) {
     Init();
     SetColors(7);
     Board().SetIioScale("4.0");
@@ -146,7 +146,7 @@ TEST_F(Indicator, computes_the_length_of_its_cable_with_blue_lit_on_both_sides) 
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, measures_cables_of_ten_a_hundred_and_a_thousand_feet_within_5_percent) {
+TEST_F(IndicatorDriver, measures_cables_of_ten_a_hundred_and_a_thousand_feet_within_5_percent) {
     settings.blueLEDForwardVoltageDrop = 3.2F;
     settings.cableResistancePerFoot = 0.052F;
     Board().SetIioScale("3.222656250");
@@ -161,7 +161,7 @@ TEST_F(Indicator, measures_cables_of_ten_a_hundred_and_a_thousand_feet_within_5_
     }
 }
 
-TEST_F(Indicator, reads_the_current_ahead_of_the_voltage) {
+TEST_F(IndicatorDriver, reads_the_current_ahead_of_the_voltage) {
     Init();
     SetColors(1);
     TakeTrace();
@@ -176,7 +176,7 @@ TEST_F(Indicator, reads_the_current_ahead_of_the_voltage) {
     EXPECT_EQ(selections, (Texts{"0", "1", "0"}));  // set up, channel 2, channel 0
 }
 
-TEST_F(Indicator, measures_no_cable_without_its_resistance_per_foot) {
+TEST_F(IndicatorDriver, measures_no_cable_without_its_resistance_per_foot) {
     settings.cableResistancePerFoot = 0.0F;
     Init();
     SetColors(7);
@@ -187,7 +187,7 @@ TEST_F(Indicator, measures_no_cable_without_its_resistance_per_foot) {
     EXPECT_EQ(TakeLog(), (Log{LengthFailed}));
 }
 
-TEST_F(Indicator, measures_an_endless_cable_where_no_current_flows) {
+TEST_F(IndicatorDriver, measures_an_endless_cable_where_no_current_flows) {
     Init();
     SetColors(1);
     Board().SetIioScale("4.0");
@@ -198,7 +198,7 @@ TEST_F(Indicator, measures_an_endless_cable_where_no_current_flows) {
     EXPECT_EQ(feet, std::numeric_limits<float>::infinity());
 }
 
-TEST_F(Indicator, measures_no_cable_where_the_multiplexer_fails) {
+TEST_F(IndicatorDriver, measures_no_cable_where_the_multiplexer_fails) {
     Init();
     SetColors(7);
     float feet = 7.0F;
@@ -212,7 +212,7 @@ TEST_F(Indicator, measures_no_cable_where_the_multiplexer_fails) {
     EXPECT_EQ(feet, 7.0F);
 }
 
-TEST_F(Indicator, measures_no_cable_where_blue_can_not_be_lit) {
+TEST_F(IndicatorDriver, measures_no_cable_where_blue_can_not_be_lit) {
     Init();
     SetColors(7);
     SetVolts(0, 0.9);
@@ -225,7 +225,7 @@ TEST_F(Indicator, measures_no_cable_where_blue_can_not_be_lit) {
     EXPECT_EQ(TakeLog(), (Log{ColorsFailed, LengthFailed}));
 }
 
-TEST_F(Indicator, counts_a_cable_as_not_measured_where_the_colours_do_not_come_back) {
+TEST_F(IndicatorDriver, counts_a_cable_as_not_measured_where_the_colours_do_not_come_back) {
     Init();
     SetColors(2);
     FailCall("fork", 1, EAGAIN);

@@ -27,13 +27,13 @@ std::vector<std::string> SettingUp() {
 
 }  // namespace
 
-TEST_F(Indicator, sets_the_mixer_up_and_then_claims_its_lines_and_makes_them_low_outputs) {
+TEST_F(IndicatorDriver, sets_the_mixer_up_and_then_claims_its_lines_and_makes_them_low_outputs) {
     EXPECT_EQ(PrintedBy([this] { EXPECT_TRUE(indicator->Init(settings)); }), Silence);
     EXPECT_EQ(TakeTrace(), SettingUp());
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, releases_its_lines_at_its_end) {
+TEST_F(IndicatorDriver, releases_its_lines_at_its_end) {
     Init();
     indicator.reset();
     for (const Lamp& lamp : Lamps) {
@@ -41,21 +41,21 @@ TEST_F(Indicator, releases_its_lines_at_its_end) {
     }
 }
 
-TEST_F(Indicator, makes_no_lines_where_the_mixer_can_not_be_unmuted) {
+TEST_F(IndicatorDriver, makes_no_lines_where_the_mixer_can_not_be_unmuted) {
     FailCall("system", 1, EAGAIN);
     EXPECT_FALSE(indicator->Init(settings));
     EXPECT_EQ(TakeLog(), (Log{InitFailed}));
     EXPECT_EQ(TakeTrace(), Texts{});
 }
 
-TEST_F(Indicator, makes_no_lines_where_the_volume_can_not_be_set) {
+TEST_F(IndicatorDriver, makes_no_lines_where_the_volume_can_not_be_set) {
     FailCall("system", 2, EAGAIN);
     EXPECT_FALSE(indicator->Init(settings));
     EXPECT_EQ(TakeLog(), (Log{InitFailed}));
     EXPECT_EQ(TakeTrace(), (Texts{"run amixer set -q 'Output Mixer HiFi' unmute"}));
 }
 
-TEST_F(Indicator, works_without_a_mixer_that_answers) {
+TEST_F(IndicatorDriver, works_without_a_mixer_that_answers) {
     for (const char* fault : {"amixer-fails", "sound-tools-missing"}) {
         SetFault(fault);
         Quietly([this] { EXPECT_TRUE(indicator->Init(settings)); });
@@ -64,14 +64,14 @@ TEST_F(Indicator, works_without_a_mixer_that_answers) {
     }
 }
 
-TEST_F(Indicator, stops_setting_up_at_the_first_line_that_refuses) {
+TEST_F(IndicatorDriver, stops_setting_up_at_the_first_line_that_refuses) {
     SetFault("write-refused=pioD20/value");
     EXPECT_EQ(PrintedBy([this] { EXPECT_FALSE(indicator->Init(settings)); }), OnError("unable to set the gpio value"));
     EXPECT_EQ(TakeLog(), (Log{InitFailed}));
     EXPECT_EQ(TakeTrace().back(), "/sys/class/gpio/pioD20/value=0 !EIO");
 }
 
-TEST_F(Indicator, sets_no_led_after_a_failed_init_but_takes_a_later_one) {
+TEST_F(IndicatorDriver, sets_no_led_after_a_failed_init_but_takes_a_later_one) {
     FailCall("system", 1, EAGAIN);
     indicator->Init(settings);
     TakeLog();
@@ -84,7 +84,7 @@ TEST_F(Indicator, sets_no_led_after_a_failed_init_but_takes_a_later_one) {
     EXPECT_TRUE(SetColors(1));
 }
 
-TEST_F(Indicator, forgets_that_it_worked_where_init_fails_again) {
+TEST_F(IndicatorDriver, forgets_that_it_worked_where_init_fails_again) {
     Init();
     FailCall("system", 1, EAGAIN);
     EXPECT_FALSE(indicator->Init(settings));
@@ -100,7 +100,7 @@ struct ColorCase {
     std::string sound;
 };
 
-class IndicatorColors : public Indicator, public testing::WithParamInterface<ColorCase> {};
+class IndicatorColors : public IndicatorDriver, public testing::WithParamInterface<ColorCase> {};
 
 }  // namespace
 
@@ -131,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Codes, IndicatorColors,
                                          ColorCase{9, "R", Alert}),
                          [](const auto& row) { return std::to_string(row.param.code); });
 
-TEST_F(Indicator, writes_all_six_lines_in_the_order_of_their_creation) {
+TEST_F(IndicatorDriver, writes_all_six_lines_in_the_order_of_their_creation) {
     Init();
     SetColors(6);
     EXPECT_EQ(LineWrites(), Writes("101000"));
@@ -139,7 +139,7 @@ TEST_F(Indicator, writes_all_six_lines_in_the_order_of_their_creation) {
     EXPECT_EQ(LineWrites(), Writes("010100"));
 }
 
-TEST_F(Indicator, plays_alert_and_alarm_each_with_its_own_gap) {
+TEST_F(IndicatorDriver, plays_alert_and_alarm_each_with_its_own_gap) {
     Init();
     for (const auto& [code, call, seconds] :
          {std::tuple(2U, "run " + Alert, 4.0), std::tuple(3U, "run " + Alarm, 2.0)}) {
@@ -158,7 +158,7 @@ TEST_F(Indicator, plays_alert_and_alarm_each_with_its_own_gap) {
     }
 }
 
-TEST_F(Indicator, is_silenced_by_a_code_that_does_not_exist_and_keeps_its_leds) {
+TEST_F(IndicatorDriver, is_silenced_by_a_code_that_does_not_exist_and_keeps_its_leds) {
     for (const std::uint32_t code : {10U, 0xFFFFFFFFU}) {
         Init();
         SetColors(3);
@@ -172,7 +172,7 @@ TEST_F(Indicator, is_silenced_by_a_code_that_does_not_exist_and_keeps_its_leds) 
     }
 }
 
-TEST_F(Indicator, stops_at_the_first_line_that_can_not_be_written_and_keeps_silent) {
+TEST_F(IndicatorDriver, stops_at_the_first_line_that_can_not_be_written_and_keeps_silent) {
     Init();
     SetFault("write-refused=pioD20/value");
     EXPECT_FALSE(SetColors(2));
@@ -181,7 +181,7 @@ TEST_F(Indicator, stops_at_the_first_line_that_can_not_be_written_and_keeps_sile
     EXPECT_EQ(Board().SoundCalls(), Texts{});
 }
 
-TEST_F(Indicator, comes_back_to_the_last_code_that_was_shown) {
+TEST_F(IndicatorDriver, comes_back_to_the_last_code_that_was_shown) {
     Init();
     SetColors(7);
     SetFault("write-refused=pioD16/value");
@@ -191,7 +191,7 @@ TEST_F(Indicator, comes_back_to_the_last_code_that_was_shown) {
     EXPECT_EQ(Lit(), "Rb");
 }
 
-TEST_F(Indicator, fails_where_its_sound_can_not_be_started_and_shows_the_colours_all_the_same) {
+TEST_F(IndicatorDriver, fails_where_its_sound_can_not_be_started_and_shows_the_colours_all_the_same) {
     Init();
     FailCall("fork", 1, EAGAIN);
     EXPECT_EQ(PrintedBy([this] { EXPECT_FALSE(indicator->SetLEDColors(3)); }), OnError("Speaker: error in play fork"));
@@ -199,7 +199,7 @@ TEST_F(Indicator, fails_where_its_sound_can_not_be_started_and_shows_the_colours
     EXPECT_EQ(TakeLog(), (Log{ColorsFailed}));
 }
 
-TEST_F(Indicator, fails_at_a_sound_without_a_file_only_where_it_would_play_it) {
+TEST_F(IndicatorDriver, fails_at_a_sound_without_a_file_only_where_it_would_play_it) {
     settings.alertFile.clear();
     Init();
     EXPECT_TRUE(SetColors(2));
@@ -209,7 +209,7 @@ TEST_F(Indicator, fails_at_a_sound_without_a_file_only_where_it_would_play_it) {
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, lights_one_led_alone) {
+TEST_F(IndicatorDriver, lights_one_led_alone) {
     Init();
     const char* const letters[] = {"B", "A", "R", "b", "a", "r"};
     for (std::uint32_t led = 0; led < 6; ++led) {
@@ -219,13 +219,13 @@ TEST_F(Indicator, lights_one_led_alone) {
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, writes_every_line_once_for_a_single_led) {
+TEST_F(IndicatorDriver, writes_every_line_once_for_a_single_led) {
     Init();
     indicator->SetSingleLEDColor(4);
     EXPECT_EQ(LineWrites(), Writes("000010"));
 }
 
-TEST_F(Indicator, turns_all_off_for_an_led_above_5) {
+TEST_F(IndicatorDriver, turns_all_off_for_an_led_above_5) {
     Init();
     for (const std::uint32_t led : {6U, 32U, 0xFFFFFFFFU}) {
         SetColors(0);
@@ -234,7 +234,7 @@ TEST_F(Indicator, turns_all_off_for_an_led_above_5) {
     }
 }
 
-TEST_F(Indicator, says_so_where_a_single_led_can_not_be_set) {
+TEST_F(IndicatorDriver, says_so_where_a_single_led_can_not_be_set) {
     Init();
     SetFault("write-refused=pioD18/value");
     EXPECT_EQ(PrintedBy([this] { EXPECT_FALSE(indicator->SetSingleLEDColor(0)); }),
@@ -243,7 +243,7 @@ TEST_F(Indicator, says_so_where_a_single_led_can_not_be_set) {
     EXPECT_EQ(TakeLog(), (Log{SingleFailed}));
 }
 
-TEST_F(Indicator, leaves_the_sound_alone_for_a_single_led) {
+TEST_F(IndicatorDriver, leaves_the_sound_alone_for_a_single_led) {
     Init();
     SetColors(3);
     WaitForSound(Alarm);
@@ -251,14 +251,14 @@ TEST_F(Indicator, leaves_the_sound_alone_for_a_single_led) {
     WaitForSound(Alarm, 3);
 }
 
-TEST_F(Indicator, plays_a_named_file_below_the_program_folder_and_none_without_a_name) {
+TEST_F(IndicatorDriver, plays_a_named_file_below_the_program_folder_and_none_without_a_name) {
     Init();
     EXPECT_EQ(PrintedBy([this] { EXPECT_FALSE(indicator->PlayFile("", 1000)); }), Silence);
     Quietly([this] { EXPECT_TRUE(indicator->PlayFile("alarm.wav", 1000)); });
     WaitForSound(Alarm);
 }
 
-TEST_F(Indicator, restarts_the_sound_of_its_colours) {
+TEST_F(IndicatorDriver, restarts_the_sound_of_its_colours) {
     Init();
     SetColors(2);
     WaitForSound(Alert);
@@ -272,7 +272,7 @@ TEST_F(Indicator, restarts_the_sound_of_its_colours) {
     EXPECT_EQ(TakeLog(), Log{});
 }
 
-TEST_F(Indicator, has_nothing_to_restart_where_its_colours_are_silent_but_stops) {
+TEST_F(IndicatorDriver, has_nothing_to_restart_where_its_colours_are_silent_but_stops) {
     Init();
     SetColors(1);
     Quietly([this] {

@@ -11,9 +11,11 @@
 
 namespace {
 
-class Cycle : public SystemOnBoard {
+class SystemCycle : public SystemOnBoard {
 protected:
-    Cycle() : SystemOnBoard(50.0) { configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "1000"); }
+    SystemCycle() : SystemOnBoard(50.0) {
+        configuration.Set("AutoStartMeasurement", "true").Set("AutoStartDelay", "1000");
+    }
 
     void SetChlorine(double milligramsPerLitre) {
         Bench::InstrumentSettings settings = Board().Settings();
@@ -63,7 +65,7 @@ constexpr int StatusColumn = 2;
 
 }  // namespace
 
-TEST_F(Cycle, from_power_up_the_second_result_is_the_samples_chlorine) {
+TEST_F(SystemCycle, from_power_up_the_second_result_is_the_samples_chlorine) {
     SetChlorine(0.60);
     Start();
     WaitForResults(2);
@@ -90,7 +92,7 @@ TEST_F(Cycle, from_power_up_the_second_result_is_the_samples_chlorine) {
     EXPECT_GT(Rows("MeasurementStep.csv").size(), 200U);
 }
 
-TEST_F(Cycle, an_abort_ends_it_without_a_result) {
+TEST_F(SystemCycle, an_abort_ends_it_without_a_result) {
     Start();
     WaitForStatus("Executing Sample Flush & Delivery Step");
     Board().ClearLog();
@@ -101,7 +103,7 @@ TEST_F(Cycle, an_abort_ends_it_without_a_result) {
     EXPECT_EQ(CardFile("Measurement.csv"), "");
 }
 
-TEST_F(Cycle, a_reset_in_the_middle_ends_it_and_the_next_generation_measures) {
+TEST_F(SystemCycle, a_reset_in_the_middle_ends_it_and_the_next_generation_measures) {
     Start();
     WaitForStatus("Executing Sample Flush & Delivery Step");
     Reset();
@@ -110,7 +112,7 @@ TEST_F(Cycle, a_reset_in_the_middle_ends_it_and_the_next_generation_measures) {
     EXPECT_EQ(Field(Rows("Measurement.csv")[1], 7), "1");
 }
 
-TEST_F(Cycle, a_pulled_card_drops_records_and_its_return_goes_on_in_the_same_file) {
+TEST_F(SystemCycle, a_pulled_card_drops_records_and_its_return_goes_on_in_the_same_file) {
     Start();
     WaitForStatus("Executing Dark Count Measurement Step");
     Board().PullCard();

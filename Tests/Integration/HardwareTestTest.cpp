@@ -36,11 +36,6 @@ protected:
         Reset();
     }
 
-    void SetFault(const std::string& text) {
-        std::string error;
-        ASSERT_TRUE(Board().SetFault(text, error)) << error;
-    }
-
     void Listen() {
         if (witness != nullptr) {
             witness->Forget();

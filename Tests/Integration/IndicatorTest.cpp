@@ -43,21 +43,9 @@ protected:
         EXPECT_TRUE(Board().WaitUntil([&] { return Lit() == lit; }, realSeconds)) << Lit() << ", not " << lit;
     }
 
-    void WaitForSound(const std::string& call) const {
-        EXPECT_TRUE(Board().WaitUntil([&] {
-            const std::vector<std::string> calls = Board().SoundCalls();
-            return !calls.empty() && calls.back() == call;
-        })) << call;
-    }
-
     static void ExpectNoChild() {
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
-    }
-
-    void SetFault(const std::string& fault) const {
-        std::string error;
-        EXPECT_TRUE(Board().SetFault(fault, error)) << error;
     }
 
     void SetChlorine(double milligramsPerLitre) const {

@@ -9,15 +9,9 @@
 
 namespace {
 
-Bench::BoardSetup Fast() {
-    Bench::BoardSetup setup;
-    setup.speed = 100.0;
-    return setup;
-}
-
 class MissingSetting : public BoardTest {
 protected:
-    MissingSetting() : BoardTest(Fast()) { configuration.Set("AutoStartDelay", "1000"); }
+    MissingSetting() : BoardTest(AtSpeed(100.0)) { configuration.Set("AutoStartDelay", "1000"); }
 
     void ExpectEndNaming(const std::string& place) {
         configuration.LayInto(Folder());

@@ -52,7 +52,7 @@ protected:
 
 class RunCountersOfProduct : public BoardTest {
 protected:
-    RunCountersOfProduct() : BoardTest(Fast()) {
+    RunCountersOfProduct() : BoardTest(AtSpeed(100.0)) {
         configuration.Set("AutoStartDelay", "1000").Set("LoggingLevel", "DEBUG_LOG_LEVEL").LayInto(Folder());
     }
 
@@ -64,12 +64,6 @@ protected:
                        return line.text.find("Processing TimeOut for - DeviceMonitor") != std::string::npos;
                    }) >= 2;
         }));
-    }
-
-    static Bench::BoardSetup Fast() {
-        Bench::BoardSetup setup;
-        setup.speed = 100.0;
-        return setup;
     }
 
     SampleConfiguration configuration;

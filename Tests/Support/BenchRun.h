@@ -15,27 +15,7 @@
 #include <vector>
 
 #include "Tests/Support/ReadFile.h"
-
-// A fresh folder, removed at the end.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        char name[] = "/tmp/bench-console-XXXXXX";
-        m_path = mkdtemp(name) != nullptr ? name : "";
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string operator/(const std::string& name) const { return m_path + "/" + name; }
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
+#include "Tests/Support/TemporaryFolder.h"
 
 inline void WriteFile(const std::string& path, const std::string& text, bool append = false) {
     std::ofstream(path, append ? std::ios::app : std::ios::trunc) << text;

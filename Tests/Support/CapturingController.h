@@ -1,4 +1,4 @@
-// A controller that keeps a copy of each data message that reaches it. Start it once its name and types are set.
+// A controller that keeps a copy of each data message that it receives. The constructor starts it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 
 #include "Frameworks/Messaging/MessagingControl.h"
 #include "Frameworks/Messaging/ThreadControl.h"
+#include "Tests/Support/TestRouter.h"
 
 class CapturingController final : public ThreadControl {
 public:
@@ -42,9 +43,10 @@ public:
         return true;
     }
 
-    bool ProcessCommandMessage(CommandMessage* /*message*/) override {
+    bool ProcessCommandMessage(CommandMessage* message) override {
         const std::lock_guard lock(m_mutex);
         m_ready = true;
+        m_command = message->Clone();
         m_changed.notify_all();
         return true;
     }
@@ -56,9 +58,7 @@ public:
         return true;
     }
 
-    bool ProcessTimeOut() override { return true; }
-
-    // The message of that position, from 0, once it came; the deadline only ends a hang.
+    // Waits for the message at that position, from 0; the deadline only ends a hang.
     template <typename Message>
     const Message& Get(std::size_t position = 0) {
         EXPECT_TRUE(WaitFor([this, position] { return m_messages.size() > position; }));
@@ -66,7 +66,7 @@ public:
         return static_cast<const Message&>(*m_messages.at(position));
     }
 
-    // Waits until that many of the messages of the type answer the question with yes.
+    // Waits until that many messages of the type meet the condition.
     template <typename Message, typename Question>
     void WaitForSuch(DataMessageType type, Question question, std::size_t count = 1) {
         EXPECT_TRUE(WaitFor([&] {
@@ -91,6 +91,19 @@ public:
         return copies;
     }
 
+    // The command as the router delivers it.
+    std::unique_ptr<CommandMessage> Routed(CommandType type) {
+        RegisterForCommand(type);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_command.reset();
+        }
+        SendCommand(type);
+        EXPECT_TRUE(WaitFor([this] { return m_command != nullptr; }));
+        const std::lock_guard lock(m_mutex);
+        return std::make_unique<CommandMessage>(static_cast<const CommandMessage&>(*m_command));
+    }
+
     std::size_t Count() {
         const std::lock_guard lock(m_mutex);
         return m_messages.size();
@@ -101,7 +114,7 @@ private:
         return static_cast<const DataMessage&>(message).GetDataType() == type;
     }
 
-    // Long, since the clock of a board may run fast.
+    // Long, because the clock of a board may run fast.
     template <typename Condition>
     bool WaitFor(Condition condition) {
         std::unique_lock lock(m_mutex);
@@ -112,19 +125,14 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     bool m_ready = false;
+    std::unique_ptr<MessageBase> m_command;
     std::vector<std::unique_ptr<MessageBase>> m_messages;
 };
 
 // A router for the length of a test.
 class RoutedTest : public testing::Test {
+    TestRouter m_router;
+
 protected:
-    RoutedTest() { MessageBase::SetMessagingControl(&router); }
-
-    ~RoutedTest() override {
-        MessageBase::SetMessagingControl(nullptr);
-        router.Kill();
-        pthread_join(router.GetThreadId(), nullptr);
-    }
-
-    MessagingControl router;
+    MessagingControl& router = *m_router;
 };

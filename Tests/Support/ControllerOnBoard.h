@@ -1,5 +1,5 @@
-// One controller on a board of its own, with the real router, the sample settings, and a keeper of log lines. Make it
-// with Start; Barrier waits until it has served all that was posted before.
+// One controller on its own board, with the real router, the sample settings, and a keeper of log lines. Make it with
+// Start; Barrier waits until it has handled all that was posted before.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,21 +16,16 @@
 #include "Tests/Support/BoardFixture.h"
 #include "Tests/Support/CapturingController.h"
 #include "Tests/Support/SampleConfiguration.h"
+#include "Tests/Support/TestRouter.h"
 
 template <typename Controller, ControllerType Type>
 class ControllerOnBoard : public BoardTest {
 protected:
     using Texts = std::vector<std::string>;
 
-    explicit ControllerOnBoard(double speed = 50.0) : BoardTest(QuietAtSpeed(speed)) {
-        MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
-        BeginGeneration();
-    }
+    explicit ControllerOnBoard(double speed = 50.0) : BoardTest(QuietAtSpeed(speed)) { BeginGeneration(); }
 
-    ~ControllerOnBoard() override {
-        EndGeneration();
-        MessageController::SetLogLevel(RUMOR_LOG_LEVEL);
-    }
+    ~ControllerOnBoard() override { EndGeneration(); }
 
     ControllerOnBoard(const ControllerOnBoard&) = delete;
     ControllerOnBoard& operator=(const ControllerOnBoard&) = delete;
@@ -43,7 +38,7 @@ protected:
         ASSERT_TRUE(SingletonBase::GetSystemConfiguration()->GetXML());
     }
 
-    // With the settings as they stand in `configuration`.
+    // With the settings in `configuration`.
     void Start() {
         LoadSettings();
         Launch();
@@ -52,31 +47,57 @@ protected:
 
     void Launch() {
         m_controller = std::make_unique<Controller>();
-        m_router->RegisterCommand(m_controller.get(), KILLING_SYSTEM);  // enters the name
+        m_router->AddName(*m_controller);
+    }
+
+    // Ends the thread and keeps the object, which the test may then call without a second thread.
+    void End() {
+        m_controller->Kill();
+        pthread_join(m_controller->GetThreadId(), nullptr);
+        m_hasEnded = true;
     }
 
     void Stop() {
         if (m_controller != nullptr) {
-            m_controller->Kill();
-            Join();
+            if (!m_hasEnded) {
+                End();
+            }
+            Retire();
         }
     }
 
-    // Where it ends by itself.
+    // Waits until it ends by itself.
     void Join() {
         pthread_join(m_controller->GetThreadId(), nullptr);
-        EnterName();
-        Settle();  // the router delivers to it no more
-        m_controller.reset();
+        Retire();
     }
 
-    // A router and a log of their own for the next controller, as after a reset. What else subscribed has to be gone.
+    void LaunchAndExpectEnd() {
+        Launch();
+        WaitForLine("Changing to POST_EXITING_STATE State for - " + Name());
+        Join();
+    }
+
+    // A new router and log for the next controller, as after a reset. Other subscribers must be gone.
     void Renew() {
         EndGeneration();
         BeginGeneration();
     }
 
+    // Ends all threads. The first call in the destructor of a fixture with its own subscribers.
+    void EndGeneration() {
+        if (m_router != nullptr) {
+            Stop();
+            m_router->End();
+            m_retired.clear();
+            m_log.reset();
+            m_router.reset();
+            SingletonBase::SetSystemConfiguration(nullptr);
+        }
+    }
+
     Controller& Get() { return *m_controller; }
+    static std::string Name() { return ControllerNames[Type].Text(); }
 
     void Post(std::unique_ptr<MessageBase> message) {
         message->SetSource(&m_standIn);
@@ -88,7 +109,7 @@ protected:
 
     void Barrier() {
         Tell(MOVE_TO_TEST);
-        WaitForLine("Changing to TEST_STATE State for - " + ControllerNames[Type].Text(), ++m_barriers);
+        WaitForLine("Changing to TEST_STATE State for - " + Name(), ++m_barriers);
     }
 
     void WaitForLine(const std::string& text, std::size_t count = 1) {
@@ -111,54 +132,27 @@ protected:
 
     Texts Errors() { return LinesOf(ERROR_LOG_LEVEL); }
 
-    void SetFault(const char* fault) {
-        std::string error;
-        EXPECT_TRUE(Board().SetFault(fault, error)) << error;
-    }
-
     SampleConfiguration configuration;
 
 private:
-    // Stands for the rest of the system, and for the controller while there is none; it never runs.
-    class StandIn final : public ThreadControl {
-    public:
-        StandIn() { SetThreadName(ControllerNames[Type]); }
-        bool DoRegistration() override { return true; }
-        bool ProcessCommandMessage(CommandMessage* /*message*/) override { return true; }
-        bool ProcessDataMessage(DataMessage* /*message*/) override { return true; }
-        bool ProcessTimeOut() override { return true; }
-    };
-
-    static Bench::BoardSetup QuietAtSpeed(double speed) {
-        Bench::BoardSetup setup;
-        setup.speed = speed;
-        setup.noise = false;
-        return setup;
-    }
-
     void BeginGeneration() {
-        m_router = std::make_unique<MessagingControl>();
-        MessageBase::SetMessagingControl(m_router.get());
+        m_router = std::make_unique<TestRouter>(DEBUG_LOG_LEVEL);
         m_log =
             std::make_unique<CapturingController>(ControllerNames[LOGGING_CONTROL], std::vector{LOGGING_DATA_MESSAGE});
         m_barriers = 0;
-        EnterName();
-        // The first line behind those from before the log was there is lost.
+        m_router->AddName(m_standIn);
+        // The first line after those from before the log was there is lost.
         MessageController::LogMessage("#lost", DEBUG_LOG_LEVEL, Type);
         Settle();
     }
 
-    void EndGeneration() {
-        Stop();
-        MessageBase::SetMessagingControl(nullptr);
-        m_router->Kill();
-        pthread_join(m_router->GetThreadId(), nullptr);
-        m_log.reset();
-        m_router.reset();
-        SingletonBase::SetSystemConfiguration(nullptr);
+    // The router may still deliver to the object, so it is kept until the router has ended.
+    void Retire() {
+        m_router->AddName(m_standIn);
+        Settle();
+        m_retired.push_back(std::move(m_controller));
+        m_hasEnded = false;
     }
-
-    void EnterName() { m_router->RegisterCommand(&m_standIn, KILLING_SYSTEM); }
 
     // All that was logged before is kept.
     void Settle() {
@@ -167,10 +161,12 @@ private:
         WaitForLine(mark);
     }
 
-    StandIn m_standIn;
-    std::unique_ptr<MessagingControl> m_router;
+    AbsentController m_standIn{Type};  // the sender, and the name's owner while there is no controller
+    std::unique_ptr<TestRouter> m_router;
     std::unique_ptr<CapturingController> m_log;
     std::unique_ptr<Controller> m_controller;
+    std::vector<std::unique_ptr<Controller>> m_retired;
+    bool m_hasEnded = false;
     std::size_t m_barriers = 0;
     int m_marks = 0;
 };

@@ -1,4 +1,4 @@
-// Lets memory run out for one object that is made so that it takes null for an answer, until this is destroyed.
+// Makes one allocation with std::nothrow fail, until this is destroyed.
 #pragma once
 
 #include <cstddef>

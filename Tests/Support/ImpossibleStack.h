@@ -1,4 +1,4 @@
-// While it lives, threads of default attributes get a stack that no machine has, and so can't be made.
+// During its life, threads with default attributes get an impossible stack size, so none can be created.
 #pragma once
 
 #include <pthread.h>
@@ -12,7 +12,7 @@ public:
         pthread_attr_t attributes;
         pthread_getattr_default_np(&m_before);
         pthread_getattr_default_np(&attributes);
-        // 64 TiB; where an address has 32 bits, all but the last megabyte of them, which no program leaves free.
+        // 64 TiB; on 32 bits, all but the last megabyte, which is never free.
         constexpr bool isWide = sizeof(void*) == 8;
         pthread_attr_setstacksize(&attributes, static_cast<std::size_t>(isWide ? std::uint64_t{1} << 46 : 0xFFF00000U));
         pthread_setattr_default_np(&attributes);

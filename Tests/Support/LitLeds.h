@@ -1,4 +1,4 @@
-// The remote indicator as it is lit, one letter an LED: "B", "A", "R" for blue, amber and red of the analyzer, then
+// The lit LEDs of the remote indicator, one letter per LED: "B", "A", "R" for blue, amber and red of the analyzer, then
 // "b", "a", "r" of the water.
 #pragma once
 

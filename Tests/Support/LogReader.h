@@ -10,7 +10,7 @@
 
 class LogReader {
 public:
-    // The first line frees those from before and is itself lost. A line needs its origin among the controllers.
+    // The first line releases earlier ones and is itself lost. The origin of a line must be a registered controller.
     LogReader() {
         MessageController::LogMessage(Mark, EMERGENCY_LOG_LEVEL, LOGGING_CONTROL);
         Settle();
@@ -18,20 +18,14 @@ public:
     LogReader(const LogReader&) = delete;
     LogReader& operator=(const LogReader&) = delete;
 
-    // The router goes on sending to the controllers until it ends, so it ends first.
+    // The router sends to the controllers until it ends, so it ends first.
     ~LogReader() { EndRouter(); }
 
-    // For whoever has controllers of its own at the router.
-    void EndRouter() {
-        if (MessageBase::GetMessagingControl() == &m_router.control) {
-            MessageBase::SetMessagingControl(nullptr);
-            m_router.control.Kill();
-            pthread_join(m_router.control.GetThreadId(), nullptr);
-        }
-    }
+    // For a test whose own controllers subscribed to the router.
+    void EndRouter() { m_router.End(); }
 
-    // The lines so far from errors to information, oldest first. One that is no error of the test interface says its
-    // level and whose it is.
+    // The lines so far from errors to information, oldest first. A line that is not an error of TestInterface ends with
+    // its level and origin.
     std::vector<std::string> Lines() {
         Settle();
         std::vector<std::string> lines;
@@ -53,7 +47,7 @@ public:
         return lines;
     }
 
-    // Whatever was logged before is seen after it.
+    // All that was logged before is read afterwards.
     void Settle() {
         const StdString mark = Mark + std::to_string(m_marks++);
         MessageController::LogMessage(mark, EMERGENCY_LOG_LEVEL, LOGGING_CONTROL);
@@ -65,12 +59,7 @@ public:
 private:
     static constexpr char Mark[] = "all of it, ";
 
-    // Made before the controllers, which register with it.
-    struct Router {
-        Router() { MessageBase::SetMessagingControl(&control); }
-        MessagingControl control;
-    } m_router;
-
+    TestRouter m_router;  // before the controllers, which register with it
     int m_marks = 0;
     std::size_t m_seen = 0;
     CapturingController m_logging{ControllerNames[LOGGING_CONTROL], {LOGGING_DATA_MESSAGE}};

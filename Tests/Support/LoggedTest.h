@@ -1,4 +1,4 @@
-// A test with a router that reads what is logged in the name of the test interface, whole.
+// A test with a router that reads the log lines of TestInterface.
 #pragma once
 
 #include <string>

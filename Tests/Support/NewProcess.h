@@ -1,5 +1,5 @@
-// What happens in a process of its own, as after a restart: what the product keeps for the life of a process begins
-// afresh there. Only while this process has one thread.
+// Runs an action in a new process, as after a restart: process-wide variables have their initial values there. Only
+// while this process has one thread.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ class NewProcess {
 public:
     using Tell = std::function<void(const std::string& text)>;
 
-    // What the action tells reaches the answer at once, through a pipe.
+    // The action writes its answer through a pipe.
     explicit NewProcess(const std::function<void(const Tell&)>& action) {
         EXPECT_EQ(pipe(m_pipe), 0);
         m_pid = fork();
@@ -47,7 +47,7 @@ public:
         return status;
     }
 
-    // All that the action has told when the process has ended.
+    // All that the action wrote, after the process has ended.
     std::string Answer() const {
         std::string answer;
         for (std::string piece = Next(); !piece.empty(); piece = Next()) {
@@ -56,7 +56,7 @@ public:
         return answer;
     }
 
-    // Some of it, as soon as there is any; empty at the end.
+    // The next part, as soon as there is any; empty at the end.
     std::string Next() const {
         char piece[4096];
         const ssize_t count = read(m_pipe[0], piece, sizeof piece);

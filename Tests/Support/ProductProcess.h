@@ -1,4 +1,4 @@
-// The very binary that ships, as a process of its own on a board: started, watched, ended.
+// The shipped binary as a process on a board.
 #pragma once
 
 #include <fcntl.h>

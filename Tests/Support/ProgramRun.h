@@ -7,7 +7,7 @@
 #include <string>
 
 struct ProgramRun {
-    int status = -1;  // 128 and the signal where one ended it
+    int status = -1;  // 128 plus the signal if one ended it
     std::string text;
 };
 

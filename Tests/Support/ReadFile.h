@@ -1,4 +1,4 @@
-// A whole file as text; empty where there is none.
+// A whole file as text; empty if there is none.
 #pragma once
 
 #include <fstream>

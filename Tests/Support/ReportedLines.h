@@ -1,4 +1,4 @@
-// The lines that the classes below the message layer report while one of these lives.
+// Collects the lines that classes below the message layer report, during its life.
 #pragma once
 
 #include <string>
@@ -24,14 +24,14 @@ public:
     ReportedLines& operator=(const ReportedLines&) = delete;
     ~ReportedLines() { SetReportFunction(nullptr); }
 
-    // One entry a line; a line that is no error of the top controller shows its numbers too.
+    // One entry per line; a line that is not an error of SystemControl ends with its level and origin.
     std::vector<std::string> Texts() const {
         std::vector<std::string> texts;
         for (const ReportedLine& line : lines) {
-            const bool usual = line.level == ERROR_LOG_LEVEL && line.origin == SYSTEM_CONTROL;
-            texts.push_back(usual ? line.text
-                                  : line.text + " level " + std::to_string(line.level) + " origin " +
-                                        std::to_string(line.origin));
+            const bool isDefault = line.level == ERROR_LOG_LEVEL && line.origin == SYSTEM_CONTROL;
+            texts.push_back(isDefault ? line.text
+                                      : line.text + " level " + std::to_string(line.level) + " origin " +
+                                            std::to_string(line.origin));
         }
         return texts;
     }

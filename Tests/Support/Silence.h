@@ -1,10 +1,10 @@
-// Whether the instrument's sound has ended.
+// Checks that the instrument's sound has ended.
 #pragma once
 
 #include "Bench/Board/Board.h"
 
-// The clip that plays ends, and none follows it within twenty simulated seconds: but for one, whose tool was on its way
-// when the player ended.
+// The current clip ends and none follows within twenty simulated seconds. One more clip is allowed, if its tool was
+// already starting when the player ended.
 inline bool BecomesSilent(Bench::Board& board) {
     for (int clips = 0; clips < 2; ++clips) {
         if (!board.WaitUntil([&board] { return !board.SoundPlaying(); })) {

@@ -47,7 +47,7 @@ protected:
         EXPECT_TRUE(MessageController::SendMessage(std::make_unique<CommandMessage>(command), SYSTEM_CONTROL));
     }
 
-    // Texts of the system log behind the time, in order.
+    // Texts of the system log without the time, in order.
     std::vector<std::string> Lines() const {
         std::vector<std::string> lines;
         for (const Bench::LogLine& line : Board().Log()) {
@@ -73,16 +73,17 @@ protected:
         return thread != nullptr && thread->GetState() == IDLE_STATE;
     }
 
-    // Everyone is idle, and the log flows: the line that frees those from before LoggingControl is lost, so ask twice.
+    // Every controller is idle, and the log is written: the line that releases those from before LoggingControl is
+    // lost, so send two.
     void WaitForIdle() {
         EXPECT_TRUE(Board().WaitUntil([] {
             return IsIdle(SYSTEM_CONTROL) && IsIdle(MESSAGING_CONTROL) && IsIdle(LOGGING_CONTROL) &&
                    IsIdle(DEVICE_MONITOR) && IsIdle(USER_INTERFACE_DATA_CONTROL) && IsIdle(SYSTEM_MONITOR) &&
                    IsIdle(REMOTE_INDICATOR_CONTROL) && IsIdle(TEST_INTERFACE) && IsIdle(MEASUREMENT_ENGINE);
         }));
-        MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
-        MessageController::LogMessage("everyone is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
-        WaitFor("everyone is idle");
+        MessageController::LogMessage("every controller is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
+        MessageController::LogMessage("every controller is idle", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
+        WaitFor("every controller is idle");
     }
 
     // Whole seconds of the hour in the first line of that text.
@@ -97,14 +98,8 @@ protected:
         return 0;
     }
 
-    static Bench::BoardSetup AtSpeed(double speed) {
-        Bench::BoardSetup setup;
-        setup.speed = speed;
-        return setup;
-    }
-
-    // A zone that is set: without one libc makes its own anew in whichever thread asks for the local time, under a lock
-    // that the thread sanitizer doesn't see.
+    // Without a zone, libc reads its own again on each thread that asks for the local time, under a lock that the
+    // thread sanitizer does not see.
     const TimeZone zone{"UTC"};
     SampleConfiguration configuration;
     std::unique_ptr<SystemControl> system;

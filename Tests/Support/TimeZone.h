@@ -1,4 +1,4 @@
-// The time zone of this process while one of these lives; then the former one again. POSIX form: "MST7", "EAST-3".
+// Sets the time zone of this process during its life. POSIX form: "MST7", "EAST-3".
 #pragma once
 
 #include <cstdlib>
@@ -9,8 +9,8 @@
 class TimeZone {
 public:
     explicit TimeZone(const char* zone) {
-        if (const char* former = std::getenv("TZ")) {
-            m_former = former;
+        if (const char* previous = std::getenv("TZ")) {
+            m_previous = previous;
         }
         setenv("TZ", zone, 1);
         tzset();
@@ -18,8 +18,8 @@ public:
     TimeZone(const TimeZone&) = delete;
     TimeZone& operator=(const TimeZone&) = delete;
     ~TimeZone() {
-        if (m_former) {
-            setenv("TZ", m_former->c_str(), 1);
+        if (m_previous) {
+            setenv("TZ", m_previous->c_str(), 1);
         } else {
             unsetenv("TZ");
         }
@@ -27,5 +27,5 @@ public:
     }
 
 private:
-    std::optional<std::string> m_former;
+    std::optional<std::string> m_previous;
 };

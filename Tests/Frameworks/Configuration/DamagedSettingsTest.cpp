@@ -57,7 +57,7 @@ TEST(DamagedSettings, load_and_read_into_a_state_that_the_system_knows) {
     const auto seed = static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed());
     SCOPED_TRACE("seed " + std::to_string(seed) + ": replay with --gtest_random_seed");
     std::mt19937 random(seed);
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string sound = InstalledText();
     ASSERT_FALSE(sound.empty());
     int loaded = 0;

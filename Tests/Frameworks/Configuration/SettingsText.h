@@ -1,37 +1,9 @@
-// Settings files for tests, and a folder for them.
+// Texts of settings files for tests.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
-// Made empty, and removed with its content.
-class TestFolder {
-public:
-    TestFolder() {
-        std::string name = testing::TempDir() + "settings-XXXXXX";
-        m_path = ::mkdtemp(name.data()) == nullptr ? "" : name;
-    }
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-    ~TestFolder() { std::filesystem::remove_all(m_path); }
-
-    const std::string& Path() const { return m_path; }
-
-    std::string Write(const std::string& name, const std::string& text) const {
-        const std::filesystem::path path = std::filesystem::path(m_path) / name;
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
-        return path.string();
-    }
-
-private:
-    std::string m_path;
-};
+#include "Tests/Support/TemporaryFolder.h"
 
 inline std::string Element(const std::string& name, const std::string& content) {
     return "<" + name + ">" + content + "</" + name + ">\n";

@@ -77,7 +77,7 @@ protected:
     }
 
     ReportedLines m_lines;
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
     SystemConfigurationFile m_file;
 };
 

@@ -13,7 +13,7 @@ protected:
     UserSettings() : m_before(std::filesystem::current_path()) { std::filesystem::current_path(m_folder.Path()); }
     ~UserSettings() override { std::filesystem::current_path(m_before); }
 
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
     std::filesystem::path m_before;
     UserConfigurationFile m_file;
 };

@@ -10,21 +10,16 @@
 #include <fstream>
 #include <string>
 
+#include "Tests/Support/TemporaryFolder.h"
+
 namespace {
 
 class FileStatusTest : public testing::Test {
 protected:
-    FileStatusTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "status-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
-    ~FileStatusTest() override { std::filesystem::remove_all(m_folder); }
-
-    std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+    std::string Path(const std::string& name) const { return m_folder / name; }
 
     std::string File(const std::string& name, const std::string& content) const {
-        std::ofstream(Path(name)) << content;
-        return Path(name);
+        return m_folder.Write(name, content);
     }
 
     // The queries that return true, in the order block, character, directory, FIFO, regular, socket, link.
@@ -42,7 +37,7 @@ protected:
     }
 
 private:
-    std::filesystem::path m_folder;
+    TemporaryFolder m_folder;
 };
 
 }  // namespace

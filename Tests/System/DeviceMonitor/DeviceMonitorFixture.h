@@ -1,4 +1,4 @@
-// A DeviceMonitor on a board of its own without noise, with a router and a witness.
+// A DeviceMonitor on its own board without noise, with a router and a witness.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,28 +10,18 @@
 #include <vector>
 
 #include "Frameworks/Messaging/MessageController.h"
-#include "Frameworks/Messaging/MessagingControl.h"
 #include "System/DeviceMonitor/DeviceMonitor.h"
 #include "System/Messages/PeriodicHardwareTestMessage.h"
 #include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/TestRouter.h"
 #include "Tests/System/DeviceMonitor/Witness.h"
-
-// A name in the router's table, for a controller that isn't there.
-class Named final : public ThreadControl {
-public:
-    explicit Named(ControllerType name) { SetThreadName(ControllerNames[name]); }
-    bool DoRegistration() override { return true; }
-    bool ProcessCommandMessage(CommandMessage* /*message*/) override { return true; }
-    bool ProcessDataMessage(DataMessage* /*message*/) override { return true; }
-    bool ProcessTimeOut() override { return true; }
-};
 
 class DeviceMonitorFixture : public BoardTest {
 protected:
-    explicit DeviceMonitorFixture(double speed) : BoardTest(Setup(speed)), witness("Witness", HeardTypes, &Board()) {
-        MessageBase::SetMessagingControl(&router);
-        router.RegisterCommand(&m_systemControl, KILLING_SYSTEM);
-        router.RegisterCommand(&m_remoteIndicator, KILLING_SYSTEM);
+    explicit DeviceMonitorFixture(double speed)
+        : BoardTest(QuietAtSpeed(speed)), witness("Witness", HeardTypes, &Board()) {
+        router.AddName(m_systemControl);
+        router.AddName(m_remoteIndicator);
         EXPECT_TRUE(witness.CreateThread());
         EXPECT_TRUE(Board().WaitUntil([this] { return witness.Listens(); }));
     }
@@ -39,15 +29,14 @@ protected:
     ~DeviceMonitorFixture() override {
         Stop();
         End(witness);
-        MessageBase::SetMessagingControl(nullptr);
-        End(router);
+        router.End();
     }
 
     void Start() {
         monitor = std::make_unique<DeviceMonitor>();
         for (const CommandType command :
              {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST, COLLECT_MEASUREMENT, PRIME_SYSTEM}) {
-            router.RegisterCommand(monitor.get(), command);
+            router->RegisterCommand(monitor.get(), command);
         }
         Send(MOVE_TO_IDLE);
         WaitForState(IDLE_STATE);
@@ -95,7 +84,7 @@ protected:
         return heard;
     }
 
-    // How often the monitor said that its second has passed, at the level of debugging lines.
+    // How often the monitor logged its time-out, which is each second.
     long Ticks() {
         const Texts heard = witness.Heard();
         return std::count(heard.begin(), heard.end(),
@@ -112,35 +101,17 @@ protected:
         LOGGING_DATA_MESSAGE, REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE, REMOTE_INDICATOR_AUDIO_CONTROL_DATA_MESSAGE,
         PERIODIC_HARDWARE_TEST_DATA_MESSAGE};
 
-private:
-    // From before the router writes its first line.
-    class ErrorsOnly {
-    public:
-        ErrorsOnly() { MessageController::SetLogLevel(ERROR_LOG_LEVEL); }
-        ~ErrorsOnly() { MessageController::SetLogLevel(RUMOR_LOG_LEVEL); }
-        ErrorsOnly(const ErrorsOnly&) = delete;
-        ErrorsOnly& operator=(const ErrorsOnly&) = delete;
-    } m_errorsOnly;
-
-protected:
-    MessagingControl router;
+    TestRouter router{ERROR_LOG_LEVEL};
     Witness witness;
     std::unique_ptr<DeviceMonitor> monitor;
 
 private:
-    static Bench::BoardSetup Setup(double speed) {
-        Bench::BoardSetup setup;
-        setup.speed = speed;
-        setup.noise = false;
-        return setup;
-    }
-
     static void End(ThreadControl& thread) {
         thread.Kill();
         EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), 0);
     }
 
     std::vector<std::unique_ptr<DeviceMonitor>> m_ended;
-    Named m_systemControl{SYSTEM_CONTROL};
-    Named m_remoteIndicator{REMOTE_INDICATOR_CONTROL};
+    AbsentController m_systemControl{SYSTEM_CONTROL};
+    AbsentController m_remoteIndicator{REMOTE_INDICATOR_CONTROL};
 };

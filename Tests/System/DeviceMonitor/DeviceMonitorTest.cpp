@@ -14,13 +14,12 @@ namespace {
 
 constexpr double TwoHours = 7200.0;
 
-class Monitor : public DeviceMonitorFixture {
+class DeviceMonitorTest : public DeviceMonitorFixture {
 protected:
-    Monitor() : DeviceMonitorFixture(100.0) {}
+    DeviceMonitorTest() : DeviceMonitorFixture(100.0) {}
 };
 
-// The counters of a process live as long as it does: each test wants a process of its own, which the test runner gives
-// it.
+// The counters are process-wide. The test runner starts a process for each test, which these tests need.
 class Counters : public DeviceMonitorFixture {
 protected:
     Counters() : DeviceMonitorFixture(100.0) {}
@@ -83,7 +82,7 @@ protected:
 
 }  // namespace
 
-TEST_F(Monitor, says_that_it_starts_and_registers) {
+TEST_F(DeviceMonitorTest, says_that_it_starts_and_registers) {
     MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
     Start();
     MessageController::SetLogLevel(ERROR_LOG_LEVEL);
@@ -101,7 +100,7 @@ TEST_F(Monitor, says_that_it_starts_and_registers) {
     })) << testing::PrintToString(witness.Heard());
 }
 
-TEST_F(Monitor, that_cannot_register_says_so_in_the_name_of_the_remote_indicator) {
+TEST_F(DeviceMonitorTest, logs_a_refused_registration_with_the_origin_RemoteIndicatorControl) {
     Start();
     EXPECT_FALSE(monitor->DoRegistration());  // it has done so
     EXPECT_TRUE(Board().WaitUntil([this] { return !witness.Heard().empty(); }));
@@ -109,19 +108,7 @@ TEST_F(Monitor, that_cannot_register_says_so_in_the_name_of_the_remote_indicator
                                      "failed! from RemoteIndicatorControl"});
 }
 
-TEST_F(Monitor, follows_the_commands_through_its_states) {
-    Start();
-    Send(MOVE_TO_SHUTDOWN);
-    WaitForState(SHUTDOWN_STATE);
-    Send(MOVE_TO_TEST);
-    WaitForState(TEST_STATE);
-    Send(MOVE_TO_RUNNING);
-    WaitForState(RUNNING_STATE);
-    Send(MOVE_TO_IDLE);
-    WaitForState(IDLE_STATE);
-}
-
-TEST_F(Monitor, does_not_tick_before_it_has_been_running) {
+TEST_F(DeviceMonitorTest, does_not_tick_before_it_has_been_running) {
     MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
     Start();
     const double end = Board().Seconds() + 5.0;
@@ -129,7 +116,7 @@ TEST_F(Monitor, does_not_tick_before_it_has_been_running) {
     EXPECT_EQ(Ticks(), 0);
 }
 
-TEST_F(Monitor, ticks_each_second_from_the_first_running_on_through_all_later_states) {
+TEST_F(DeviceMonitorTest, ticks_each_second_in_every_state_after_the_first_running) {
     MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
     Start();
     for (const CommandType command : {MOVE_TO_RUNNING, MOVE_TO_IDLE, MOVE_TO_TEST, MOVE_TO_SHUTDOWN}) {
@@ -141,13 +128,7 @@ TEST_F(Monitor, ticks_each_second_from_the_first_running_on_through_all_later_st
     EXPECT_EQ(LastEnded().GetTimeOut(), 1000);
 }
 
-TEST_F(Monitor, a_null_command_is_refused_and_null_data_passed_over) {
-    Start();
-    EXPECT_FALSE(monitor->ProcessCommandMessage(nullptr));
-    EXPECT_TRUE(monitor->ProcessDataMessage(nullptr));
-}
-
-TEST_F(Monitor, tells_once_when_the_card_comes_and_once_when_it_goes) {
+TEST_F(DeviceMonitorTest, tells_once_when_the_card_comes_and_once_when_it_goes) {
     Start();
     testing::internal::CaptureStdout();
     const auto notice = [] { DeviceMonitor::NoticeCard(0, nullptr, nullptr); };
@@ -161,7 +142,7 @@ TEST_F(Monitor, tells_once_when_the_card_comes_and_once_when_it_goes) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "SD card inserted! SD card removed !SD card inserted! ");
 }
 
-TEST_F(Monitor, every_notice_of_the_card_sets_the_changed_flag) {
+TEST_F(DeviceMonitorTest, every_notice_of_the_card_sets_the_changed_flag) {
     Start();
     EXPECT_FALSE(cardChanged);
     testing::internal::CaptureStdout();
@@ -173,7 +154,7 @@ TEST_F(Monitor, every_notice_of_the_card_sets_the_changed_flag) {
     testing::internal::GetCapturedStdout();
 }
 
-TEST_F(Monitor, what_is_known_of_the_card_outlasts_a_reset) {
+TEST_F(DeviceMonitorTest, what_is_known_of_the_card_outlasts_a_reset) {
     Start();
     testing::internal::CaptureStdout();
     DeviceMonitor::NoticeCard(0, nullptr, nullptr);
@@ -183,7 +164,7 @@ TEST_F(Monitor, what_is_known_of_the_card_outlasts_a_reset) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "SD card inserted! ");
 }
 
-TEST_F(Counters, the_first_check_finds_the_mark_not_reached_and_does_nothing) {
+TEST_F(Counters, the_first_check_changes_nothing) {
     Run();
     WaitForChecks(3);
     EXPECT_TRUE(std::filesystem::is_empty(Folder() + "/var/log/vorn/data"));
@@ -198,7 +179,7 @@ TEST_F(Counters, hours_are_counted_two_at_a_time_and_saved_in_both_files) {
     EXPECT_EQ(ValueOf(File(""), "SerialNumber"), "123456789");
 }
 
-TEST_F(Counters, a_mark_is_two_hours_behind_the_count_before_it_however_far_the_clock_jumps) {
+TEST_F(Counters, the_next_mark_is_two_hours_after_the_count) {
     Run();
     Board().JumpClock(10 * TwoHours);
     WaitForFiles("2.00");
@@ -219,7 +200,7 @@ TEST_F(Counters, a_clock_set_back_waits_for_the_mark_once_more) {
     WaitForFiles("2.00");
 }
 
-TEST_F(Counters, a_cycle_counts_in_memory_and_reaches_the_files_with_the_hours) {
+TEST_F(Counters, cycles_are_saved_with_the_hours) {
     Run();
     Send(COLLECT_MEASUREMENT);
     Send(COLLECT_MEASUREMENT);
@@ -257,7 +238,7 @@ TEST_F(Counters, the_mark_and_the_cycles_outlast_a_reset) {
     EXPECT_EQ(CyclesOf(File("")), "2 2 2 2 ");
 }
 
-TEST_F(Counters, without_the_operation_file_are_skipped_in_silence_and_the_mark_moves_on) {
+TEST_F(Counters, are_skipped_silently_without_the_operation_file) {
     const std::string path = Folder() + "/var/log/vorn/data/analyzer.op.xml";
     std::ofstream(path) << "<ROOT_USER/>";
     Run();
@@ -273,7 +254,7 @@ TEST_F(Counters, without_the_operation_file_are_skipped_in_silence_and_the_mark_
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Counters, a_save_that_fails_is_not_reported_and_the_next_one_has_it_all) {
+TEST_F(Counters, a_failed_save_is_made_up_by_the_next_one) {
     Run();
     std::filesystem::remove(Folder() + "/var/log/vorn/data");
     Board().JumpClock(TwoHours);

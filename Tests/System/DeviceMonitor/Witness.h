@@ -1,5 +1,5 @@
-// Hears what the device monitor sends, one line a message in order of arrival. With a board it stands in for the remote
-// indicator: the board's sound plays as it is asked to.
+// Receives what the device monitor sends, as one line per message in order of arrival. With a board it replaces the
+// remote indicator: the board's sound plays as requested.
 #pragma once
 
 #include <atomic>
@@ -32,14 +32,12 @@ public:
         m_listens = true;
         return true;
     }
-    bool ProcessCommandMessage(CommandMessage* /*message*/) override { return true; }
     bool ProcessDataMessage(DataMessage* message) override {
         const std::string text = TextOf(*message);
         const std::lock_guard lock(m_mutex);
         m_texts.push_back(text);
         return true;
     }
-    bool ProcessTimeOut() override { return true; }
 
     bool Listens() const { return m_listens; }
 
@@ -87,8 +85,8 @@ private:
         if (m_board == nullptr) {
             return;
         }
-        m_board->SetAudioPlaying(action == 1);
-        if (action == 1) {
+        m_board->SetAudioPlaying(action == PLAY_AUDIO);
+        if (action == PLAY_AUDIO) {
             m_board->SetSpeed(100.0);
         }
     }

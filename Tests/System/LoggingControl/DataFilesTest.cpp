@@ -91,7 +91,7 @@ TEST_F(DataFiles, take_a_line_for_each_sample_of_a_step) {
     EXPECT_EQ(OnCard(StepFile), StepColumnLine + StepLine(10, 0) + StepLine(-20, 1) + StepLine(30, 0));
 }
 
-TEST_F(DataFiles, take_nothing_but_the_column_line_for_a_step_without_samples_or_results) {
+TEST_F(DataFiles, get_only_the_column_line_for_a_step_without_samples) {
     Start();
     PostStep({});
     Post(std::make_unique<MeasurementStepDataMessage>());
@@ -201,7 +201,7 @@ TEST_F(DataFiles, begin_a_new_day_each_for_itself) {
     EXPECT_FALSE(IsOnCard("2013-01-01_Measurement.csv"));
 }
 
-TEST_F(DataFiles, go_on_after_a_restart_on_the_same_day_without_a_second_column_line) {
+TEST_F(DataFiles, continue_after_a_restart_without_a_second_column_line) {
     Start();
     PostEachKind();
     Sync();
@@ -233,7 +233,7 @@ TEST_F(DataFiles, begin_when_the_card_comes) {
     EXPECT_EQ(OnCard(MeasurementFile), MeasurementColumnLine + MeasurementLine(2));
 }
 
-TEST_F(DataFiles, drop_the_record_in_silence_at_which_the_card_is_found_gone_and_fail_from_then_on) {
+TEST_F(DataFiles, drop_one_record_silently_when_the_card_is_removed) {
     Start();
     PostMeasurement(1);
     Sync();
@@ -258,7 +258,7 @@ TEST_F(DataFiles, go_on_in_the_same_file_when_the_card_comes_back) {
     EXPECT_EQ(OnCard(MeasurementFile), MeasurementColumnLine + MeasurementLine(1) + MeasurementLine(3));
 }
 
-TEST_F(DataFiles, go_on_in_the_same_file_when_the_card_comes_back_between_two_records) {
+TEST_F(DataFiles, continue_in_the_same_file_after_the_card_returns) {
     Start();
     PostMeasurement(1);
     Sync();
@@ -269,7 +269,7 @@ TEST_F(DataFiles, go_on_in_the_same_file_when_the_card_comes_back_between_two_re
     EXPECT_EQ(OnCard(MeasurementFile), MeasurementColumnLine + MeasurementLine(1) + MeasurementLine(2));
 }
 
-TEST_F(DataFiles, keep_a_pulled_card_mounted_until_the_last_of_them_is_closed) {
+TEST_F(DataFiles, keep_a_removed_card_mounted_until_all_are_closed) {
     Start();
     PostEachKind();
     Sync();
@@ -312,7 +312,7 @@ TEST_F(DataFiles, report_each_record_that_a_full_card_has_no_room_for) {
     EXPECT_EQ(OnCard(MeasurementFile), MeasurementColumnLine + MeasurementLine(1) + MeasurementLine(2));
 }
 
-TEST_F(DataFiles, go_on_with_the_record_where_the_column_line_finds_no_room) {
+TEST_F(DataFiles, write_the_record_after_a_failed_column_line) {
     Start();
     PostEachKind();  // opens the files
     Sync();

@@ -1,5 +1,5 @@
-// A LoggingControl on a board of its own, with a router and a sender that stands for the rest of the system. The day
-// begins at 2012-12-31 04:59:59 in Mountain Standard Time, seven hours behind UTC.
+// A LoggingControl on its own board, with a router and a sender that represents the rest of the system. The test starts
+// at 2012-12-31 04:59:59 in Mountain Standard Time, which is UTC minus seven hours.
 #pragma once
 
 #include <pthread.h>
@@ -18,11 +18,11 @@
 #include "Frameworks/Messaging/LogInfoMessage.h"
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
 #include "Frameworks/Messaging/MessageController.h"
-#include "Frameworks/Messaging/MessagingControl.h"
 #include "System/LoggingControl/LoggingControl.h"
 #include "System/Messages/MeasurementMessage.h"
 #include "System/Messages/MeasurementStepDataMessage.h"
 #include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/TestRouter.h"
 
 using Texts = std::vector<std::string>;
 
@@ -77,9 +77,8 @@ protected:
 
     // A router alone, without settings.
     void StartRouter() {
-        m_router = std::make_unique<MessagingControl>();
-        MessageBase::SetMessagingControl(m_router.get());
-        m_router->RegisterCommand(&m_sender, MOVE_TO_IDLE);  // enters the name
+        m_router = std::make_unique<TestRouter>();
+        m_router->AddName(m_sender);
     }
 
     void Launch() {
@@ -98,20 +97,19 @@ protected:
 
     // Ends router and controller and deletes them, as a reset does.
     void Stop() {
-        MessageBase::SetMessagingControl(nullptr);
-        for (ThreadControl* thread :
-             {static_cast<ThreadControl*>(m_router.get()), static_cast<ThreadControl*>(m_logging.get())}) {
-            if (thread != nullptr) {
-                thread->Kill();
-                pthread_join(thread->GetThreadId(), nullptr);
-            }
+        if (m_router != nullptr) {
+            m_router->End();
+        }
+        if (m_logging != nullptr) {
+            m_logging->Kill();
+            pthread_join(m_logging->GetThreadId(), nullptr);
         }
         m_logging.reset();
         m_router.reset();
     }
 
     LoggingControl& Logging() { return *m_logging; }
-    MessagingControl& Router() { return *m_router; }
+    MessagingControl& Router() { return **m_router; }
 
     // Straight to the controller's queue.
     void Post(std::unique_ptr<MessageBase> message) {
@@ -216,18 +214,8 @@ protected:
     }
 
 private:
-    // Stands for the threads that send; it never runs.
-    class Sender final : public ThreadControl {
-    public:
-        Sender() { SetThreadName(ControllerNames[MEASUREMENT_ENGINE]); }
-        bool DoRegistration() override { return true; }
-        bool ProcessCommandMessage(CommandMessage* /*message*/) override { return true; }
-        bool ProcessDataMessage(DataMessage* /*message*/) override { return true; }
-        bool ProcessTimeOut() override { return true; }
-    };
-
-    Sender m_sender;
-    std::unique_ptr<MessagingControl> m_router;
+    AbsentController m_sender{MEASUREMENT_ENGINE};
+    std::unique_ptr<TestRouter> m_router;
     std::unique_ptr<LoggingControl> m_logging;
     int m_markers = 0;
 };

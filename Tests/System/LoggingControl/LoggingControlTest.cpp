@@ -1,15 +1,12 @@
 #include "System/LoggingControl/LoggingControl.h"
 
 #include "Frameworks/Messaging/DataMessageOf.h"
-#include "Tests/Support/CapturingController.h"
 #include "Tests/System/LoggingControl/LoggingControlFixture.h"
 
 namespace {
 
 class LoggingControlTest : public LoggingControlFixture {
 protected:
-    void PostCommand(CommandType command) { Post(std::make_unique<CommandMessage>(command)); }
-
     // The process-wide level that the setting leads to.
     std::int32_t LevelFor(const std::string& setting, std::int32_t before) {
         MessageController::SetLogLevel(before);
@@ -37,7 +34,7 @@ class JustAMessage : public DataMessageOf<JustAMessage, TRANSFER_DATA_TO_SD_CARD
 
 }  // namespace
 
-TEST_F(LoggingControlTest, opens_the_system_log_as_a_user_process_with_its_id_on_console_and_error_stream) {
+TEST_F(LoggingControlTest, opens_the_system_log_with_its_identity_and_options) {
     Start();
     const Bench::LogLine line = LineOf("text", ERROR_LOG_LEVEL);
     EXPECT_EQ(line.ident, "Vernicor");
@@ -63,7 +60,7 @@ TEST_F(LoggingControlTest, passes_the_level_on_as_the_priority) {
     }
 }
 
-TEST_F(LoggingControlTest, gives_the_line_to_the_system_log_as_its_format) {
+TEST_F(LoggingControlTest, passes_the_line_to_the_system_log_as_the_format) {
     Start();
     EXPECT_EQ(LineOf("100%% done", ERROR_LOG_LEVEL).format, "MST 2012-12-31 04:59:59.5000000 :: 100%% done");
     EXPECT_EQ(LineOf("100%% done", ERROR_LOG_LEVEL).text, "MST 2012-12-31 04:59:59.5000000 :: 100% done");
@@ -101,11 +98,9 @@ TEST_F(LoggingControlTest, sets_the_log_level_by_each_of_nine_names) {
     }
 }
 
-TEST_F(LoggingControlTest, leaves_the_log_level_for_a_name_that_is_none) {
-    EXPECT_EQ(LevelFor("ERROR_LOG_LEVE", 6), 6);
-}
+TEST_F(LoggingControlTest, keeps_the_log_level_for_an_unknown_name) { EXPECT_EQ(LevelFor("ERROR_LOG_LEVE", 6), 6); }
 
-TEST_F(LoggingControlTest, leaves_the_log_level_for_a_name_in_another_case) {
+TEST_F(LoggingControlTest, keeps_the_log_level_for_a_name_in_another_case) {
     EXPECT_EQ(LevelFor("error_log_level", 6), 6);
 }
 
@@ -119,65 +114,7 @@ TEST_F(LoggingControlTest, is_subscribed_to_seven_types) {
     EXPECT_TRUE(Router().RegisterDataMessage(&Logging(), GUI_RESPONSE_DATA_MESSAGE));
 }
 
-TEST_F(LoggingControlTest, tells_that_it_begins) {
-    StartRouter();
-    LoadSettings();
-    CapturingController log("Log", {LOGGING_DATA_MESSAGE});
-    // The first line that meets a backlog only releases it; the second that comes proves that it is out.
-    MessageController::LogMessage("release", DEBUG_LOG_LEVEL, MEASUREMENT_ENGINE);
-    MessageController::LogMessage("released", DEBUG_LOG_LEVEL, MEASUREMENT_ENGINE);
-    std::size_t position = 0;
-    while (log.Get<LogInfoMessage>(position).GetLogInfo().GetText() != "released") {
-        ++position;
-    }
-    Launch();
-    while (log.Get<LogInfoMessage>(position).GetLogInfo().GetText() != "Initializing Thread for - LoggingControl") {
-        ++position;
-    }
-    EXPECT_EQ(log.Get<LogInfoMessage>(position).GetLogInfo().GetLogLevel(), DEBUG_LOG_LEVEL);
-    Stop();
-}
-
-TEST_F(LoggingControlTest, takes_the_four_states_from_the_commands) {
-    Start();
-    const struct {
-        CommandType command;
-        ThreadState state;
-    } moves[] = {{MOVE_TO_RUNNING, RUNNING_STATE},
-                 {MOVE_TO_IDLE, IDLE_STATE},
-                 {MOVE_TO_TEST, TEST_STATE},
-                 {MOVE_TO_SHUTDOWN, SHUTDOWN_STATE}};
-    for (const auto& move : moves) {
-        PostCommand(move.command);
-        Sync();
-        EXPECT_EQ(Logging().GetState(), move.state);
-    }
-}
-
-TEST_F(LoggingControlTest, keeps_its_state_for_the_other_commands) {
-    Start();
-    PostCommand(MOVE_TO_RUNNING);
-    for (const CommandType command : {RESET_SYSTEM, PRIME_SYSTEM, COLLECT_MEASUREMENT, KILLING_SYSTEM}) {
-        PostCommand(command);
-        Sync();
-        EXPECT_EQ(Logging().GetState(), RUNNING_STATE);
-    }
-}
-
-TEST_F(LoggingControlTest, refuses_a_null_message) {
-    Start();
-    EXPECT_FALSE(Logging().ProcessDataMessage(nullptr));
-    EXPECT_FALSE(Logging().ProcessCommandMessage(nullptr));
-}
-
-TEST_F(LoggingControlTest, tells_of_a_silence) {
-    settings["LoggingLevel"] = "DEBUG_LOG_LEVEL";
-    Start();
-    EXPECT_TRUE(Logging().ProcessTimeOut());
-    WaitForLine("Processing TimeOut for - LoggingControl");
-}
-
-TEST_F(LoggingControlTest, counts_error_messages_in_silence_and_passes_over_others) {
+TEST_F(LoggingControlTest, logs_nothing_for_error_messages_and_unknown_types) {
     Start();
     Post(std::make_unique<DeviceErrorMessage>());
     Post(std::make_unique<SystemErrorMessage>());
@@ -192,7 +129,7 @@ TEST_F(LoggingControlTest, ends_where_its_section_is_missing) {
     EXPECT_EQ(logging.GetState(), POST_EXITING_STATE);
 }
 
-TEST_F(LoggingControlTest, closes_its_files_and_unmounts_the_card_when_it_goes) {
+TEST_F(LoggingControlTest, closes_its_files_and_unmounts_the_card_at_its_end) {
     Start();
     PostMeasurement(1);
     PostStep({1.0});

@@ -38,7 +38,7 @@ TEST(SystemLogFormat, lets_m_stand_for_the_last_error) {
     EXPECT_EQ(Printed("%m"), std::strerror(ENOSPC));
 }
 
-TEST(SystemLogFormat, prints_a_conversion_as_it_stands_that_would_want_an_argument) {
+TEST(SystemLogFormat, prints_conversions_that_need_an_argument_literally) {
     for (const char* line : {"%d", "%s", "50% done", "%n", "%hhn", "%1$n", "%*d", "%999999999d", "%5%", "%.m", "%lm"}) {
         EXPECT_EQ(Printed(line), line);
     }

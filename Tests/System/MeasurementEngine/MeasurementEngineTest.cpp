@@ -115,16 +115,6 @@ TEST_F(Engine, tells_that_it_initializes) {
     EXPECT_EQ(engine->GetTimeOut(), -1);
 }
 
-TEST_F(Engine, tells_of_a_time_out_and_goes_on) {
-    EXPECT_TRUE(engine->ProcessTimeOut());
-    WaitForLog("Processing TimeOut for - MeasurementEngine");
-}
-
-TEST_F(Engine, refuses_no_message) {
-    EXPECT_FALSE(engine->ProcessCommandMessage(nullptr));
-    EXPECT_FALSE(engine->ProcessDataMessage(nullptr));
-}
-
 TEST_F(Engine, subscribes_to_no_data) {
     auto request = std::make_unique<AdcStatusMessage>();
     MessageController::SendMessage(std::move(request), MEASUREMENT_ENGINE);

@@ -22,6 +22,7 @@
 #include "System/Messages/TestDigitalOutputPinsMessage.h"
 #include "System/Messages/TestPWMMessage.h"
 #include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/TestRouter.h"
 
 using Texts = std::vector<std::string>;
 
@@ -46,14 +47,12 @@ public:
         m_changed.notify_all();
         return result;
     }
-    bool ProcessCommandMessage(CommandMessage*) override { return true; }
     bool ProcessDataMessage(DataMessage* message) override {
         const std::lock_guard lock(m_mutex);
         m_messages.push_back(message->Clone());
         m_changed.notify_all();
         return true;
     }
-    bool ProcessTimeOut() override { return true; }
 
     void Listen() {
         CreateThread();
@@ -110,34 +109,16 @@ class MeasurementFixture : public BoardTest {
 protected:
     // At the speed given, and with errors only in the log.
     explicit MeasurementFixture(double speed = 1.0, const char* listenerName = "MeasurementEngine")
-        : BoardTest(Setup(speed)), listener(listenerName) {
+        : BoardTest(QuietAtSpeed(speed)), listener(listenerName) {
         SetPumpAngle(300.0);  // a little before both edges of the home flag
-        MessageController::SetLogLevel(ERROR_LOG_LEVEL);
-        router = std::make_unique<MessagingControl>();
-        MessageBase::SetMessagingControl(router.get());
-        router->RegisterCommand(&listener, KILLING_SYSTEM);
+        router.AddName(listener);
         listener.Listen();
     }
 
     ~MeasurementFixture() override {
         listener.Kill();
         pthread_join(listener.GetThreadId(), nullptr);
-        MessageBase::SetMessagingControl(nullptr);
-        router->Kill();
-        pthread_join(router->GetThreadId(), nullptr);
-        MessageController::SetLogLevel(RUMOR_LOG_LEVEL);
-    }
-
-    static Bench::BoardSetup Setup(double speed) {
-        Bench::BoardSetup setup;
-        setup.speed = speed;
-        setup.noise = false;
-        return setup;
-    }
-
-    void SetFault(const char* fault) {
-        std::string error;
-        ASSERT_TRUE(Board().SetFault(fault, error)) << error;
+        router.End();
     }
 
     void SetPumpAngle(double angle) {
@@ -237,7 +218,7 @@ protected:
         return seconds;
     }
 
-    std::unique_ptr<MessagingControl> router;
+    TestRouter router{ERROR_LOG_LEVEL};
     Listener listener;
 
 private:

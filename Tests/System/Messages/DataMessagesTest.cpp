@@ -192,7 +192,7 @@ TEST(TestDigitalInputPinsMessage, clones_pin_and_values) {
     EXPECT_EQ(clone->GetValues(), (std::vector<char>{'0', '1', '3'}));
 }
 
-TEST(TestDigitalOutputPinsMessage, asks_for_a_read_unless_told_otherwise) {
+TEST(TestDigitalOutputPinsMessage, requests_a_read_by_default) {
     EXPECT_EQ(TestDigitalOutputPinsMessage().GetReadMarker(), 1);
 }
 
@@ -207,7 +207,7 @@ TEST(TestDigitalOutputPinsMessage, clones_pin_read_marker_and_value) {
     EXPECT_EQ(clone->GetValue(), "1");
 }
 
-TEST(TestPWMMessage, asks_for_a_read_unless_told_otherwise) { EXPECT_EQ(TestPWMMessage().GetReadMarker(), 1); }
+TEST(TestPWMMessage, requests_a_read_by_default) { EXPECT_EQ(TestPWMMessage().GetReadMarker(), 1); }
 
 TEST(TestPWMMessage, clones_id_read_marker_and_value) {
     TestPWMMessage message;

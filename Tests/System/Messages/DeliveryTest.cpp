@@ -23,7 +23,7 @@ class RemoteIndicatorAckTimers : public RoutedTest {};
 
 }  // namespace
 
-TEST_F(DataMessageRouting, gives_each_of_five_subscribers_results_of_its_own) {
+TEST_F(DataMessageRouting, gives_each_subscriber_its_own_results) {
     CapturingController engine(ControllerNames[MEASUREMENT_ENGINE]);
     std::array<std::unique_ptr<CapturingController>, 5> subscribers;
     const ControllerType names[] = {SYSTEM_CONTROL, LOGGING_CONTROL, SYSTEM_MONITOR, TEST_INTERFACE,
@@ -45,7 +45,7 @@ TEST_F(DataMessageRouting, gives_each_of_five_subscribers_results_of_its_own) {
     }
 }
 
-TEST_F(DataMessageRouting, brings_an_acknowledgement_back_to_the_one_that_sent_it_with_its_sub_type) {
+TEST_F(DataMessageRouting, returns_an_acknowledgement_to_its_sender_too) {
     CapturingController indicator(ControllerNames[REMOTE_INDICATOR_CONTROL],
                                   {REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE});
     CapturingController monitor(ControllerNames[SYSTEM_MONITOR], {REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE});
@@ -56,7 +56,7 @@ TEST_F(DataMessageRouting, brings_an_acknowledgement_back_to_the_one_that_sent_i
     EXPECT_EQ(monitor.Get<RemoteIndicatorControlMessage>().GetSubType(), 2);
 }
 
-TEST_F(DataMessageRouting, brings_a_test_request_back_to_the_test_interface) {
+TEST_F(DataMessageRouting, returns_a_test_request_to_the_test_interface) {
     CapturingController test(ControllerNames[TEST_INTERFACE], {TEST_PWM_DATA_MESSAGE});
     auto message = std::make_unique<TestPWMMessage>();
     message->SetValue("on");
@@ -115,21 +115,21 @@ TEST_F(RemoteIndicatorAckTimers, post_a_word_of_0_to_the_system_monitor) {
     EXPECT_EQ(message.GetSendCount(), 1) << "past the router";
 }
 
-TEST_F(RemoteIndicatorAckTimers, send_nothing_when_their_owner_goes_while_they_sleep) {
+TEST_F(RemoteIndicatorAckTimers, send_nothing_after_their_owner_is_deleted) {
     CapturingController owner(ControllerNames[SYSTEM_MONITOR]);
     {
         RemoteIndicatorAckTimer timer;
         timer.SetDuration(OneHour);
         ASSERT_TRUE(timer.Start());
     }
-    // Direct delivery keeps the order of posting, so what the timer had sent would stand ahead of this one.
+    // Direct delivery keeps the order of posting, so a message of the timer would come before this one.
     AckTimerExpiredMessage marker;
     marker.SetValue(1);
     ASSERT_TRUE(AckTimerExpiredMessage::SendToOwner(std::make_unique<AckTimerExpiredMessage>(marker)));
     EXPECT_EQ(owner.Get<AckTimerExpiredMessage>().GetValue(), 1);
 }
 
-TEST(TimerMessages, reach_their_owner_by_the_name_table_of_a_router_that_has_ended) {
+TEST(TimerMessages, reach_their_owner_after_the_router_has_ended) {
     MessagingControl router;
     MessageBase::SetMessagingControl(&router);
     {
@@ -143,7 +143,7 @@ TEST(TimerMessages, reach_their_owner_by_the_name_table_of_a_router_that_has_end
     MessageBase::SetMessagingControl(nullptr);
 }
 
-TEST_F(DataMessageRouting, refuses_the_message_of_a_timer_whose_owner_nobody_registered) {
+TEST_F(DataMessageRouting, refuses_the_message_of_a_timer_without_a_registered_owner) {
     EXPECT_FALSE(AckTimerExpiredMessage::SendToOwner(std::make_unique<AckTimerExpiredMessage>()));
     EXPECT_FALSE(TimerCompleteMessage::SendToOwner(std::make_unique<TimerCompleteMessage>()));
 }

@@ -53,21 +53,21 @@ TEST(MeasurementFormulas, a_sample_at_the_dark_count_gives_negative_zeros) {
     EXPECT_TRUE(std::signbit(chlorine));
 }
 
-TEST(MeasurementFormulas, light_that_is_not_above_the_dark_count_counts_as_none_absorbed) {
+TEST(MeasurementFormulas, light_not_above_the_dark_count_gives_transmittance_one) {
     EXPECT_EQ(Transmittance(100.0, 1100.0, 99.0), 1.0);
     EXPECT_EQ(Transmittance(100.0, 100.0, 600.0), 1.0);
     EXPECT_EQ(Transmittance(100.0, 99.0, 600.0), 1.0);
     EXPECT_EQ(Transmittance(100.0, 50.0, 50.0), 1.0);
 }
 
-TEST(MeasurementFormulas, a_count_that_is_no_number_counts_as_none_absorbed) {
+TEST(MeasurementFormulas, a_count_that_is_NaN_gives_transmittance_one) {
     const double none = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(Transmittance(none, 1100.0, 600.0), 1.0);
     EXPECT_EQ(Transmittance(100.0, none, 600.0), 1.0);
     EXPECT_EQ(Transmittance(100.0, 1100.0, none), 1.0);
 }
 
-TEST(MeasurementFormulas, a_sample_brighter_than_the_reference_gives_less_than_nothing) {
+TEST(MeasurementFormulas, a_sample_brighter_than_the_reference_gives_negative_values) {
     const double transmittance = Transmittance(100.0, 600.0, 1100.0);
     EXPECT_EQ(transmittance, 2.0);
     EXPECT_LT(Absorbance(transmittance), 0.0);
@@ -76,7 +76,7 @@ TEST(MeasurementFormulas, a_sample_brighter_than_the_reference_gives_less_than_n
 
 TEST(MeasurementFormulas, negative_counts_are_counts_like_others) { EXPECT_EQ(Transmittance(-100.0, 100.0, 0.0), 0.5); }
 
-TEST(MeasurementResults, that_were_never_filled_show_it_by_their_chlorine_value) {
+TEST(MeasurementResults, have_a_marker_value_when_empty) {
     const TimeInfo before;
     const MeasurementResults results;
     EXPECT_EQ(results.GetChlorine(), 99999.9);
@@ -150,7 +150,7 @@ TEST_F(MeasurementRecord, characters_with_a_meaning_in_xml_read_back_as_they_are
     EXPECT_EQ(Value('&'), "&");
 }
 
-TEST_F(MeasurementRecord, a_chlorine_value_outside_the_unsigned_numbers_is_held_at_their_ends) {
+TEST_F(MeasurementRecord, a_chlorine_value_out_of_range_is_limited) {
     EXPECT_EQ(Value(-321.5), "");
     EXPECT_EQ(Value(1e300), "\xFF");
     EXPECT_EQ(Value(std::numeric_limits<double>::infinity()), "\xFF");

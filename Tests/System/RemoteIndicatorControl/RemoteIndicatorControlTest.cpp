@@ -22,15 +22,15 @@ const std::string ColorsFailed = "RemoteIndicator::SetLEDColors Setting visual o
 const std::string Alert = "aplay -q /usr/share/vorn/bin/alert.wav";
 const std::string Alarm = "aplay -q /usr/share/vorn/bin/alarm.wav";
 
-class Control : public ControllerOnBoard<RemoteIndicatorControl, REMOTE_INDICATOR_CONTROL> {
+class RemoteIndicatorControlTest : public ControllerOnBoard<RemoteIndicatorControl, REMOTE_INDICATOR_CONTROL> {
 protected:
-    Control() {
+    RemoteIndicatorControlTest() {
         monitor = std::make_unique<CapturingController>(
             ControllerNames[SYSTEM_MONITOR],
             std::vector{REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE, REMOTE_INDICATOR_TEST_MESSAGE});
     }
 
-    ~Control() override { Stop(); }
+    ~RemoteIndicatorControlTest() override { Stop(); }
 
     void PostColors(std::int32_t analyzer, std::int32_t water, std::int32_t select = 0,
                     std::int32_t subType = REQUEST_SUB_TYPE) {
@@ -75,19 +75,6 @@ protected:
 
     std::string Lit() const { return LitLeds(Board()); }
 
-    void WaitForSound(const std::string& call) {
-        EXPECT_TRUE(Board().WaitUntil([&] {
-            const Texts calls = Board().SoundCalls();
-            return !calls.empty() && calls.back() == call;
-        })) << call;
-    }
-
-    void ExpectNoInit() {
-        Launch();
-        WaitForLine("Changing to POST_EXITING_STATE State for - RemoteIndicatorControl");
-        Join();
-    }
-
     std::unique_ptr<CapturingController> monitor;
 
 private:
@@ -96,41 +83,15 @@ private:
 
 }  // namespace
 
-TEST_F(Control, sets_the_mixer_and_shows_blue_on_both_sides_in_silence_when_it_initialises) {
+TEST_F(RemoteIndicatorControlTest, initializes_the_mixer_and_shows_blue_without_sound) {
     Start();
     EXPECT_EQ(Lit(), "Bb");
     EXPECT_EQ(Board().SoundCalls(),
               (Texts{"amixer set -q 'Output Mixer HiFi' unmute", "amixer set -q Master 95%,95%"}));
-    const Texts lines = LinesOf(DEBUG_LOG_LEVEL);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Initializing Thread for - RemoteIndicatorControl"), 1);
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, follows_the_four_state_commands_and_lets_the_others_pass) {
-    Start();
-    for (const auto& [command, state] : {std::pair(MOVE_TO_IDLE, IDLE_STATE),
-                                         {MOVE_TO_RUNNING, RUNNING_STATE},
-                                         {MOVE_TO_SHUTDOWN, SHUTDOWN_STATE},
-                                         {MOVE_TO_TEST, TEST_STATE}}) {
-        Tell(command);
-        WaitForLine("Changing to " + ThreadStateNames[state].Text() + " State for - RemoteIndicatorControl",
-                    state == TEST_STATE ? 2 : 1);
-    }
-    for (const CommandType command : {RESET_SYSTEM, PRIME_SYSTEM, COLLECT_MEASUREMENT, NO_COMMAND}) {
-        Tell(command);
-    }
-    EXPECT_EQ(Errors(), Texts{});
-}
-
-TEST_F(Control, null_messages_end_the_thread_and_a_time_out_does_not) {
-    Start();
-    EXPECT_FALSE(Get().ProcessCommandMessage(nullptr));
-    EXPECT_FALSE(Get().ProcessDataMessage(nullptr));
-    EXPECT_TRUE(Get().ProcessTimeOut());
-    WaitForLine("Processing TimeOut for - RemoteIndicatorControl");
-}
-
-TEST_F(Control, ends_registering_at_the_first_refusal_and_does_not_initialise_then) {
+TEST_F(RemoteIndicatorControlTest, stops_at_the_first_refused_registration) {
     Start();
     EXPECT_FALSE(Get().DoRegistration());
     EXPECT_FALSE(Get().Init());
@@ -138,41 +99,29 @@ TEST_F(Control, ends_registering_at_the_first_refusal_and_does_not_initialise_th
                                "RemoteIndicatorControl::DoRegistration failed!", InitFailed}));
 }
 
-TEST_F(Control, ends_without_its_section) {
-    configuration.RemoveSection("REMOTE_INDICATOR_INFO");
-    LoadSettings();
-    ExpectNoInit();
-    EXPECT_EQ(Errors(), (Texts{InitFailed}));
-}
-
-TEST_F(Control, ends_without_settings) {
-    ExpectNoInit();
-    EXPECT_EQ(Errors(), (Texts{InitFailed}));
-}
-
-TEST_F(Control, ends_where_its_lines_are_taken) {
+TEST_F(RemoteIndicatorControlTest, ends_if_its_lines_are_taken) {
     LoadSettings();
     SetFault("gpio-taken=3,19");
-    ExpectNoInit();
+    LaunchAndExpectEnd();
     EXPECT_EQ(Errors(), (Texts{"RemoteIndicator::Init Configuring visual or audio failed", InitFailed}));
 }
 
-TEST_F(Control, ends_where_the_first_colours_can_not_be_set) {
+TEST_F(RemoteIndicatorControlTest, ends_if_the_first_colors_cannot_be_set) {
     LoadSettings();
-    // Three writes for each of six lines claimed and then set up; the next one is the first colour's.
+    // Three writes for each of six lines claimed and then set up; the next one sets the first color.
     ASSERT_TRUE(Board().FailCall("write", 6 * 3 + 6 * 3 + 1, EIO));
-    ExpectNoInit();
+    LaunchAndExpectEnd();
     EXPECT_EQ(Errors(), (Texts{ColorsFailed, InitFailed}));
 }
 
-TEST_F(Control, ends_where_the_device_can_not_be_made) {
+TEST_F(RemoteIndicatorControlTest, ends_where_the_device_can_not_be_made) {
     LoadSettings();
     FailingAllocation::FailSize(sizeof(RemoteIndicator));
-    ExpectNoInit();
+    LaunchAndExpectEnd();
     EXPECT_EQ(Errors(), (Texts{InitFailed}));
 }
 
-TEST_F(Control, works_without_sound_tools) {
+TEST_F(RemoteIndicatorControlTest, works_without_sound_tools) {
     SetFault("sound-tools-missing");
     Start();
     SetColors(1, 3);
@@ -185,14 +134,14 @@ namespace {
 struct PairCase {
     std::int32_t analyzer;
     std::int32_t water;
-    const char* lit;  // null: no colour
+    const char* lit;  // null: no color
 };
 
-class ControlPairs : public Control, public testing::WithParamInterface<PairCase> {};
+class ControlPairs : public RemoteIndicatorControlTest, public testing::WithParamInterface<PairCase> {};
 
 }  // namespace
 
-TEST_P(ControlPairs, light_what_the_table_says_and_keep_all_where_it_says_nothing) {
+TEST_P(ControlPairs, show_their_color_or_change_nothing) {
     Start();
     SetColors(2, 2);
     EXPECT_EQ(Lit(), "Aa");
@@ -216,14 +165,14 @@ INSTANTIATE_TEST_SUITE_P(
                     PairCase{3, 0, "R"}, PairCase{3, 1, "Rb"}, PairCase{3, 2, "Ra"}, PairCase{3, 3, nullptr}),
     [](const auto& row) { return std::to_string(row.param.analyzer) + std::to_string(row.param.water); });
 
-// Beside the table, most of them where a neighbouring row has a colour.
+// Outside the table; most are next to a row with a color.
 INSTANTIATE_TEST_SUITE_P(OutOfTable, ControlPairs,
                          testing::Values(PairCase{4, 1, nullptr}, PairCase{-1, 1, nullptr}, PairCase{0, 5, nullptr},
                                          PairCase{2, 4, nullptr}, PairCase{2, -1, nullptr}, PairCase{3, -2, nullptr},
                                          PairCase{2147483647, 2147483647, nullptr},
                                          PairCase{-2147483647 - 1, -2147483647 - 1, nullptr}));
 
-TEST_F(Control, sounds_with_its_colours) {
+TEST_F(RemoteIndicatorControlTest, plays_the_sound_of_its_colors) {
     Start();
     SetColors(1, 2);
     WaitForSound(Alert);
@@ -233,7 +182,7 @@ TEST_F(Control, sounds_with_its_colours) {
     EXPECT_TRUE(BecomesSilent(Board()));
 }
 
-TEST_F(Control, applies_both_statuses_the_analyzers_or_the_waters_as_selected) {
+TEST_F(RemoteIndicatorControlTest, applies_the_selected_statuses) {
     Start();
     SetColors(2, 3, 1);
     EXPECT_EQ(Lit(), "Ab");
@@ -250,7 +199,7 @@ TEST_F(Control, applies_both_statuses_the_analyzers_or_the_waters_as_selected) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, acknowledges_each_request_with_an_empty_message) {
+TEST_F(RemoteIndicatorControlTest, acknowledges_each_request_with_an_empty_message) {
     Start();
     PostColors(2, 3);
     const auto& acknowledgement = monitor->Get<RemoteIndicatorControlMessage>();
@@ -261,7 +210,7 @@ TEST_F(Control, acknowledges_each_request_with_an_empty_message) {
     EXPECT_EQ(acknowledgement.GetSource(), &Get());
 }
 
-TEST_F(Control, acknowledges_what_it_could_not_show) {
+TEST_F(RemoteIndicatorControlTest, acknowledges_what_it_could_not_show) {
     Start();
     SetColors(3, 3);
     SetFault("write-refused=pioD16/value");
@@ -270,7 +219,7 @@ TEST_F(Control, acknowledges_what_it_could_not_show) {
     EXPECT_EQ(Errors(), (Texts{InvalidColor, ColorsFailed}));
 }
 
-TEST_F(Control, remembers_the_statuses_that_it_could_not_show) {
+TEST_F(RemoteIndicatorControlTest, remembers_the_statuses_that_it_could_not_show) {
     Start();
     SetFault("write-refused=pioD16/value");
     SetColors(2, 2);
@@ -280,7 +229,7 @@ TEST_F(Control, remembers_the_statuses_that_it_could_not_show) {
     EXPECT_EQ(Lit(), "Ar");
 }
 
-TEST_F(Control, goes_on_where_the_acknowledgement_can_not_be_made) {
+TEST_F(RemoteIndicatorControlTest, goes_on_where_the_acknowledgement_can_not_be_made) {
     Start();
     FailingAllocation::FailSize(sizeof(RemoteIndicatorControlMessage));
     SetColors(2, 2);
@@ -290,7 +239,7 @@ TEST_F(Control, goes_on_where_the_acknowledgement_can_not_be_made) {
     EXPECT_EQ(monitor->Get<RemoteIndicatorControlMessage>().GetSubType(), 2);
 }
 
-TEST_F(Control, passes_over_its_own_kinds_that_are_no_requests) {
+TEST_F(RemoteIndicatorControlTest, passes_over_its_own_kinds_that_are_no_requests) {
     Start();
     for (const std::int32_t subType : {RESPONSE_SUB_TYPE, ACKNOWLEDGE_SUB_TYPE}) {
         PostColors(2, 2, 0, subType);
@@ -313,7 +262,7 @@ TEST_F(Control, passes_over_its_own_kinds_that_are_no_requests) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, reports_any_other_kind) {
+TEST_F(RemoteIndicatorControlTest, reports_any_other_kind) {
     Start();
     auto message = std::make_unique<LogInfoMessage>();
     Post(std::move(message));
@@ -324,7 +273,7 @@ TEST_F(Control, reports_any_other_kind) {
     EXPECT_EQ(Errors(), (Texts{InvalidMessage, InvalidMessage}));
 }
 
-TEST_F(Control, serves_in_every_state) {
+TEST_F(RemoteIndicatorControlTest, serves_in_every_state) {
     Start();
     for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
         Tell(command);
@@ -337,8 +286,9 @@ TEST_F(Control, serves_in_every_state) {
 
 namespace {
 
-// The acknowledgements of colour requests would stand among the replies, so these tests set no colours.
-class ControlTests : public Control, public testing::WithParamInterface<std::tuple<int, const char*>> {};
+// These tests set no colors, because acknowledgements would mix with the replies.
+class ControlTests : public RemoteIndicatorControlTest,
+                     public testing::WithParamInterface<std::tuple<int, const char*>> {};
 
 }  // namespace
 
@@ -367,7 +317,7 @@ INSTANTIATE_TEST_SUITE_P(LEDs, ControlTests,
                                          std::tuple(5, "amber-water"), std::tuple(6, "red-water")),
                          [](const auto& row) { return std::to_string(std::get<0>(row.param)); });
 
-TEST_F(ControlTests, find_the_whole_good_with_three_good_leds_and_bad_with_two) {
+TEST_F(ControlTests, need_three_good_leds) {
     Start();
     for (const char* led : {"blue-analyzer", "red-water", "amber-water"}) {
         SetFault((std::string("indicator-led-open=") + led).c_str());
@@ -397,7 +347,7 @@ TEST_F(ControlTests, go_on_where_the_reply_can_not_be_made) {
     EXPECT_TRUE(Test(1));
 }
 
-TEST_F(Control, measures_the_cable_and_tells_nobody) {
+TEST_F(RemoteIndicatorControlTest, measures_the_cable_and_tells_nobody) {
     Start();
     SetColors(3, 1);
     monitor->Get<RemoteIndicatorControlMessage>();  // the acknowledgement
@@ -407,14 +357,14 @@ TEST_F(Control, measures_the_cable_and_tells_nobody) {
     EXPECT_EQ(monitor->Count(), 1U);
 }
 
-TEST_F(Control, says_so_where_the_cable_can_not_be_measured) {
+TEST_F(RemoteIndicatorControlTest, says_so_where_the_cable_can_not_be_measured) {
     configuration.Set("CableResistancePerFoot", "0.0");
     Start();
     MeasureCable();
     EXPECT_EQ(Errors(), (Texts{"RemoteIndicator::CalculateCableLength failed!"}));
 }
 
-TEST_F(Control, plays_a_named_file_with_a_gap_of_a_millisecond) {
+TEST_F(RemoteIndicatorControlTest, plays_a_named_file_with_a_gap_of_a_millisecond) {
     configuration.Set("AlarmFileGapBetweenPlay", "60000000");
     Start();
     ControlAudio(1, "alarm.wav");
@@ -427,7 +377,7 @@ TEST_F(Control, plays_a_named_file_with_a_gap_of_a_millisecond) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, stops_a_sound_for_a_named_file_and_comes_back_to_it) {
+TEST_F(RemoteIndicatorControlTest, stops_a_sound_for_a_named_file_and_comes_back_to_it) {
     Start();
     SetColors(1, 2);
     WaitForSound(Alert);
@@ -441,7 +391,7 @@ TEST_F(Control, stops_a_sound_for_a_named_file_and_comes_back_to_it) {
     WaitForSound(Alert);
 }
 
-TEST_F(Control, is_silent_for_a_file_without_a_name) {
+TEST_F(RemoteIndicatorControlTest, is_silent_for_a_file_without_a_name) {
     Start();
     SetColors(1, 2);
     WaitForSound(Alert);
@@ -450,13 +400,13 @@ TEST_F(Control, is_silent_for_a_file_without_a_name) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, has_nothing_to_restart_in_silent_colours) {
+TEST_F(RemoteIndicatorControlTest, restarts_nothing_for_silent_colors) {
     Start();
     ControlAudio(2);
     EXPECT_TRUE(BecomesSilent(Board()));
 }
 
-TEST_F(Control, ignores_other_audio_actions) {
+TEST_F(RemoteIndicatorControlTest, ignores_other_audio_actions) {
     Start();
     SetColors(1, 2);
     WaitForSound(Alert);
@@ -468,7 +418,7 @@ TEST_F(Control, ignores_other_audio_actions) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Control, reads_gaps_with_an_x_as_hexadecimal) {
+TEST_F(RemoteIndicatorControlTest, reads_gaps_with_an_x_as_hexadecimal) {
     configuration.Set("AlarmFileGapBetweenPlay", "0x989680");  // ten seconds
     Start();
     SetColors(1, 3);
@@ -485,10 +435,10 @@ TEST_F(Control, reads_gaps_with_an_x_as_hexadecimal) {
     EXPECT_GE(times[1] - times[0], 10.0);
 }
 
-TEST_F(Control, leaves_no_player_behind_when_it_ends) {
+TEST_F(RemoteIndicatorControlTest, stops_the_player_at_its_end) {
     Start();
     SetColors(1, 3);
     WaitForSound(Alarm);
-    Stop();
+    EndGeneration();
     EXPECT_TRUE(BecomesSilent(Board()));
 }

@@ -162,10 +162,3 @@ TEST_F(System, runs_without_a_section_that_nobody_reads) {
     Start();
     WaitForIdle();
 }
-
-TEST_F(System, null_messages_end_the_thread) {
-    Start();
-    WaitForIdle();
-    EXPECT_FALSE(system->ProcessCommandMessage(nullptr));
-    EXPECT_FALSE(system->ProcessDataMessage(nullptr));
-}

@@ -12,7 +12,7 @@ protected:
     }
     ~UserFile() override { std::filesystem::current_path(m_before); }
 
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
     std::filesystem::path m_before;
 };
 

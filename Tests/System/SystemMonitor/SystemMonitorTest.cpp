@@ -17,11 +17,11 @@ namespace {
 const std::string NoAcknowledgement = "SystemMonitor::Did not receive an ACK message from the remote indicator!";
 const std::string NotConnected = "Remote indicator is not connected!";
 
-class Monitor : public ControllerOnBoard<SystemMonitor, SYSTEM_MONITOR> {
+class SystemMonitorTest : public ControllerOnBoard<SystemMonitor, SYSTEM_MONITOR> {
 protected:
-    Monitor() { MakeIndicator(); }
+    SystemMonitorTest() { MakeIndicator(); }
 
-    ~Monitor() override { Stop(); }
+    ~SystemMonitorTest() override { Stop(); }
 
     void MakeIndicator() {
         indicator = std::make_unique<CapturingController>(
@@ -64,12 +64,6 @@ protected:
         return indicator->Get<RemoteIndicatorControlMessage>(m_requests++).GetWaterStatus();
     }
 
-    // Simulated.
-    void LetPass(double seconds) {
-        const double end = Board().Seconds() + seconds;
-        EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
-    }
-
     std::size_t ExpiriesLogged() {
         Barrier();
         const Texts errors = Errors();
@@ -84,22 +78,7 @@ private:
 
 }  // namespace
 
-TEST_F(Monitor, says_that_it_initialises_and_changes_its_state) {
-    Start();
-    const Texts lines = LinesOf(DEBUG_LOG_LEVEL);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "Initializing Thread for - SystemMonitor"), 1);
-    for (const auto& [command, state] : {std::pair(MOVE_TO_IDLE, IDLE_STATE),
-                                         {MOVE_TO_RUNNING, RUNNING_STATE},
-                                         {MOVE_TO_SHUTDOWN, SHUTDOWN_STATE},
-                                         {MOVE_TO_TEST, TEST_STATE}}) {
-        Tell(command);
-        WaitForLine("Changing to " + ThreadStateNames[state].Text() + " State for - SystemMonitor",
-                    state == TEST_STATE ? 2 : 1);
-    }
-    EXPECT_EQ(Errors(), Texts{});
-}
-
-TEST_F(Monitor, lets_other_commands_pass) {
+TEST_F(SystemMonitorTest, lets_other_commands_pass) {
     Start();
     for (const CommandType command : {RESET_SYSTEM, PRIME_SYSTEM, COLLECT_MEASUREMENT, NO_COMMAND}) {
         Tell(command);
@@ -109,24 +88,7 @@ TEST_F(Monitor, lets_other_commands_pass) {
     EXPECT_EQ(indicator->Count(), 0U);
 }
 
-TEST_F(Monitor, ends_on_a_null_command_but_passes_over_null_data) {
-    Start();
-    EXPECT_FALSE(Get().ProcessCommandMessage(nullptr));
-    EXPECT_TRUE(Get().ProcessDataMessage(nullptr));
-}
-
-TEST_F(Monitor, is_subscribed_to_its_five_types) {
-    Start();
-    // What is registered already is refused; so each refusal shows a registration.
-    EXPECT_FALSE(Get().DoRegistration());
-    EXPECT_EQ(Errors(), (Texts{"SystemMonitor::MEASUREMENT_DATA_MESSAGE registration failed!",
-                               "SystemMonitor::REMOTE_INDICATOR_SET_COLORS_DATA_MESSAGE registration failed!",
-                               "SystemMonitor::ACK_TIMER_EXPIRED_DATA_MESSAGE registration failed!",
-                               "SystemMonitor::PERIODIC_HARDWARE_TEST_DATA_MESSAGE registration failed!",
-                               "SystemMonitor::REMOTE_INDICATOR_TEST_MESSAGE registration failed!"}));
-}
-
-TEST_F(Monitor, does_not_initialise_where_registering_fails) {
+TEST_F(SystemMonitorTest, does_not_initialize_if_registration_fails) {
     Start();
     EXPECT_FALSE(Get().Init());
     const Texts errors = Errors();
@@ -134,31 +96,14 @@ TEST_F(Monitor, does_not_initialise_where_registering_fails) {
     EXPECT_EQ(errors.back(), "System Monitor - DoRegistration failed!");
 }
 
-TEST_F(Monitor, ends_without_its_section) {
-    configuration.RemoveSection("SYSTEM_MONITOR_INFO");
-    LoadSettings();
-    Launch();
-    WaitForLine("Changing to POST_EXITING_STATE State for - SystemMonitor");
-    Join();
-    EXPECT_EQ(Errors(), Texts{});
-}
-
-TEST_F(Monitor, ends_without_settings) {
-    Launch();
-    WaitForLine("Changing to POST_EXITING_STATE State for - SystemMonitor");
-    Join();
-}
-
-TEST_F(Monitor, ends_where_its_timer_can_not_be_made) {
+TEST_F(SystemMonitorTest, ends_if_its_timer_cannot_be_allocated) {
     LoadSettings();
     FailingAllocation::FailSize(sizeof(RemoteIndicatorAckTimer));
-    Launch();
-    WaitForLine("Changing to POST_EXITING_STATE State for - SystemMonitor");
-    Join();
+    LaunchAndExpectEnd();
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(Monitor, gives_the_water_status_of_each_value) {
+TEST_F(SystemMonitorTest, gives_the_water_status_of_each_value) {
     Start();
     EXPECT_EQ(StatusFor(0.9), 3);
     EXPECT_EQ(StatusFor(0.6), 2);
@@ -167,7 +112,7 @@ TEST_F(Monitor, gives_the_water_status_of_each_value) {
     EXPECT_EQ(StatusFor(99999.9), 3);
 }
 
-TEST_F(Monitor, takes_the_level_that_a_value_lies_on) {
+TEST_F(SystemMonitorTest, takes_the_level_that_a_value_lies_on) {
     Start();
     EXPECT_EQ(StatusFor(0.8), 3);
     EXPECT_EQ(StatusFor(0.5), 2);
@@ -175,31 +120,31 @@ TEST_F(Monitor, takes_the_level_that_a_value_lies_on) {
     EXPECT_EQ(StatusFor(std::nextafter(0.5F, 0.0F)), 1);
 }
 
-TEST_F(Monitor, looks_at_no_more_than_the_precision_of_a_level) {
+TEST_F(SystemMonitorTest, looks_at_no_more_than_the_precision_of_a_level) {
     Start();
     EXPECT_EQ(StatusFor(0.8 - 1e-12), 3);
 }
 
-TEST_F(Monitor, judges_by_the_alarm_first_where_the_alert_is_set_above_it) {
+TEST_F(SystemMonitorTest, compares_the_alarm_level_first) {
     configuration.Set("AlarmLevel", "0.5").Set("AlertLevel", "0.8");
     Start();
     EXPECT_EQ(StatusFor(0.6), 3);
     EXPECT_EQ(StatusFor(0.4), 1);
 }
 
-TEST_F(Monitor, takes_what_is_no_number_for_normal) {
+TEST_F(SystemMonitorTest, takes_what_is_no_number_for_normal) {
     Start();
     EXPECT_EQ(StatusFor(std::numeric_limits<double>::quiet_NaN()), 1);
 }
 
-TEST_F(Monitor, forgets_an_alarm_with_the_next_low_value_and_repeats_an_equal_status) {
+TEST_F(SystemMonitorTest, judges_each_value_independently) {
     Start();
     EXPECT_EQ(StatusFor(0.9), 3);
     EXPECT_EQ(StatusFor(0.2), 1);
     EXPECT_EQ(StatusFor(0.2), 1);
 }
 
-TEST_F(Monitor, asks_for_the_water_status_alone) {
+TEST_F(SystemMonitorTest, asks_for_the_water_status_alone) {
     Start();
     Post(Measured(0.9));
     const auto& request = indicator->Get<RemoteIndicatorControlMessage>();
@@ -209,7 +154,7 @@ TEST_F(Monitor, asks_for_the_water_status_alone) {
     EXPECT_EQ(request.GetSource(), &Get());
 }
 
-TEST_F(Monitor, judges_in_every_state) {
+TEST_F(SystemMonitorTest, judges_in_every_state) {
     Start();
     std::size_t count = 0;
     for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
@@ -220,7 +165,7 @@ TEST_F(Monitor, judges_in_every_state) {
     EXPECT_EQ(indicator->Count(), count);
 }
 
-TEST_F(Monitor, logs_an_acknowledgement_that_does_not_come_in_time) {
+TEST_F(SystemMonitorTest, logs_an_acknowledgement_that_does_not_come_in_time) {
     configuration.Set("AckTimeout", "2000");
     Start();
     const double start = Board().Seconds();
@@ -231,7 +176,7 @@ TEST_F(Monitor, logs_an_acknowledgement_that_does_not_come_in_time) {
     EXPECT_EQ(Errors(), (Texts{NoAcknowledgement}));
 }
 
-TEST_F(Monitor, takes_a_time_out_with_an_x_for_hexadecimal) {
+TEST_F(SystemMonitorTest, takes_a_time_out_with_an_x_for_hexadecimal) {
     configuration.Set("AckTimeout", "0x2710");
     Start();
     const double start = Board().Seconds();
@@ -240,7 +185,7 @@ TEST_F(Monitor, takes_a_time_out_with_an_x_for_hexadecimal) {
     EXPECT_GE(Board().Seconds() - start, 10.0);
 }
 
-TEST_F(Monitor, is_content_with_an_acknowledgement_in_time) {
+TEST_F(SystemMonitorTest, is_content_with_an_acknowledgement_in_time) {
     configuration.Set("AckTimeout", "2000");
     Start();
     Post(Measured(0.2));
@@ -249,7 +194,7 @@ TEST_F(Monitor, is_content_with_an_acknowledgement_in_time) {
     EXPECT_EQ(ExpiriesLogged(), 0U);
 }
 
-TEST_F(Monitor, takes_neither_a_request_nor_a_response_for_an_acknowledgement) {
+TEST_F(SystemMonitorTest, accepts_only_an_acknowledgement) {
     configuration.Set("AckTimeout", "2000");
     Start();
     Post(Measured(0.2));
@@ -258,7 +203,7 @@ TEST_F(Monitor, takes_neither_a_request_nor_a_response_for_an_acknowledgement) {
     WaitForLine(NoAcknowledgement);
 }
 
-TEST_F(Monitor, hears_of_an_acknowledged_request_after_all_where_the_next_one_comes_within_its_time) {
+TEST_F(SystemMonitorTest, a_restarted_timer_expires_for_both_requests) {
     configuration.Set("AckTimeout", "3000");
     Start();
     Post(Measured(0.2));
@@ -267,7 +212,7 @@ TEST_F(Monitor, hears_of_an_acknowledged_request_after_all_where_the_next_one_co
     WaitForLine(NoAcknowledgement, 2);
 }
 
-TEST_F(Monitor, cancels_all_sleeps_with_one_acknowledgement) {
+TEST_F(SystemMonitorTest, cancels_all_sleeps_with_one_acknowledgement) {
     configuration.Set("AckTimeout", "3000");
     Start();
     Post(Measured(0.2));
@@ -277,7 +222,7 @@ TEST_F(Monitor, cancels_all_sleeps_with_one_acknowledgement) {
     EXPECT_EQ(ExpiriesLogged(), 0U);
 }
 
-TEST_F(Monitor, watches_again_after_an_expiry) {
+TEST_F(SystemMonitorTest, watches_again_after_an_expiry) {
     configuration.Set("AckTimeout", "1000");
     Start();
     Post(Measured(0.2));
@@ -286,7 +231,7 @@ TEST_F(Monitor, watches_again_after_an_expiry) {
     WaitForLine(NoAcknowledgement, 2);
 }
 
-TEST_F(Monitor, says_so_where_the_timer_can_not_be_started_and_has_asked_all_the_same) {
+TEST_F(SystemMonitorTest, logs_a_timer_that_cannot_start_after_the_request) {
     Start();
     {
         const ImpossibleStack stack;
@@ -297,7 +242,7 @@ TEST_F(Monitor, says_so_where_the_timer_can_not_be_started_and_has_asked_all_the
     EXPECT_EQ(indicator->Get<RemoteIndicatorControlMessage>().GetWaterStatus(), 3);
 }
 
-TEST_F(Monitor, neither_asks_nor_waits_where_the_request_can_not_be_made) {
+TEST_F(SystemMonitorTest, neither_asks_nor_waits_where_the_request_can_not_be_made) {
     configuration.Set("AckTimeout", "10");
     Start();
     FailingAllocation::FailSize(sizeof(RemoteIndicatorControlMessage));
@@ -308,7 +253,7 @@ TEST_F(Monitor, neither_asks_nor_waits_where_the_request_can_not_be_made) {
     EXPECT_EQ(StatusFor(0.9), 3);
 }
 
-TEST_F(Monitor, ends_at_once_while_acknowledgements_are_awaited) {
+TEST_F(SystemMonitorTest, ends_at_once_while_acknowledgements_are_awaited) {
     configuration.Set("AckTimeout", "86400000");
     Start();
     Post(Measured(0.9));
@@ -321,7 +266,7 @@ TEST_F(Monitor, ends_at_once_while_acknowledgements_are_awaited) {
 namespace {
 
 // The pass counter belongs to the process, so each test ends with a closed pass.
-class LEDTests : public Monitor {
+class LEDTests : public SystemMonitorTest {
 protected:
     LEDTests() { Start(); }
 
@@ -388,11 +333,11 @@ using Verdicts = std::vector<bool>;
 
 }  // namespace
 
-TEST_F(LEDTests, know_no_good_one_after_the_start) { EXPECT_EQ(Results(), Verdicts(7, false)); }
+TEST_F(LEDTests, are_all_bad_after_the_start) { EXPECT_EQ(Results(), Verdicts(7, false)); }
 
 TEST_F(LEDTests, are_not_driven_by_a_time_out) { EXPECT_EQ(Get().GetTimeOut(), -1); }
 
-TEST_F(LEDTests, step_on_with_each_time_out_and_come_to_the_whole_only_once) {
+TEST_F(LEDTests, advance_with_each_time_out_and_test_the_whole_once) {
     MoveTo(9);
     EXPECT_EQ(Requested(9), (std::vector<std::int32_t>{1, 2, 3, 4, 5, 6, 1, 2, 3}));
     const Texts lines = LinesOf(DEBUG_LOG_LEVEL);
@@ -406,7 +351,7 @@ TEST_F(LEDTests, step_on_though_the_request_can_not_be_made) {
     EXPECT_EQ(Requested(1), (std::vector<std::int32_t>{2}));
 }
 
-TEST_F(LEDTests, name_each_that_fails_and_the_whole_at_the_end_of_the_pass) {
+TEST_F(LEDTests, log_each_failure_and_the_whole_at_the_end) {
     Pass(Verdicts(7, false));
     EXPECT_EQ(Errors(),
               (Texts{NotConnected, "Blue analyzer LED is non-functional!", "Amber analyzer LED is non-functional!",
@@ -415,14 +360,14 @@ TEST_F(LEDTests, name_each_that_fails_and_the_whole_at_the_end_of_the_pass) {
     EXPECT_EQ(Results(), Verdicts(7, false));
 }
 
-TEST_F(LEDTests, find_the_whole_good_with_exactly_three_good_answers_of_seven) {
+TEST_F(LEDTests, need_three_good_results_of_seven) {
     Pass({false, true, false, true, false, true, false});
     EXPECT_EQ(Errors(), (Texts{NotConnected, "Amber analyzer LED is non-functional!",
                                "Blue water LED is non-functional!", "Red water LED is non-functional!"}));
     EXPECT_EQ(Results(), (Verdicts{true, true, false, true, false, true, false}));
 }
 
-TEST_F(LEDTests, find_the_whole_bad_with_two_and_count_the_answer_about_it_as_any_other) {
+TEST_F(LEDTests, fail_the_whole_with_two_good_results) {
     Pass({true, true, false, false, false, false, false});
     EXPECT_EQ(Errors().back(), NotConnected);
     EXPECT_EQ(Results(), (Verdicts{false, true, false, false, false, false, false}));
@@ -435,7 +380,7 @@ TEST_F(LEDTests, count_afresh_in_each_pass) {
     EXPECT_EQ(Results(), (Verdicts{false, true, true, false, false, false, false}));
 }
 
-TEST_F(LEDTests, close_no_pass_ahead_of_the_last_one_however_many_are_good) {
+TEST_F(LEDTests, close_a_pass_only_at_its_last_test) {
     MoveTo(5);
     Answer(Verdicts(20, true));
     EXPECT_EQ(Results(), (Verdicts{false, false, false, false, false, true, false}));
@@ -466,7 +411,7 @@ TEST_F(LEDTests, hear_responses_only) {
     EXPECT_EQ(Errors(), Texts{});
 }
 
-TEST_F(LEDTests, come_back_to_the_first_when_the_controller_initialises) {
+TEST_F(LEDTests, start_again_at_the_first_after_Init) {
     MoveTo(3);
     RestartTests();
     MoveTo(1);
@@ -520,7 +465,7 @@ TEST_F(PeriodicTest, hears_responses_only) {
     EXPECT_EQ(Get().GetTestMode(), 5);
 }
 
-TEST_F(PeriodicTest, keeps_the_verdict_on_the_indicator_without_a_score_and_ends) {
+TEST_F(PeriodicTest, stores_the_verdict_without_counting_it) {
     Answer({false});
     EXPECT_EQ(Get().GetTestMode(), 0);
     EXPECT_EQ(Errors(), Texts{});

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 constexpr char Invalid[] = "TestInterface::ProcessTestCommand Invalid Test Command Value";
 constexpr char Sent[] = "CommandResponse::SendResponse  Sent information to Server";
 
-class TestCommands : public LinkOnBoard {
+class LinkCommands : public LinkOnBoard {
 protected:
     // A result of the measurement, at that second.
     static void Measured(double chlorine, std::int32_t seconds) {
@@ -43,7 +43,7 @@ protected:
 
 }  // namespace
 
-TEST_F(TestCommands, x840_tells_the_state_in_a_frame_that_echoes_nothing) {
+TEST_F(LinkCommands, x840_tells_the_state_in_a_frame_that_echoes_nothing) {
     const RawConnection peer = Connect();
     const std::int64_t before = Board().WallNanoSeconds();
     const Reply reply = Ask(peer, Frame(840).Flags(0xFFFE).Value(2, 5000));
@@ -59,7 +59,7 @@ TEST_F(TestCommands, x840_tells_the_state_in_a_frame_that_echoes_nothing) {
     WaitFor(Sent);
 }
 
-TEST_F(TestCommands, are_told_from_one_another_by_their_order_alone) {
+TEST_F(LinkCommands, are_told_from_one_another_by_their_order_alone) {
     const RawConnection peer = Connect();
     Bytes both = Frame(30100);
     const Bytes second = Frame(30200);
@@ -69,14 +69,14 @@ TEST_F(TestCommands, are_told_from_one_another_by_their_order_alone) {
     EXPECT_EQ(BehindStamp(ReceiveReply(peer)), Text("CL-000001"));
 }
 
-TEST_F(TestCommands, x800_answers_with_no_data_and_their_checksum_of_zero) {
+TEST_F(LinkCommands, x800_answers_with_no_data_and_their_checksum_of_zero) {
     const RawConnection peer = Connect();
     const Reply reply = Ask(peer, Frame(800));
     EXPECT_EQ(NumberAt(reply.header, 14, 3), 4U);
     EXPECT_EQ(reply.data, Bytes());
 }
 
-TEST_F(TestCommands, x810_runs_for_good_whatever_its_value_asks_for) {
+TEST_F(LinkCommands, x810_runs_for_good_whatever_its_value_asks_for) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(810).Value(5))), Text("RUNNING_STATE"));
     EXPECT_TRUE(peer.IsEnded());
@@ -86,7 +86,7 @@ TEST_F(TestCommands, x810_runs_for_good_whatever_its_value_asks_for) {
     EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), 0);
 }
 
-TEST_F(TestCommands, x820_moves_to_idle_and_closes_the_link) {
+TEST_F(LinkCommands, x820_moves_to_idle_and_closes_the_link) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(820))), Text("IDLE_STATE"));
     EXPECT_TRUE(peer.IsEnded());
@@ -94,7 +94,7 @@ TEST_F(TestCommands, x820_moves_to_idle_and_closes_the_link) {
     EXPECT_TRUE(WaitForState(TEST_INTERFACE, IDLE_STATE));
 }
 
-TEST_F(TestCommands, x820_with_a_period_comes_back_to_the_test_state_on_the_same_link) {
+TEST_F(LinkCommands, x820_with_a_period_comes_back_to_the_test_state_on_the_same_link) {
     const RawConnection peer = Connect();
     ForgetLog();
     const double start = Board().Seconds();
@@ -105,14 +105,14 @@ TEST_F(TestCommands, x820_with_a_period_comes_back_to_the_test_state_on_the_same
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
 }
 
-TEST_F(TestCommands, x830_runs_and_closes_the_link) {
+TEST_F(LinkCommands, x830_runs_and_closes_the_link) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(830))), Text("RUNNING_STATE"));
     EXPECT_TRUE(peer.IsEnded());
     EXPECT_TRUE(WaitForState(MEASUREMENT_ENGINE, RUNNING_STATE));
 }
 
-TEST_F(TestCommands, x830_with_5_s_comes_back_to_the_test_state_after_5_s) {
+TEST_F(LinkCommands, x830_with_5_s_comes_back_to_the_test_state_after_5_s) {
     const RawConnection peer = Connect();
     const double start = Board().Seconds();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(830).Value(5))), Text("RUNNING_STATE"));
@@ -123,7 +123,7 @@ TEST_F(TestCommands, x830_with_5_s_comes_back_to_the_test_state_after_5_s) {
 }
 
 // The count stays above 0, so that every end of the period starts the next.
-TEST_F(TestCommands, x830_with_a_count_comes_back_to_the_test_state_again_and_again) {
+TEST_F(LinkCommands, x830_with_a_count_comes_back_to_the_test_state_again_and_again) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(830).Count(2).Value(20))), Text("RUNNING_STATE"));
     WaitFor("Sending Command - MOVE_TO_TEST", 3);
@@ -134,7 +134,7 @@ TEST_F(TestCommands, x830_with_a_count_comes_back_to_the_test_state_again_and_ag
     EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), moves);
 }
 
-TEST_F(TestCommands, x850_shuts_down_and_closes_the_link_whatever_its_value_asks_for) {
+TEST_F(LinkCommands, x850_shuts_down_and_closes_the_link_whatever_its_value_asks_for) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(850).Value(5))), Text("SHUTDOWN_STATE"));
     EXPECT_TRUE(peer.IsEnded());
@@ -142,7 +142,7 @@ TEST_F(TestCommands, x850_shuts_down_and_closes_the_link_whatever_its_value_asks
 }
 
 // The link is closed before the answer, which so can't be sent.
-TEST_F(TestCommands, x860_resets_the_system_without_an_answer) {
+TEST_F(LinkCommands, x860_resets_the_system_without_an_answer) {
     const RawConnection peer = Connect();
     peer.Send(Frame(860));
     EXPECT_TRUE(peer.IsEnded());
@@ -156,7 +156,7 @@ TEST_F(TestCommands, x860_resets_the_system_without_an_answer) {
     JoinAndDestroy();
 }
 
-TEST_F(TestCommands, of_state_control_with_any_other_number_do_nothing) {
+TEST_F(LinkCommands, of_state_control_with_any_other_number_do_nothing) {
     const RawConnection peer = Connect();
     for (const int command : {0, 1, 799, 801, 811, 859, 861, 999}) {
         SendUnanswered(peer, Frame(command));
@@ -164,7 +164,7 @@ TEST_F(TestCommands, of_state_control_with_any_other_number_do_nothing) {
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(TestCommands, of_a_reserved_range_do_nothing_and_are_not_called_invalid) {
+TEST_F(LinkCommands, of_a_reserved_range_do_nothing_and_are_not_called_invalid) {
     const RawConnection peer = Connect();
     for (const int command : {11000, 11063, 20100, 20499, 21100, 22899, 42100, 42199, 46100, 46499,
                               50200, 56499, 30400, 30500, 30600, 30699, 62000, 62099, 62101, 62999}) {
@@ -173,7 +173,7 @@ TEST_F(TestCommands, of_a_reserved_range_do_nothing_and_are_not_called_invalid) 
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(TestCommands, beyond_every_range_are_called_invalid_and_not_answered) {
+TEST_F(LinkCommands, beyond_every_range_are_called_invalid_and_not_answered) {
     const RawConnection peer = Connect();
     long count = 0;
     // The range from 40100 ends before it begins.
@@ -187,7 +187,7 @@ TEST_F(TestCommands, beyond_every_range_are_called_invalid_and_not_answered) {
 }
 
 // The request comes back to the test interface alone, which takes no request for an answer.
-TEST_F(TestCommands, for_the_hardware_are_published_and_not_answered) {
+TEST_F(LinkCommands, for_the_hardware_are_published_and_not_answered) {
     const RawConnection peer = Connect();
     const struct {
         std::uint16_t command;
@@ -209,24 +209,24 @@ TEST_F(TestCommands, for_the_hardware_are_published_and_not_answered) {
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(TestCommands, x30100_tells_the_device) {
+TEST_F(LinkCommands, x30100_tells_the_device) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("Chlorine Analyzer"));
 }
 
-TEST_F(TestCommands, tell_of_a_device_and_a_serial_number_that_are_not_set) {
+TEST_F(LinkCommands, tell_of_a_device_and_a_serial_number_that_are_not_set) {
     configuration.Remove("DeviceID").Remove("SerialNumber");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("InvalidDevice"));
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200))), Text("InvalidSerialNumber"));
 }
 
-TEST_F(TestCommands, x30200_without_bit_0_only_reads) {
+TEST_F(LinkCommands, x30200_without_bit_0_only_reads) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200).Count(5))), Text("CL-000001"));
 }
 
-TEST_F(TestCommands, x30200_with_a_payload_replaces_the_serial_number_until_a_reset) {
+TEST_F(LinkCommands, x30200_with_a_payload_replaces_the_serial_number_until_a_reset) {
     RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200).Write("CL-9"))), Text("CL-9"));
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200))), Text("CL-9"));
@@ -235,42 +235,42 @@ TEST_F(TestCommands, x30200_with_a_payload_replaces_the_serial_number_until_a_re
     EXPECT_EQ(BehindStamp(Ask(fresh, Frame(30200))), Text("CL-000001"));
 }
 
-TEST_F(TestCommands, x30200_to_write_without_a_payload_keeps_the_serial_number) {
+TEST_F(LinkCommands, x30200_to_write_without_a_payload_keeps_the_serial_number) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200).Flags(1))), Text("CL-000001"));
 }
 
-TEST_F(TestCommands, do_not_look_at_the_checksum_of_a_payload) {
+TEST_F(LinkCommands, do_not_look_at_the_checksum_of_a_payload) {
     const RawConnection peer = Connect();
     Bytes wrong = Frame(30200).Write("CL-9");
     wrong.back() ^= 0xFF;
     EXPECT_EQ(BehindStamp(Ask(peer, wrong)), Text("CL-9"));
 }
 
-TEST_F(TestCommands, x30200_takes_zero_bytes_of_a_payload_as_they_are) {
+TEST_F(LinkCommands, x30200_takes_zero_bytes_of_a_payload_as_they_are) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200).Write(std::string("a\0b", 3)))), Text(std::string("a\0b", 3)));
 }
 
-TEST_F(TestCommands, x30300_tells_the_hardware_address) {
+TEST_F(LinkCommands, x30300_tells_the_hardware_address) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), Text("02:1A:6C:00:3E:F5"));
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300).Flags(4))), std::string("\x02\x1A\x6C\x00\x3E\xF5", 6));
 }
 
-TEST_F(TestCommands, x30300_tells_the_hardware_address_of_the_interface_in_the_settings) {
+TEST_F(LinkCommands, x30300_tells_the_hardware_address_of_the_interface_in_the_settings) {
     configuration.Set("EthernetInterfaceName", "lo");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), Text("00:00:00:00:00:00"));
 }
 
-TEST_F(TestCommands, x30300_tells_nothing_of_an_interface_that_there_is_not) {
+TEST_F(LinkCommands, x30300_tells_nothing_of_an_interface_that_there_is_not) {
     configuration.Set("EthernetInterfaceName", "none");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), "");
 }
 
-TEST_F(TestCommands, from_44100_to_44599_answer_with_three_readings_of_a_known_value) {
+TEST_F(LinkCommands, from_44100_to_44599_answer_with_three_readings_of_a_known_value) {
     const RawConnection peer = Connect();
     for (const int command : {44100, 44599}) {
         const std::int64_t before = Board().WallNanoSeconds();
@@ -288,7 +288,7 @@ TEST_F(TestCommands, from_44100_to_44599_answer_with_three_readings_of_a_known_v
     }
 }
 
-TEST_F(TestCommands, x62100_answers_once_measured) {
+TEST_F(LinkCommands, x62100_answers_once_measured) {
     const RawConnection peer = Connect();
     peer.Send(Frame(62100));
     WaitFor("Sending Command - COLLECT_MEASUREMENT");
@@ -297,7 +297,7 @@ TEST_F(TestCommands, x62100_answers_once_measured) {
 }
 
 // The measuring begins a cycle in its running state alone, and the link asks in the test state.
-TEST_F(TestCommands, x62100_is_not_answered_while_nothing_measures) {
+TEST_F(LinkCommands, x62100_is_not_answered_while_nothing_measures) {
     const RawConnection peer = Connect();
     SendUnanswered(peer, Frame(62100));
     const double start = Board().Seconds();
@@ -307,7 +307,7 @@ TEST_F(TestCommands, x62100_is_not_answered_while_nothing_measures) {
 }
 
 // An 800 that meets the end of a period on its way doesn't stop it, since that end starts the next; a reset does.
-TEST_F(TestCommands, x62100_three_times_without_a_period_asks_without_pause_until_a_reset) {
+TEST_F(LinkCommands, x62100_three_times_without_a_period_asks_without_pause_until_a_reset) {
     const RawConnection peer = Connect();
     peer.Send(Frame(62100).Count(3));
     WaitFor("Sending Command - COLLECT_MEASUREMENT", 50);
@@ -316,7 +316,7 @@ TEST_F(TestCommands, x62100_three_times_without_a_period_asks_without_pause_unti
     JoinAndDestroy();
 }
 
-TEST_F(TestCommands, x62100_three_times_gathers_gathers_three_measurements_in_one_answer) {
+TEST_F(LinkCommands, x62100_three_times_gathers_gathers_three_measurements_in_one_answer) {
     const RawConnection peer = Connect();
     const double start = Board().Seconds();
     peer.Send(Frame(62100).Count(3).Value(60));
@@ -336,7 +336,7 @@ TEST_F(TestCommands, x62100_three_times_gathers_gathers_three_measurements_in_on
     EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), 4);
 }
 
-TEST_F(TestCommands, take_no_measurement_that_nobody_asked_for) {
+TEST_F(LinkCommands, take_no_measurement_that_nobody_asked_for) {
     const RawConnection peer = Connect();
     Measured(1.0, 1);
     SendUnanswered(peer, Frame(999));
@@ -348,7 +348,7 @@ TEST_F(TestCommands, take_no_measurement_that_nobody_asked_for) {
     SendUnanswered(peer, Frame(999));
 }
 
-TEST_F(TestCommands, x800_ends_a_sequence_of_measurements) {
+TEST_F(LinkCommands, x800_ends_a_sequence_of_measurements) {
     const RawConnection peer = Connect();
     peer.Send(Frame(62100).Count(3).Value(20));
     WaitFor("Sending Command - COLLECT_MEASUREMENT");

@@ -12,7 +12,7 @@
 
 class TestInterfaceAlone : public BoardTest {
 protected:
-    TestInterfaceAlone() : BoardTest(Fast()) { EXPECT_TRUE(Board().MapPort(1200, listener.Port())); }
+    TestInterfaceAlone() : BoardTest(AtSpeed(50.0)) { EXPECT_TRUE(Board().MapPort(1200, listener.Port())); }
 
     ~TestInterfaceAlone() override {
         if (controller != nullptr && !m_hasEnded) {
@@ -61,12 +61,6 @@ protected:
     template <typename Message>
     static void Send(const Message& message) {
         EXPECT_TRUE(MessageController::SendMessage(message.Clone(), MEASUREMENT_ENGINE));
-    }
-
-    static Bench::BoardSetup Fast() {
-        Bench::BoardSetup setup;
-        setup.speed = 50.0;
-        return setup;
     }
 
     LogReader log;

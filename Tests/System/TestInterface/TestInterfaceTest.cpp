@@ -55,17 +55,6 @@ TEST_F(TestInterfaceAlone, tells_what_it_can_not_register) {
                     "MeasurementEngine"));
 }
 
-TEST_F(TestInterfaceAlone, ends_its_thread_for_a_null_message) {
-    Start();
-    EXPECT_FALSE(controller->ProcessCommandMessage(nullptr));
-    EXPECT_FALSE(controller->ProcessDataMessage(nullptr));
-}
-
-TEST_F(TestInterfaceAlone, goes_on_after_a_time_out) {
-    Start();
-    EXPECT_TRUE(controller->ProcessTimeOut());
-}
-
 TEST_F(TestInterfaceAlone, waits_without_limit_in_every_state) {
     Start();
     EndThread();

@@ -76,7 +76,7 @@ TEST_F(FrontEndProtocol, entering_running_is_the_command_alone) {
     EXPECT_EQ(protocol.Serialize(), "CMD~-2`");
 }
 
-TEST_F(FrontEndProtocol, all_five_stand_in_their_order_whatever_the_order_of_the_setters) {
+TEST_F(FrontEndProtocol, order_does_not_depend_on_the_setters) {
     protocol.SetCommandValue(7);
     protocol.SetSoftwareVersion("9.8.7.6");
     protocol.SetInstrumentStatus("status");
@@ -117,7 +117,7 @@ TEST_F(FrontEndProtocol, chlorine_beyond_the_display_reads_as_pluses) {
     EXPECT_EQ(ChlorineFrame(std::numeric_limits<float>::infinity()), "ChlorineValue~+.++`");
 }
 
-TEST_F(FrontEndProtocol, limits_of_chlorine_hold_for_the_value_and_not_for_its_text) {
+TEST_F(FrontEndProtocol, limits_apply_to_the_value_and_not_to_its_text) {
     EXPECT_EQ(ChlorineFrame(0.004F), "ChlorineValue~0.00`");
     EXPECT_EQ(ChlorineFrame(0.999F), "ChlorineValue~1.00`");
 }
@@ -126,7 +126,7 @@ TEST_F(FrontEndProtocol, chlorine_that_is_no_number_is_printed) {
     EXPECT_EQ(ChlorineFrame(std::copysign(std::nanf(""), 1.0F)), "ChlorineValue~nan`");
 }
 
-TEST_F(FrontEndProtocol, hour_has_twelve_and_the_half_of_the_day_small_letters) {
+TEST_F(FrontEndProtocol, time_has_twelve_hours_and_lower_case_am_and_pm) {
     const std::int32_t midnight = SomeMarchDay - (2 * 3600 + 14 * 60 + 7);
     EXPECT_EQ(DateFrame(midnight), "DateValue~@Tuesday March 05,12:00:00 am\n`");
     EXPECT_EQ(DateFrame(midnight + 12 * 3600), "DateValue~@Tuesday March 05,12:00:00 pm\n`");
@@ -169,7 +169,7 @@ TEST_F(FrontEndProtocol, text_without_memory_is_a_name_without_a_value) {
     EXPECT_EQ(protocol.Serialize(), "InstrumentStatus~;SoftwareVersion~1.2`");
 }
 
-TEST_F(FrontEndProtocol, setter_without_init_leaves_a_line_in_the_system_log) {
+TEST_F(FrontEndProtocol, setter_without_init_writes_to_the_system_log) {
     CommunicationProtocol bare;
     bare.SetInstrumentStatus("status");
     EXPECT_EQ(bare.Serialize(), "");
@@ -228,7 +228,7 @@ TEST_F(FrontEndProtocol, element_without_memory_is_missing_from_the_frame) {
     }
 }
 
-TEST_F(FrontEndProtocol, lists_of_different_length_give_no_frame_and_a_line) {
+TEST_F(FrontEndProtocol, lists_of_different_length_give_a_line_and_no_frame) {
     MismatchedProtocol mismatched;
     mismatched.Init();
     mismatched.SetChlorineValue(0.5F);
