@@ -111,11 +111,10 @@ hostent* gethostbyaddr(const void* address, socklen_t size, int family) {
 }
 
 void sethostent(int stayOpen) {
+    nextHost = 0;
     if (AttachedState() == nullptr) {
         Real::sethostent(stayOpen);
-        return;
     }
-    nextHost = 0;
 }
 
 hostent* gethostent() {
@@ -132,10 +131,9 @@ hostent* gethostent() {
 }
 
 void endhostent() {
+    nextHost = 0;
     if (AttachedState() == nullptr) {
         Real::endhostent();
-        return;
     }
-    nextHost = 0;
 }
 }

@@ -42,7 +42,7 @@ TemporaryBoard::TemporaryBoard(const BoardSetup& setup) {
 
 TemporaryBoard::~TemporaryBoard() {
     DetachThisProcess();
-    m_board->State().run.fetch_add(1);  // tells forked children that the run has ended
+    m_board->State().run.fetch_add(1);  // forked children then end
     m_board->State().clock.changes.fetch_add(1);
     FutexWakeAll(m_board->State().clock.changes);
     pthread_mutex_destroy(&m_board->State().mutex);

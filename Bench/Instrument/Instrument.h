@@ -71,8 +71,8 @@ struct InstrumentSettings {
     double cableFeet = 100.0;
     double cableOhmsPerFoot = 0.052;     // both wires; as in the settings
     double ledAmperes = 0.020;           // in each lit LED
-    double senseOhms = 100.0;            // as the product is told
-    double blueDropVolts = 3.2;          // as the product is told
+    double senseOhms = 100.0;            // as in the settings
+    double blueDropVolts = 3.2;          // as in the settings
     double loopGain = 3.0;               // loop volts for one volt at channel 0; as in the settings
     double openLoopVolts = 12.0;         // of a loop whose LED is broken
     std::uint8_t indicatorLedsOpen = 0;  // broken LEDs, bit by IndicatorLed

@@ -118,7 +118,7 @@ TEST_F(FrontEndPeer, waits_for_a_value_after_those_seen) {
     EXPECT_FALSE(peer->WaitForValue("CMD", "-1", seen, 0.0).has_value());
 }
 
-TEST(FrontEndListen, busy_port_is_told) {
+TEST(FrontEndListen, busy_port_is_reported) {
     std::string error;
     const auto first = FrontEnd::Listen(0, error);
     ASSERT_NE(first, nullptr);
