@@ -4,34 +4,19 @@
 
 #include <array>
 
+#include "Drivers/ConverterWord.h"
 #include "Drivers/MemoryMappedIO.h"
-#include "Drivers/PinAddress.h"
 #include "Drivers/Print.h"
 #include "Drivers/SpiDevice.h"
 #include "Drivers/Wait.h"
 
 namespace {
 
-constexpr PinAddress ChipSelect{0, 0};
-constexpr PinAddress EndOfConversion{0, 21};
-
 constexpr std::uint32_t CountChannel = 0;
-constexpr std::uint32_t LastInputChannel = 199;
 constexpr std::uint32_t TemperatureChannel = 200;
 
-// The command before the shift: enable, and the input pair by default; the channel stands in the bits above 4.
-constexpr std::uint32_t BaseCommand = 0x1410;
-constexpr std::uint32_t TemperatureCommand = BaseCommand | 8;
-constexpr std::uint32_t ChannelFactor = 32;
-constexpr std::uint32_t CommandShift = 3;
-
-constexpr std::uint32_t MostTries = 25;
+constexpr std::uint32_t MaxTries = 25;
 constexpr std::uint32_t TryMilliseconds = 10;
-
-constexpr std::uint32_t NoReading = 0xFFFFFFFF;
-constexpr std::uint32_t ReadingShift = 5;
-constexpr std::uint32_t ReadingMask = 0x1FFFFFF;
-constexpr std::uint32_t PositiveBit = 0x1000000;
 
 // Checked, so that what is not locked is not unlocked: both are told instead.
 pthread_mutex_t conversionMutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
@@ -42,17 +27,10 @@ SpiDevice& SharedDevice() {
     return *device;
 }
 
-// Cut to 16 bits: channels from 128 on fold onto the lower ones.
-std::uint16_t CommandWord(std::uint32_t channel) {
-    const std::uint32_t command =
-        channel > LastInputChannel ? TemperatureCommand : BaseCommand | channel * ChannelFactor;
-    return static_cast<std::uint16_t>(command << CommandShift);
-}
-
 bool WaitForEndOfConversion() {
-    for (std::uint32_t tries = 0; tries < MostTries; ++tries) {
+    for (std::uint32_t tries = 0; tries < MaxTries; ++tries) {
         SpinFor(TryMilliseconds);
-        if (MemoryMappedIO::ReadPin(EndOfConversion.bank, EndOfConversion.pin) == LOW_GPIO_LEVEL) {
+        if (MemoryMappedIO::ReadPin(OnBoard::ConverterEnd) == LOW_GPIO_LEVEL) {
             return true;
         }
     }
@@ -80,11 +58,11 @@ bool Adc24BitDriver::ReadLocked(SpiDevice& device, bool convert) {
         return false;
     }
     const bool ended = WaitForEndOfConversion();
-    if (!MemoryMappedIO::WritePin(ChipSelect.bank, ChipSelect.pin, HIGH_GPIO_LEVEL)) {
+    if (!MemoryMappedIO::WritePin(OnBoard::ConverterChipSelect, HIGH_GPIO_LEVEL)) {
         return FailWithOutput("24 Bit ADC Driver: Setting chip select high failed");
     }
     if (!ended) {
-        m_raw = NoReading;
+        m_raw = NoConverterReading;
         return FailWithOutput("24 Bit ADC Driver: Conversion did not finish in allotted time");
     }
     ReadResult(device);
@@ -92,11 +70,11 @@ bool Adc24BitDriver::ReadLocked(SpiDevice& device, bool convert) {
 }
 
 bool Adc24BitDriver::StartConversion(SpiDevice& device) const {
-    const std::uint16_t command = CommandWord(m_channel);
+    const std::uint16_t command = ConverterCommandWord(m_channel);
     if (!device.Write(&command, sizeof command)) {
         return FailWithOutput("24 Bit ADC Driver: SPI write failed");
     }
-    return MemoryMappedIO::WritePin(ChipSelect.bank, ChipSelect.pin, LOW_GPIO_LEVEL) ||
+    return MemoryMappedIO::WritePin(OnBoard::ConverterChipSelect, LOW_GPIO_LEVEL) ||
            FailWithOutput("24 Bit ADC Driver: Setting chip select low failed");
 }
 
@@ -108,16 +86,14 @@ void Adc24BitDriver::ReadResult(SpiDevice& device) {
         PrintOutput("24 Bit ADC Driver: SPI read failed");
     }
     const std::uint32_t result = static_cast<std::uint32_t>(words[0]) << 16 | words[1];
-    m_raw = result >> ReadingShift & ReadingMask;
+    m_raw = ConverterReading(result);
 }
 
 bool Adc24BitDriver::Convert() {
-    if (!m_valid || m_raw == NoReading) {
+    if (!m_valid || m_raw == NoConverterReading) {
         return FailWithOutput("24 Bit ADC Driver: ADC reading error or object not valid");
     }
-    const bool isPositive = (m_raw & PositiveBit) != 0;
-    const auto magnitude = static_cast<std::int32_t>(m_raw & (PositiveBit - 1));
-    m_value = isPositive ? magnitude : magnitude - static_cast<std::int32_t>(PositiveBit);
+    m_value = ConverterCount(m_raw);
     if (m_channel == TemperatureChannel) {
         m_value = static_cast<std::int32_t>((static_cast<float>(m_value) * 2.5F / 1570.0F - 273.0F) * 100.0F);
         return true;

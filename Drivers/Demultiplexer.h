@@ -13,9 +13,6 @@
 // Line A, line B, line C, enable.
 using DemultiplexerLines = std::array<PinAddress, 4>;
 
-// As this board wires them.
-inline constexpr DemultiplexerLines BoardDemultiplexerLines{{{2, 27}, {2, 28}, {2, 31}, {3, 10}}};
-
 class Demultiplexer {
 public:
     Demultiplexer();
@@ -34,13 +31,8 @@ public:
     bool ReadAllVoltages(std::list<float>& voltages);
 
 private:
-    bool ConfigureLines();
-
     bool m_initialized = false;
     std::list<std::uint32_t> m_channels;
     std::list<std::uint32_t>::const_iterator m_position;
-    std::unique_ptr<GpioPin> m_lineA;
-    std::unique_ptr<GpioPin> m_lineB;
-    std::unique_ptr<GpioPin> m_lineC;
-    std::unique_ptr<GpioPin> m_lineEnable;
+    std::array<std::unique_ptr<GpioPin>, 4> m_lines;  // A, B, C, enable
 };

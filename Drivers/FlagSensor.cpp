@@ -2,11 +2,9 @@
 
 #include <algorithm>
 
-#include "Drivers/PinAddress.h"
+#include "Drivers/Board.h"
 
 namespace {
-
-constexpr PinAddress FlagLine{1, 18};
 
 constexpr std::uint32_t MinWait = 1000;
 constexpr std::uint32_t MaxWait = 60000;
@@ -17,7 +15,7 @@ std::int32_t FlagSensor::WaitTime(std::uint32_t milliseconds) {
     return static_cast<std::int32_t>(std::clamp(milliseconds, MinWait, MaxWait));
 }
 
-FlagSensor::FlagSensor() : m_pin(FlagLine.bank, FlagLine.pin, EDGE_GPIO_MODE, BOTH_GPIO_EDGE) {}
+FlagSensor::FlagSensor() : m_pin(OnBoard::PumpHomeFlag, EDGE_GPIO_MODE, BOTH_GPIO_EDGE) {}
 
 bool FlagSensor::IsHigh() const { return m_pin.Read() == HIGH_GPIO_LEVEL; }
 

@@ -4,22 +4,18 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 
 #include "Drivers/DeviceFile.h"
 #include "Drivers/Print.h"
-
-using DeviceFile::WriteResult;
+#include "Drivers/SysfsClaim.h"
 
 namespace {
 
 constexpr const char* GpioDirectory = "/sys/class/gpio/";
-constexpr const char* ExportFile = "/sys/class/gpio/export";
-constexpr const char* UnexportFile = "/sys/class/gpio/unexport";
-
-constexpr const char* AlreadyUsed = "already used\n";
-constexpr const char* NotUsedYet = "not used yet\n";
-constexpr const char* NotLockedYet = "not locked yet\n";
+constexpr SysfsKind Gpio{"/sys/class/gpio/export", "/sys/class/gpio/unexport", "unable to lock a gpio",
+                         "unable to release a gpio", true};
 
 const char* EdgeText(GpioEdge edge) {
     switch (edge) {
@@ -34,14 +30,6 @@ const char* EdgeText(GpioEdge edge) {
     }
 }
 
-bool WriteOrPrint(const std::string& path, const std::string& text, const char* failure) {
-    const bool written = DeviceFile::WriteText(path, text) == WriteResult::Written;
-    if (!written) {
-        PrintError(failure);
-    }
-    return written;
-}
-
 // The first two bytes of the value file: the level and a line end. Reading them also takes note of a pending edge.
 bool ReadValue(int descriptor, char& level) {
     std::array<char, 2> bytes{};
@@ -54,16 +42,16 @@ bool ReadValue(int descriptor, char& level) {
 
 }  // namespace
 
-GpioPin::GpioPin(std::uint32_t bank, std::uint32_t pin) : m_pin(pin), m_bank(bank) {
-    if (pin >= PinsPerBank) {
+GpioPin::GpioPin(PinAddress address) : m_address(address) {
+    if (address.pin >= PinsPerBank) {
         PrintOutput("wrong gpio pin");
         return;
     }
     Claim(INPUT_GPIO_MODE, NO_GPIO_EDGE);
 }
 
-GpioPin::GpioPin(std::uint32_t bank, std::uint32_t pin, GpioMode mode, GpioEdge edge) : m_pin(pin), m_bank(bank) {
-    if (pin >= PinsPerBank) {
+GpioPin::GpioPin(PinAddress address, GpioMode mode, GpioEdge edge) : m_address(address) {
+    if (address.pin >= PinsPerBank) {
         PrintError("wrong gpio pin");
         return;
     }
@@ -75,26 +63,16 @@ GpioPin::~GpioPin() { m_valid = Unexport(); }
 
 void GpioPin::Claim(GpioMode mode, GpioEdge edge) { m_valid = Export() && SetModeAndEdge(mode, edge); }
 
-bool GpioPin::Export() {
-    if (IsLocked()) {
-        return FailWithError(AlreadyUsed);
-    }
-    return WriteOrPrint(ExportFile, ExportNumber(), "unable to lock a gpio");
-}
+bool GpioPin::Export() { return SysfsClaim::Export(Gpio, Directory(), ExportNumber()); }
 
-bool GpioPin::Unexport() {
-    if (!IsLocked()) {
-        return FailWithError(NotUsedYet);
-    }
-    return WriteOrPrint(UnexportFile, ExportNumber(), "unable to release a gpio");
-}
+bool GpioPin::Unexport() { return SysfsClaim::Unexport(Gpio, Directory(), ExportNumber()); }
 
 bool GpioPin::SetDirection(GpioMode mode) {
     if (!IsLocked()) {
         return FailWithError(NotLockedYet);
     }
-    if (!WriteOrPrint(Directory() + "/direction", mode == OUTPUT_GPIO_MODE ? "out" : "in",
-                      "unable to set the gpio mode")) {
+    if (!SysfsClaim::Write(Gpio, Directory() + "/direction", mode == OUTPUT_GPIO_MODE ? "out" : "in",
+                           "unable to set the gpio mode")) {
         return false;
     }
     m_mode = mode;
@@ -105,7 +83,7 @@ bool GpioPin::SetEdge(GpioEdge edge) {
     if (!IsLocked()) {
         return FailWithError(NotLockedYet);
     }
-    if (!WriteOrPrint(Directory() + "/edge", EdgeText(edge), "unable to set the gpio trigger")) {
+    if (!SysfsClaim::Write(Gpio, Directory() + "/edge", EdgeText(edge), "unable to set the gpio trigger")) {
         return false;
     }
     m_edge = edge;
@@ -133,7 +111,8 @@ bool GpioPin::Write(std::int32_t level) {
     if (!IsLocked()) {
         return FailWithError(NotLockedYet);
     }
-    return WriteOrPrint(Directory() + "/value", level == HIGH_GPIO_LEVEL ? "1" : "0", "unable to set the gpio value");
+    return SysfsClaim::Write(Gpio, Directory() + "/value", level == HIGH_GPIO_LEVEL ? "1" : "0",
+                             "unable to set the gpio value");
 }
 
 GpioLevel GpioPin::WaitForEdge(std::int32_t milliseconds) const {
@@ -162,9 +141,25 @@ GpioLevel GpioPin::WaitForEdge(std::int32_t milliseconds) const {
 
 // The kernel of this board names the directory after the line, not after its number: pioA2, pioB15.
 std::string GpioPin::Directory() const {
-    return std::string(GpioDirectory) + "pio" + static_cast<char>('A' + m_bank) + std::to_string(m_pin);
+    return std::string(GpioDirectory) + "pio" + static_cast<char>('A' + m_address.bank) + std::to_string(m_address.pin);
 }
 
-std::string GpioPin::ExportNumber() const { return std::to_string(m_bank * PinsPerBank + m_pin); }
+std::string GpioPin::ExportNumber() const { return std::to_string(m_address.bank * PinsPerBank + m_address.pin); }
 
 bool GpioPin::IsLocked() const { return DeviceFile::DirectoryOpens(Directory()); }
+
+bool ClaimOutput(PinAddress address, std::unique_ptr<GpioPin>& line) {
+    line.reset();
+    line = std::make_unique<GpioPin>(address, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
+    return line->IsValid();
+}
+
+bool ClaimLowOutputs(std::span<const PinAddress> addresses, std::span<std::unique_ptr<GpioPin>> lines) {
+    for (std::size_t line = 0; line < lines.size(); ++line) {
+        lines[line].reset();
+        lines[line] = std::make_unique<GpioPin>(addresses[line]);
+    }
+    return std::all_of(lines.begin(), lines.end(), [](const std::unique_ptr<GpioPin>& line) {
+        return line->SetModeAndEdge(OUTPUT_GPIO_MODE, NO_GPIO_EDGE) && line->Write(LOW_GPIO_LEVEL);
+    });
+}

@@ -4,7 +4,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
+
+#include "Drivers/PinAddress.h"
 
 // What a line is for.
 enum GpioMode : std::int32_t {
@@ -29,14 +33,11 @@ enum GpioLevel : std::int32_t {
     ERROR_GPIO_LEVEL = 3,
 };
 
-// Of each of the processor's banks.
-inline constexpr std::uint32_t PinsPerBank = 32;
-
 class GpioPin {
 public:
     // An input without edge detection. Bank 0 to 3, pin 0 to 31.
-    GpioPin(std::uint32_t bank, std::uint32_t pin);
-    GpioPin(std::uint32_t bank, std::uint32_t pin, GpioMode mode, GpioEdge edge);
+    explicit GpioPin(PinAddress address);
+    GpioPin(PinAddress address, GpioMode mode, GpioEdge edge);
     GpioPin(const GpioPin&) = delete;
     GpioPin& operator=(const GpioPin&) = delete;
     ~GpioPin();
@@ -69,9 +70,14 @@ private:
     std::string ExportNumber() const;
     bool IsLocked() const;
 
-    std::uint32_t m_pin;
-    std::uint32_t m_bank;
+    PinAddress m_address;
     GpioMode m_mode = INPUT_GPIO_MODE;
     GpioEdge m_edge = NO_GPIO_EDGE;
     bool m_valid = false;
 };
+
+// Both give back first what the pointers hold. Claims one line as an output; false if that fails.
+bool ClaimOutput(PinAddress address, std::unique_ptr<GpioPin>& line);
+// Claims all lines, then makes each an output and drives it low, in this order; false at the first that fails. A line
+// that is claimed already counts: it is shared with the object that claimed it.
+bool ClaimLowOutputs(std::span<const PinAddress> addresses, std::span<std::unique_ptr<GpioPin>> lines);

@@ -22,42 +22,43 @@ constexpr PioRegisters Registers[] = {
     {0xFFFFFA30, 0xFFFFFA34, 0xFFFFFA18, 0xFFFFFA3C},
 };
 
-bool OpenFor(std::uint32_t bank, std::uint32_t pin, PhysicalMemory& memory) {
-    if (bank >= std::size(Registers) || pin >= PinsPerBank) {
+bool OpenFor(PinAddress address, PhysicalMemory& memory) {
+    if (address.bank >= std::size(Registers) || address.pin >= PinsPerBank) {
         return ReportError("MemoryMappedIO - Invalid GPIO pin", MEASUREMENT_ENGINE);
     }
     return memory.Open() || ReportError("MemoryMappedIO - 'Open' error", MEASUREMENT_ENGINE);
 }
 
-GpioLevel ReadBit(std::uint32_t bank, std::uint32_t pin, std::uint32_t PioRegisters::*status, GpioLevel onError) {
+GpioLevel ReadBit(PinAddress address, std::uint32_t PioRegisters::*status, GpioLevel onError) {
     PhysicalMemory memory;
-    if (!OpenFor(bank, pin, memory)) {
+    if (!OpenFor(address, memory)) {
         return onError;
     }
     std::uint32_t word = 0;
-    if (!memory.ReadWord(Registers[bank].*status, word)) {
+    if (!memory.ReadWord(Registers[address.bank].*status, word)) {
         ReportError("MemoryMappedIO - 'Read' error", MEASUREMENT_ENGINE);
         return onError;
     }
-    return (word >> pin & 1U) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL;
+    return (word >> address.pin & 1U) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL;
 }
 
 }  // namespace
 
-GpioLevel MemoryMappedIO::ReadPin(std::uint32_t bank, std::uint32_t pin) {
-    return ReadBit(bank, pin, &PioRegisters::dataStatus, ERROR_GPIO_LEVEL);
+GpioLevel MemoryMappedIO::ReadPin(PinAddress address) {
+    return ReadBit(address, &PioRegisters::dataStatus, ERROR_GPIO_LEVEL);
 }
 
-GpioLevel MemoryMappedIO::ReadOutput(std::uint32_t bank, std::uint32_t pin) {
-    return ReadBit(bank, pin, &PioRegisters::outputStatus, LOW_GPIO_LEVEL);
+GpioLevel MemoryMappedIO::ReadOutput(PinAddress address) {
+    return ReadBit(address, &PioRegisters::outputStatus, LOW_GPIO_LEVEL);
 }
 
-bool MemoryMappedIO::WritePin(std::uint32_t bank, std::uint32_t pin, std::uint32_t level) {
+bool MemoryMappedIO::WritePin(PinAddress address, std::uint32_t level) {
     PhysicalMemory memory;
-    if (!OpenFor(bank, pin, memory)) {
+    if (!OpenFor(address, memory)) {
         return false;
     }
-    const PioRegisters& registers = Registers[bank];
-    const std::uint32_t address = level != 0 ? registers.outputSet : registers.outputClear;
-    return memory.WriteWord(address, 1U << pin) || ReportError("MemoryMappedIO - 'Write' error", MEASUREMENT_ENGINE);
+    const PioRegisters& registers = Registers[address.bank];
+    const std::uint32_t place = level != 0 ? registers.outputSet : registers.outputClear;
+    return memory.WriteWord(place, 1U << address.pin) ||
+           ReportError("MemoryMappedIO - 'Write' error", MEASUREMENT_ENGINE);
 }

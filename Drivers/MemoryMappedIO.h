@@ -10,12 +10,12 @@
 namespace MemoryMappedIO {
 
 // Bank 0 to 3, pin 0 to 31. Low or high; ERROR_GPIO_LEVEL on failure.
-GpioLevel ReadPin(std::uint32_t bank, std::uint32_t pin);
+GpioLevel ReadPin(PinAddress address);
 
 // Low for level 0, high for any other. False on failure.
-bool WritePin(std::uint32_t bank, std::uint32_t pin, std::uint32_t level);
+bool WritePin(PinAddress address, std::uint32_t level);
 
 // The level that the output is driven to; low on failure too.
-GpioLevel ReadOutput(std::uint32_t bank, std::uint32_t pin);
+GpioLevel ReadOutput(PinAddress address);
 
 }  // namespace MemoryMappedIO

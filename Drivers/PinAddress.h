@@ -3,6 +3,9 @@
 
 #include <cstdint>
 
+// Of each bank.
+inline constexpr std::uint32_t PinsPerBank = 32;
+
 struct PinAddress {
     std::uint32_t bank = 0;
     std::uint32_t pin = 0;

@@ -4,39 +4,22 @@
 
 #include "Drivers/DeviceFile.h"
 #include "Drivers/Print.h"
+#include "Drivers/SysfsClaim.h"
 #include "Frameworks/Utilities/Truncate.h"
-
-using DeviceFile::WriteResult;
 
 namespace {
 
 constexpr const char* ChipDirectory = "/sys/class/pwm/pwmchip0/";
 constexpr const char* CountFile = "/sys/class/pwm/pwmchip0/npwm";
-constexpr const char* PwmExportFile = "/sys/class/pwm/pwmchip0/export";
-constexpr const char* PwmUnexportFile = "/sys/class/pwm/pwmchip0/unexport";
-
-constexpr const char* PwmAlreadyUsed = "already used\n";
-constexpr const char* PwmNotUsedYet = "not used yet\n";
-constexpr const char* PwmNotLockedYet = "not locked yet\n";
+// Only a missing file counts: a value that the kernel refuses goes unnoticed, since the callers rely on a channel that
+// goes on with a duty of 0.
+constexpr SysfsKind Pwm{"/sys/class/pwm/pwmchip0/export", "/sys/class/pwm/pwmchip0/unexport", "unable to lock a pwm",
+                        "unable to release a pwm", false};
 
 // Makes a digit that no channel has, so that a refused object meets no directory in its later operations.
 constexpr std::uint8_t NoChannel = 0xFF;
 
 constexpr float NanoSecondsPerSecond = 1e9F;
-
-// Only a missing file counts: a value that the kernel refuses goes unnoticed, since the callers count on a channel that
-// goes on with a duty of 0.
-bool WriteIfThere(const std::string& path, const std::string& text) {
-    return DeviceFile::WriteText(path, text) != WriteResult::NotOpened;
-}
-
-bool PwmWriteOrPrint(const std::string& path, const std::string& text, const char* failure) {
-    const bool written = WriteIfThere(path, text);
-    if (!written) {
-        PrintError(failure);
-    }
-    return written;
-}
 
 }  // namespace
 
@@ -73,30 +56,20 @@ std::uint32_t PwmChannel::ChannelCount() {
     return word.empty() ? 0U : static_cast<unsigned char>(word.front());
 }
 
-bool PwmChannel::Export() {
-    if (DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(PwmAlreadyUsed);
-    }
-    return PwmWriteOrPrint(PwmExportFile, Digit(), "unable to lock a pwm");
-}
+bool PwmChannel::Export() { return SysfsClaim::Export(Pwm, Directory(), Digit()); }
 
-bool PwmChannel::Unexport() {
-    if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(PwmNotUsedYet);
-    }
-    return PwmWriteOrPrint(PwmUnexportFile, Digit(), "unable to release a pwm");
-}
+bool PwmChannel::Unexport() { return SysfsClaim::Unexport(Pwm, Directory(), Digit()); }
 
 bool PwmChannel::Enable(bool on) {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithOutput(PwmNotLockedYet);
+        return FailWithOutput(NotLockedYet);
     }
-    return PwmWriteOrPrint(Directory() + "/enable", on ? "1" : "0", "unable to enable a pwm");
+    return SysfsClaim::Write(Pwm, Directory() + "/enable", on ? "1" : "0", "unable to enable a pwm");
 }
 
 bool PwmChannel::IsEnabled() const {
     if (!DeviceFile::DirectoryOpens(Directory())) {
-        return FailWithError(PwmNotLockedYet);
+        return FailWithError(NotLockedYet);
     }
     std::string text;
     return !DeviceFile::ReadText(Directory() + "/enable", text) || DeviceFile::FirstWord(text) == "1";
@@ -105,7 +78,7 @@ bool PwmChannel::IsEnabled() const {
 bool PwmChannel::Set(float frequency, float dutyCycle) {
     const bool locked = DeviceFile::DirectoryOpens(Directory());
     if (!locked) {
-        PrintError(PwmNotLockedYet);
+        PrintError(NotLockedYet);
     }
     if (!locked || (IsEnabled() && !Enable(false))) {
         return FailWithError("unable to set pwm frequency");
@@ -117,16 +90,18 @@ bool PwmChannel::Set(float frequency, float dutyCycle) {
 bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
     const std::string dutyFile = Directory() + "/duty_cycle";
     // The kernel refuses a period below the duty that it has.
-    if (!PwmWriteOrPrint(dutyFile, "0", "unable to reset pwm duty cycle")) {
+    if (!SysfsClaim::Write(Pwm, dutyFile, "0", "unable to reset pwm duty cycle")) {
         return false;
     }
     const float period = NanoSecondsPerSecond / frequency;
     // A chip without periods is left disabled, and that counts as set.
-    if (!WriteIfThere(Directory() + "/period", std::to_string(TruncateTo<std::int32_t>(period)))) {
+    if (DeviceFile::WriteText(Directory() + "/period", std::to_string(TruncateTo<std::int32_t>(period))) ==
+        DeviceFile::WriteResult::NotOpened) {
         return true;
     }
     const float duty = dutyCycle * period / HighestDutyCycle;
-    if (!PwmWriteOrPrint(dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)), "unable to set pwm duty cycle")) {
+    if (!SysfsClaim::Write(Pwm, dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)),
+                           "unable to set pwm duty cycle")) {
         return false;
     }
     return Enable(true);

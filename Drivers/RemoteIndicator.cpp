@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Drivers/Board.h"
 #include "Drivers/Demultiplexer.h"
-#include "Drivers/PinAddress.h"
 #include "Frameworks/Utilities/Report.h"
 
 namespace {
@@ -14,9 +14,6 @@ constexpr std::int32_t Volume = 95;  // percent
 
 constexpr float GoodLEDVolts = 0.5F;  // what a lit LED has to exceed
 constexpr int GoodLEDsOfGoodIndicator = 3;
-
-constexpr std::uint32_t LoopVoltageChannel = 0;
-constexpr std::uint32_t LoopCurrentChannel = 2;
 
 // The LEDs as a set: the bit of an LED's number.
 enum LED : std::uint32_t {
@@ -33,27 +30,32 @@ enum LED : std::uint32_t {
 
 // The multiplexer channel with an LED's sense voltage, by the LED's number.
 constexpr std::uint32_t SenseChannels[] = {
-    2,  // blue analyzer
-    1,  // amber analyzer
-    6,  // red analyzer
-    3,  // blue water
-    4,  // amber water
-    5,  // red water
+    OnBoard::BlueAnalyzerSenseChannel,   //
+    OnBoard::AmberAnalyzerSenseChannel,  //
+    OnBoard::RedAnalyzerSenseChannel,    //
+    OnBoard::BlueWaterSenseChannel,      //
+    OnBoard::AmberWaterSenseChannel,     //
+    OnBoard::RedWaterSenseChannel,       //
 };
 
-struct LineRow {
-    PinAddress address;
-    LED led;
+// In order of creation.
+constexpr PinAddress Lines[] = {
+    OnBoard::AmberAnalyzerLine,  //
+    OnBoard::BlueWaterLine,      //
+    OnBoard::RedWaterLine,       //
+    OnBoard::BlueAnalyzerLine,   //
+    OnBoard::AmberWaterLine,     //
+    OnBoard::RedAnalyzerLine,    //
 };
 
-// In order of creation. A high line lights its LED.
-constexpr LineRow LineRows[] = {
-    {{3, 16}, AMBER_ANALYZER_LED},  //
-    {{3, 18}, BLUE_WATER_LED},      //
-    {{3, 20}, RED_WATER_LED},       //
-    {{3, 17}, BLUE_ANALYZER_LED},   //
-    {{3, 19}, AMBER_WATER_LED},     //
-    {{3, 21}, RED_ANALYZER_LED},    //
+// The LED of each line. A high line lights it.
+constexpr LED LineLEDs[] = {
+    AMBER_ANALYZER_LED,  //
+    BLUE_WATER_LED,      //
+    RED_WATER_LED,       //
+    BLUE_ANALYZER_LED,   //
+    AMBER_WATER_LED,     //
+    RED_ANALYZER_LED,    //
 };
 
 enum Sound { NO_SOUND, ALERT_SOUND, ALARM_SOUND };
@@ -83,7 +85,7 @@ constexpr std::uint32_t ColorCount = std::size(ColorRows);
 
 bool MeasureLED(std::uint32_t led, float& volts) {
     Demultiplexer demultiplexer;
-    if (!demultiplexer.Init(BoardDemultiplexerLines)) {
+    if (!demultiplexer.Init(OnBoard::MultiplexerLines)) {
         return ReportError("RemoteIndicator::LEDIsGood - demux could not be initialized!", REMOTE_INDICATOR_CONTROL);
     }
     return demultiplexer.ReadVoltage(SenseChannels[std::min(led, LEDCount - 1)], volts) ||
@@ -92,33 +94,22 @@ bool MeasureLED(std::uint32_t led, float& volts) {
 
 bool MeasureLoop(float& senseVolts, float& loopVolts) {
     Demultiplexer demultiplexer;
-    return demultiplexer.Init(BoardDemultiplexerLines) && demultiplexer.ReadVoltage(LoopCurrentChannel, senseVolts) &&
-           demultiplexer.ReadVoltage(LoopVoltageChannel, loopVolts);
+    return demultiplexer.Init(OnBoard::MultiplexerLines) &&
+           demultiplexer.ReadVoltage(OnBoard::LoopCurrentChannel, senseVolts) &&
+           demultiplexer.ReadVoltage(OnBoard::LoopVoltageChannel, loopVolts);
 }
 
 }  // namespace
 
 bool RemoteIndicator::Init(const RemoteIndicatorSettings& settings) {
     m_settings = settings;
-    m_valid = SetUnmuted(true) && SetVolume(Volume, Volume) && MakeLines();
+    m_valid = SetUnmuted(true) && SetVolume(Volume, Volume) && ClaimLowOutputs(Lines, m_lines);
     return m_valid || ReportError("RemoteIndicator::Init Configuring visual or audio failed", REMOTE_INDICATOR_CONTROL);
-}
-
-// All are claimed before the first is set up. A line that something else in this process has claimed is shared with it.
-bool RemoteIndicator::MakeLines() {
-    static_assert(std::size(LineRows) == LineCount);
-    for (std::size_t line = 0; line < LineCount; ++line) {
-        m_lines[line].reset();
-        m_lines[line] = std::make_unique<GpioPin>(LineRows[line].address.bank, LineRows[line].address.pin);
-    }
-    return std::all_of(m_lines.begin(), m_lines.end(), [](const std::unique_ptr<GpioPin>& line) {
-        return line->SetModeAndEdge(OUTPUT_GPIO_MODE, NO_GPIO_EDGE) && line->Write(LOW_GPIO_LEVEL);
-    });
 }
 
 bool RemoteIndicator::WriteLines(std::uint32_t lit) {
     for (std::size_t line = 0; line < LineCount; ++line) {
-        if (!m_lines[line]->Write((lit & LineRows[line].led) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL)) {
+        if (!m_lines[line]->Write((lit & LineLEDs[line]) != 0 ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL)) {
             return false;
         }
     }

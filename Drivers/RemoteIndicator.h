@@ -40,7 +40,6 @@ public:
 private:
     static constexpr int LineCount = 6;
 
-    bool MakeLines();
     bool WriteLines(std::uint32_t lit);
     void ChooseSound(std::uint32_t code);
     bool ComputeCableLength(float& feet) const;

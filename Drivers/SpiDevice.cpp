@@ -9,14 +9,13 @@
 #include <cstddef>
 #include <span>
 
+#include "Drivers/Board.h"
 #include "Drivers/Print.h"
 
 namespace {
 
-constexpr const char* DefaultPath = "/dev/spidev32765.1";
-
 // The most transfers that fit in the length field of one request.
-constexpr std::size_t MostTransfers = ((1U << _IOC_SIZEBITS) - 1) / sizeof(spi_ioc_transfer);
+constexpr std::size_t MaxTransfers = ((1U << _IOC_SIZEBITS) - 1) / sizeof(spi_ioc_transfer);
 constexpr const char* TransferFailure = "Problem transmitting spi data..ioctl";
 
 std::uint64_t KernelAddress(void* pointer) { return reinterpret_cast<std::uintptr_t>(pointer); }
@@ -36,7 +35,7 @@ bool Send(int descriptor, spi_ioc_transfer* transfers, std::size_t count) {
 
 }  // namespace
 
-SpiDevice::SpiDevice() { m_isOpen = Open(DefaultPath); }
+SpiDevice::SpiDevice() { m_isOpen = Open(OnBoard::ConverterDevice); }
 
 SpiDevice::SpiDevice(const std::string& path, std::uint8_t mode, std::uint32_t speed, std::uint8_t bitsPerWord)
     : m_mode(mode), m_bitsPerWord(bitsPerWord), m_speed(speed) {
@@ -103,10 +102,10 @@ bool SpiDevice::Transfer(void* buffer, std::uint32_t length) const {
 bool SpiDevice::TransferWords(void* buffer, std::uint32_t length) const {
     const std::uint32_t wordSize = m_bitsPerWord < 9 ? 1 : 2;
     const std::size_t count = length / wordSize;
-    if (length % wordSize != 0 || count > MostTransfers) {
+    if (length % wordSize != 0 || count > MaxTransfers) {
         return FailWithError(TransferFailure);
     }
-    std::array<spi_ioc_transfer, MostTransfers> transfers{};
+    std::array<spi_ioc_transfer, MaxTransfers> transfers{};
     auto* word = static_cast<std::byte*>(buffer);
     for (spi_ioc_transfer& transfer : std::span(transfers).first(count)) {
         transfer.tx_buf = KernelAddress(word);

@@ -17,9 +17,7 @@ bool IsInRange(float dutyCycle, float frequency) {
 }
 
 bool MakeOutput(std::unique_ptr<GpioPin>& line, PinAddress address, std::int32_t level) {
-    line.reset();
-    line = std::make_unique<GpioPin>(address.bank, address.pin, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
-    return line->IsValid() && line->Write(level);
+    return ClaimOutput(address, line) && line->Write(level);
 }
 
 }  // namespace

@@ -20,15 +20,10 @@ StepperDriverMotor::~StepperDriverMotor() {
     }
 }
 
-bool StepperDriverMotor::SetUpCurrentLimit(PinAddress bit0, PinAddress bit1, PinAddress bit2,
-                                           std::uint32_t initialLimit) {
-    const std::array<PinAddress, 3> addresses{bit0, bit1, bit2};
+bool StepperDriverMotor::SetUpCurrentLimit(const std::array<PinAddress, 3>& lines, std::uint32_t initialLimit) {
     bool areOutputs = true;
-    for (std::size_t bit = 0; bit < addresses.size(); ++bit) {
-        m_limitPins[bit].reset();
-        m_limitPins[bit] =
-            std::make_unique<GpioPin>(addresses[bit].bank, addresses[bit].pin, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
-        areOutputs = m_limitPins[bit]->IsValid() && areOutputs;
+    for (std::size_t bit = 0; bit < lines.size(); ++bit) {
+        areOutputs = ClaimOutput(lines[bit], m_limitPins[bit]) && areOutputs;
     }
     if (!areOutputs) {
         PrintOutput("Setting current limit GPIO pin(s) to outputs failed");

@@ -19,7 +19,7 @@ public:
     ~StepperDriverMotor();
 
     // The lines of bit 0, bit 1 and bit 2. True if the object is valid.
-    bool SetUpCurrentLimit(PinAddress bit0, PinAddress bit1, PinAddress bit2, std::uint32_t initialLimit);
+    bool SetUpCurrentLimit(const std::array<PinAddress, 3>& lines, std::uint32_t initialLimit);
     // 1 to 7; any other limit counts as 0.
     bool SetCurrentLimit(std::uint32_t limit);
 

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Drivers/Board.h"
 #include "Drivers/DeviceFile.h"
 #include "Drivers/GpioPin.h"
 #include "Frameworks/Storage/FileStatus.h"
@@ -26,8 +27,6 @@ constexpr char MountTable[] = "/etc/mtab";
 constexpr char DefaultMountPath[] = "/mnt/sd-card";
 constexpr char DeviceDirectory[] = "/dev";
 constexpr mode_t DirectoryMode = 0700;
-constexpr unsigned SwitchBank = 3;
-constexpr unsigned SwitchPin = 9;
 constexpr std::uint8_t MaxPercent = 99;
 constexpr std::size_t MountLineSize = 4096;
 constexpr std::size_t MountTablePiece = 1024;
@@ -98,7 +97,7 @@ bool SDCard::SetMountPath(const StdString& path) {
     return true;
 }
 
-bool SDCard::IsSwitchSet() const { return IsPresent() && GpioPin(SwitchBank, SwitchPin).Read() == HIGH_GPIO_LEVEL; }
+bool SDCard::IsSwitchSet() const { return IsPresent() && GpioPin(OnBoard::CardSwitch).Read() == HIGH_GPIO_LEVEL; }
 
 std::int64_t SDCard::GetTotalBytes() {
     struct statfs64 space {};

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <optional>
 
+#include "Drivers/Board.h"
 #include "Drivers/Demultiplexer.h"
 #include "Drivers/StepperDriverMotor.h"
 #include "Frameworks/Messaging/MessageController.h"
@@ -29,46 +30,36 @@ constexpr Test Tests[] = {
 static_assert(BOARD_VOLTAGES_TEST + std::size(Tests) == ALL_HARDWARE_TESTS);
 
 struct Rail {
-    int channel;
+    std::uint32_t channel;
     float low;   // volts; a rail exactly on a limit passes
     float high;  // volts
     const char* failure;
 };
 
 constexpr Rail Rails[] = {
-    {9, 2.9F, 3.4F, "3.3V is outside of limits!"},
-    {10, 1.6F, 2.0F, "1.8V is outside of limits!"},
-    {12, 0.8F, 1.2F, "1.0V is outside of limits!"},
-    {11, 0.8F, 1.2F, "Core 1.0V is outside of limits!"},
+    {OnBoard::Rail3V3Channel, 2.9F, 3.4F, "3.3V is outside of limits!"},
+    {OnBoard::Rail1V8Channel, 1.6F, 2.0F, "1.8V is outside of limits!"},
+    {OnBoard::Rail1V0Channel, 0.8F, 1.2F, "1.0V is outside of limits!"},
+    {OnBoard::RailCore1V0Channel, 0.8F, 1.2F, "Core 1.0V is outside of limits!"},
 };
-
-// The supply current as a voltage: it rises with the load of the motors and of the audio amplifier.
-constexpr std::uint32_t MeasureChannel = 7;
 
 constexpr char AlertFile[] = "alert.wav";
 constexpr unsigned SecondsOfAlert = 1;
 constexpr float AmplifierRise = 1e-6F;  // volts; an equal rise passes
 
-struct CurrentLimit {
-    PinAddress bit0;
-    PinAddress bit1;
-    PinAddress bit2;
-    std::uint32_t setting;
-};
-
 struct MotorStage {
     std::uint8_t channel;  // PWM
     std::optional<PinAddress> direction;
     PinAddress enable;
-    std::optional<CurrentLimit> limit;
     float rise;  // volts; an equal rise fails
 };
 
-constexpr MotorStage ReagentStage{1, PinAddress{0, 3}, {0, 2}, CurrentLimit{{0, 4}, {0, 5}, {0, 6}, 7}, 0.5F};
-constexpr MotorStage StirStage{2, std::nullopt, {1, 15}, std::nullopt, 0.03F};
+constexpr MotorStage ReagentStage{OnBoard::PumpPwm, OnBoard::PumpDirection, OnBoard::PumpEnable, 0.5F};
+constexpr MotorStage StirStage{OnBoard::StirPwm, std::nullopt, OnBoard::StirEnable, 0.03F};
 
 constexpr float MotorDutyCycle = 50.0F;    // percent
 constexpr float MotorFrequency = 1000.0F;  // hertz
+constexpr std::uint32_t MotorCurrentLimit = 7;
 
 // The origin is SystemControl: the analyzer's status is that of the whole system.
 void RequestAmberAnalyzer() {
@@ -93,7 +84,8 @@ bool IsWithinLimits(const Rail& rail, const std::list<float>& voltages) {
 
 bool ReadMeasure(float& volts) {
     Demultiplexer demultiplexer;
-    return demultiplexer.Init(BoardDemultiplexerLines) && demultiplexer.ReadVoltage(MeasureChannel, volts);
+    return demultiplexer.Init(OnBoard::MultiplexerLines) &&
+           demultiplexer.ReadVoltage(OnBoard::SupplyLoadChannel, volts);
 }
 
 bool SetUp(StepperDriverBase& motor, const MotorStage& stage) {
@@ -101,25 +93,20 @@ bool SetUp(StepperDriverBase& motor, const MotorStage& stage) {
 }
 
 bool SetUp(StepperDriverMotor& motor, const MotorStage& stage) {
-    const CurrentLimit& limit = *stage.limit;
     return SetUp(static_cast<StepperDriverBase&>(motor), stage) &&
-           motor.SetUpCurrentLimit(limit.bit0, limit.bit1, limit.bit2, limit.setting);
+           motor.SetUpCurrentLimit(OnBoard::PumpCurrentLimit, OnBoard::PumpInitialLimit);
 }
 
-bool Start(StepperDriverBase& motor, const MotorStage& /*stage*/) {
-    return motor.Start(MotorDutyCycle, MotorFrequency);
-}
+bool Start(StepperDriverBase& motor) { return motor.Start(MotorDutyCycle, MotorFrequency); }
 
-bool Start(StepperDriverMotor& motor, const MotorStage& stage) {
-    return motor.StartMotor(MotorDutyCycle, MotorFrequency, stage.limit->setting);
-}
+bool Start(StepperDriverMotor& motor) { return motor.StartMotor(MotorDutyCycle, MotorFrequency, MotorCurrentLimit); }
 
 template <typename Motor>
 bool MeasureRise(const MotorStage& stage, float& rise) {
     Motor motor(stage.channel);
     float idle = 0.0F;
     float running = 0.0F;
-    if (!SetUp(motor, stage) || !motor.Stop() || !ReadMeasure(idle) || !Start(motor, stage)) {
+    if (!SetUp(motor, stage) || !motor.Stop() || !ReadMeasure(idle) || !Start(motor)) {
         return false;
     }
     const bool isRead = ReadMeasure(running);
@@ -164,7 +151,7 @@ bool HardwareTests::Run(std::int32_t selector) {
 
 bool HardwareTests::CheckBoardVoltages() {
     Demultiplexer demultiplexer;
-    if (!demultiplexer.Init(BoardDemultiplexerLines)) {
+    if (!demultiplexer.Init(OnBoard::MultiplexerLines)) {
         return ReportError("DeviceMonitor::CheckBoardVoltages - Initializing demux failed!", DEVICE_MONITOR);
     }
     if (!demultiplexer.ReadAllVoltages(m_voltages)) {

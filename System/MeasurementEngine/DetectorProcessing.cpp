@@ -4,15 +4,15 @@
 
 #include <algorithm>
 
+#include "Drivers/ConverterWord.h"
 #include "Drivers/SpiDevice.h"
 #include "Frameworks/Utilities/TimeSpec.h"
 #include "System/MeasurementEngine/SampleStatistics.h"
 
 namespace {
 
-constexpr std::uint16_t DetectorCommand = 0x1410U << 3U;  // channel 0
-constexpr useconds_t ConversionTime = 250000;             // microseconds
-constexpr std::uint32_t NoReading = 0xFFFFFFFF;
+constexpr std::uint16_t DetectorCommand = ConverterCommandWord(0);
+constexpr useconds_t ConversionTime = 250000;  // microseconds
 
 std::uint32_t WordOf(const std::uint16_t (&words)[2]) { return (std::uint32_t{words[0]} << 16U) | words[1]; }
 
@@ -34,13 +34,7 @@ std::vector<double> CountsOf(const DetectorSamples& samples) {
 }  // namespace
 
 std::int32_t CountOfDetectorWord(std::uint32_t word) {
-    if (word == NoReading) {
-        return 0;
-    }
-    constexpr std::uint32_t PositiveBit = 1U << 24U;
-    const std::uint32_t reading = word >> 5U;
-    const auto magnitude = static_cast<std::int32_t>(reading & (PositiveBit - 1U));
-    return (reading & PositiveBit) != 0 ? magnitude : magnitude - static_cast<std::int32_t>(PositiveBit);
+    return word == NoConverterReading ? 0 : ConverterCount(ConverterReading(word));
 }
 
 void DetectorProcessing::SetStep(const StepParameters* step) {
@@ -74,7 +68,7 @@ std::uint32_t DetectorProcessing::ReadRawWord() {
     words[1] = 0;
     m_device->Read(words, sizeof words);
     const std::uint32_t word = WordOf(words);
-    return word == sent ? NoReading : word;  // the bus gave back the command
+    return word == sent ? NoConverterReading : word;  // the bus gave back the command
 }
 
 double DetectorProcessing::GetRawMean() const { return RawMean(CountsOf(m_samples)); }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "Drivers/Adc24BitDriver.h"
+#include "Drivers/Board.h"
 #include "Drivers/Demultiplexer.h"
 #include "Drivers/GpioPin.h"
 #include "Drivers/MemoryMappedIO.h"
@@ -49,7 +50,7 @@ std::int32_t ReadConverter(std::uint32_t channel) {
 // Millivolts.
 std::int32_t ReadMultiplexer(std::uint32_t channel) {
     Demultiplexer demultiplexer;
-    demultiplexer.Init(BoardDemultiplexerLines);
+    demultiplexer.Init(OnBoard::MultiplexerLines);
     float voltage = 0.0F;
     if (!demultiplexer.ReadVoltage(channel, voltage)) {
         return 0;
@@ -120,7 +121,7 @@ StdString WritePin(std::uint32_t id, bool value) {
     if (id / PinsPerBank >= BankCount) {
         return {};
     }
-    GpioPin pin(id / PinsPerBank, id % PinsPerBank, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
+    GpioPin pin({id / PinsPerBank, id % PinsPerBank}, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
     if (!pin.Write(value ? HIGH_GPIO_LEVEL : LOW_GPIO_LEVEL)) {
         return {};
     }
@@ -150,7 +151,7 @@ bool LIFTAnalogInput(const AdcStatusMessage* request) {
 void LIFTDigitalInput(const TestDigitalInputPinsMessage& request) {
     const std::uint32_t bank = request.GetPinId() / PinsPerBank;
     const GpioLevel level =
-        bank < BankCount ? MemoryMappedIO::ReadPin(bank, request.GetPinId() % PinsPerBank) : ERROR_GPIO_LEVEL;
+        bank < BankCount ? MemoryMappedIO::ReadPin({bank, request.GetPinId() % PinsPerBank}) : ERROR_GPIO_LEVEL;
     auto answer = TryMake<TestDigitalInputPinsMessage>();
     if (answer != nullptr) {
         answer->SetValues({static_cast<char>('0' + level)});

@@ -1,4 +1,5 @@
-// The hardware of a cycle and its workers: what stands on which line of the board.
+// The hardware of a cycle and its workers.
+#include "Drivers/Board.h"
 #include "Drivers/PwmChannel.h"
 #include "Drivers/SpiDevice.h"
 #include "Drivers/StepperDriverMotor.h"
@@ -15,25 +16,11 @@
 
 namespace {
 
-constexpr std::uint8_t PumpChannel = 1;
-constexpr PinAddress PumpEnable{0, 2};
-constexpr PinAddress PumpDirection{0, 3};
-constexpr PinAddress PumpLimitBit0{0, 4};
-constexpr PinAddress PumpLimitBit1{0, 5};
-constexpr PinAddress PumpLimitBit2{0, 6};
-constexpr std::uint32_t PumpInitialLimit = 7;
-
-constexpr std::uint8_t StirChannel = 2;
-constexpr PinAddress StirEnable{1, 15};
-
-constexpr std::uint8_t ValveChannel = 3;
-constexpr std::uint16_t ValveFrequency = 1000;  // hertz
-
 std::unique_ptr<StepperDriverMotor> MakePumpMotor() {
-    auto motor = TryMake<StepperDriverMotor>(PumpChannel);
+    auto motor = TryMake<StepperDriverMotor>(OnBoard::PumpPwm);
     if (motor != nullptr) {
-        motor->SetUpPins(PumpEnable, PumpDirection);
-        motor->SetUpCurrentLimit(PumpLimitBit0, PumpLimitBit1, PumpLimitBit2, PumpInitialLimit);
+        motor->SetUpPins(OnBoard::PumpEnable, OnBoard::PumpDirection);
+        motor->SetUpCurrentLimit(OnBoard::PumpCurrentLimit, OnBoard::PumpInitialLimit);
     }
     return motor;
 }
@@ -130,7 +117,7 @@ bool MeasurementStepController::InitializeReAgentDeliverySystem() {
 
 bool MeasurementStepController::InitializeSampleDeliverySystem() {
     ReleaseSampleDeliverySystem();
-    auto valve = TryMake<ValvePWM>(ValveChannel, ValveFrequency);
+    auto valve = TryMake<ValvePWM>(OnBoard::ValvePwm, OnBoard::ValveFrequency);
     if (valve != nullptr) {
         if (!valve->Initialize()) {
             LogError(
@@ -151,9 +138,9 @@ bool MeasurementStepController::InitializeSampleDeliverySystem() {
 
 bool MeasurementStepController::InitializeStirBarSystem() {
     ReleaseStirBarSystem();
-    auto motor = TryMake<StepperDriverBase>(StirChannel);
+    auto motor = TryMake<StepperDriverBase>(OnBoard::StirPwm);
     if (motor != nullptr) {
-        motor->SetUpEnablePin(StirEnable);
+        motor->SetUpEnablePin(OnBoard::StirEnable);
     }
     return MakeSystem(
         std::move(motor), m_stirMotor, m_stir, &StirBarProcessing::SetMotor,

@@ -7,10 +7,12 @@
 
 namespace {
 
+constexpr DemultiplexerLines Lines{{{2, 27}, {2, 28}, {2, 31}, {3, 10}}};
+
 class Mux : public DriverTest {
 protected:
     static void MakeReady(Demultiplexer& mux) {
-        EXPECT_TRUE(mux.Init(BoardDemultiplexerLines));
+        EXPECT_TRUE(mux.Init(Lines));
         TakeTrace();
     }
 
@@ -34,7 +36,7 @@ using Log = std::vector<LogCall>;
 
 TEST_F(Mux, the_lines_are_claimed_first_and_then_made_outputs_that_are_low) {
     Demultiplexer mux;
-    EXPECT_EQ(PrintedBy([&mux] { EXPECT_TRUE(mux.Init(BoardDemultiplexerLines)); }), Silence);
+    EXPECT_EQ(PrintedBy([&mux] { EXPECT_TRUE(mux.Init(Lines)); }), Silence);
     EXPECT_EQ(TakeTrace(), (Texts{"/sys/class/gpio/export=91",
                                   "/sys/class/gpio/pioC27/direction=in",
                                   "/sys/class/gpio/pioC27/edge=none",
@@ -67,7 +69,7 @@ TEST_F(Mux, the_end_releases_the_lines) {
         Demultiplexer mux;
         MakeReady(mux);
     }
-    for (const PinAddress& line : BoardDemultiplexerLines) {
+    for (const PinAddress& line : Lines) {
         EXPECT_FALSE(Board().Pin(static_cast<int>(line.bank), static_cast<int>(line.pin)).claimed);
     }
     EXPECT_EQ(TakeTrace().size(), 4U);
@@ -76,8 +78,7 @@ TEST_F(Mux, the_end_releases_the_lines) {
 TEST_F(Mux, a_line_that_cannot_be_set_up_ends_the_setting_up_and_is_logged) {
     SetFault("write-refused=pioC28/value");
     Demultiplexer mux;
-    EXPECT_EQ(PrintedBy([&mux] { EXPECT_FALSE(mux.Init(BoardDemultiplexerLines)); }),
-              OnError("unable to set the gpio value"));
+    EXPECT_EQ(PrintedBy([&mux] { EXPECT_FALSE(mux.Init(Lines)); }), OnError("unable to set the gpio value"));
     EXPECT_EQ(TakeLog(), (Log{InitFailed}));
     EXPECT_EQ(TakeTrace().back(), "/sys/class/gpio/pioC28/value=0 !EIO");
     EXPECT_FALSE(mux.SelectChannel(0));
@@ -87,7 +88,7 @@ TEST_F(Mux, without_the_pin_files_setting_up_fails) {
     SetFault("gpio-missing");
     PrintedBy([this] {
         Demultiplexer mux;
-        EXPECT_FALSE(mux.Init(BoardDemultiplexerLines));
+        EXPECT_FALSE(mux.Init(Lines));
         EXPECT_EQ(TakeLog(), (Log{InitFailed}));
     });
 }
@@ -97,7 +98,7 @@ TEST_F(Mux, lines_that_another_test_holds_are_shared) {
     MakeReady(first);
     PrintedBy([&first] {
         Demultiplexer second;
-        EXPECT_TRUE(second.Init(BoardDemultiplexerLines));
+        EXPECT_TRUE(second.Init(Lines));
         EXPECT_TRUE(second.SelectChannel(3));
         EXPECT_TRUE(first.SelectChannel(4));
     });
@@ -109,7 +110,7 @@ TEST_F(Mux, the_test_that_ends_first_takes_shared_lines_away) {
     MakeReady(*first);
     PrintedBy([] {
         Demultiplexer second;
-        second.Init(BoardDemultiplexerLines);
+        second.Init(Lines);
     });
     EXPECT_EQ(PrintedBy([&first] { EXPECT_FALSE(first->SelectChannel(4)); }), OnError("not locked yet\n"));
     EXPECT_EQ(TakeLog(), (Log{SelectFailed}));

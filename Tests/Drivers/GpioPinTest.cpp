@@ -12,8 +12,8 @@ protected:
     static constexpr std::uint32_t Bank = 1;
     static constexpr std::uint32_t Pin = 15;
 
-    static GpioPin Output() { return {Bank, Pin, OUTPUT_GPIO_MODE, NO_GPIO_EDGE}; }
-    static GpioPin EdgeInput() { return {Bank, Pin, EDGE_GPIO_MODE, BOTH_GPIO_EDGE}; }
+    static GpioPin Output() { return {{Bank, Pin}, OUTPUT_GPIO_MODE, NO_GPIO_EDGE}; }
+    static GpioPin EdgeInput() { return {{Bank, Pin}, EDGE_GPIO_MODE, BOTH_GPIO_EDGE}; }
 
     // What a wait sees when the line changes as soon as it waits.
     static GpioLevel WaitWhileDriven(const GpioPin& pin, bool level) {
@@ -33,7 +33,7 @@ const GpioLevel EveryBitOfALevel[] = {LOW_GPIO_LEVEL, HIGH_GPIO_LEVEL};
 }  // namespace
 
 TEST_F(Gpio, a_pin_is_an_input_without_edge_detection_unless_told_otherwise) {
-    const GpioPin pin(Bank, Pin);
+    const GpioPin pin({Bank, Pin});
     EXPECT_TRUE(pin.IsValid());
     EXPECT_EQ(pin.GetMode(), INPUT_GPIO_MODE);
     EXPECT_EQ(pin.GetEdge(), NO_GPIO_EDGE);
@@ -67,14 +67,14 @@ TEST_F(Gpio, each_bank_has_its_letter_and_its_range_of_numbers) {
     };
     for (const auto& row : rows) {
         TakeTrace();
-        const GpioPin pin(row.bank, row.pin);
+        const GpioPin pin({row.bank, row.pin});
         EXPECT_EQ(TakeTrace(), row.trace);
     }
 }
 
 TEST_F(Gpio, the_destructor_releases_the_pin) {
     EXPECT_EQ(PrintedBy([] {
-                  const GpioPin pin(Bank, Pin);
+                  const GpioPin pin({Bank, Pin});
                   TakeTrace();
               }),
               Silence);
@@ -86,7 +86,10 @@ TEST_F(Gpio, a_second_claim_in_the_same_process_is_refused_and_touches_nothing) 
     const GpioPin first = Output();
     TakeTrace();
     std::unique_ptr<GpioPin> second;
-    EXPECT_EQ(PrintedBy([&second] { second = std::make_unique<GpioPin>(Bank, Pin); }), OnError("already used\n"));
+    EXPECT_EQ(PrintedBy([&second] {
+                  second = std::make_unique<GpioPin>(PinAddress{Bank, Pin});
+              }),
+              OnError("already used\n"));
     EXPECT_FALSE(second->IsValid());
     EXPECT_TRUE(first.IsValid());
     EXPECT_EQ(TakeTrace(), Texts{});
@@ -105,7 +108,7 @@ TEST_F(Gpio, the_end_of_a_refused_claim_releases_the_pin_of_the_other) {
 
 TEST_F(Gpio, a_pin_above_31_is_refused_on_the_output_when_nothing_else_is_said) {
     std::unique_ptr<GpioPin> pin;
-    EXPECT_EQ(PrintedBy([&pin] { pin = std::make_unique<GpioPin>(0, 32); }), OnOutput("wrong gpio pin"));
+    EXPECT_EQ(PrintedBy([&pin] { pin = std::make_unique<GpioPin>(PinAddress{0, 32}); }), OnOutput("wrong gpio pin"));
     EXPECT_FALSE(pin->IsValid());
     EXPECT_EQ(TakeTrace(), Texts{});
     EXPECT_EQ(PrintedBy([&pin] { pin.reset(); }), OnError("not used yet\n"));
@@ -113,7 +116,9 @@ TEST_F(Gpio, a_pin_above_31_is_refused_on_the_output_when_nothing_else_is_said) 
 
 TEST_F(Gpio, a_pin_above_31_is_refused_on_the_error_stream_with_mode_and_edge) {
     std::unique_ptr<GpioPin> pin;
-    EXPECT_EQ(PrintedBy([&pin] { pin = std::make_unique<GpioPin>(0, 32, OUTPUT_GPIO_MODE, NO_GPIO_EDGE); }),
+    EXPECT_EQ(PrintedBy([&pin] {
+                  pin = std::make_unique<GpioPin>(PinAddress{0, 32}, OUTPUT_GPIO_MODE, NO_GPIO_EDGE);
+              }),
               OnError("wrong gpio pin"));
     EXPECT_FALSE(pin->IsValid());
     EXPECT_EQ(TakeTrace(), Texts{});
@@ -123,7 +128,10 @@ TEST_F(Gpio, a_pin_above_31_is_refused_on_the_error_stream_with_mode_and_edge) {
 TEST_F(Gpio, a_claim_that_the_kernel_refuses_is_invalid) {
     SetFault("write-refused=export");
     std::unique_ptr<GpioPin> pin;
-    EXPECT_EQ(PrintedBy([&pin] { pin = std::make_unique<GpioPin>(Bank, Pin); }), OnError("unable to lock a gpio"));
+    EXPECT_EQ(PrintedBy([&pin] {
+                  pin = std::make_unique<GpioPin>(PinAddress{Bank, Pin});
+              }),
+              OnError("unable to lock a gpio"));
     EXPECT_FALSE(pin->IsValid());
     EXPECT_EQ(TakeTrace(), (Texts{"/sys/class/gpio/export=47 !EIO"}));
     EXPECT_EQ(PrintedBy([&pin] { pin.reset(); }), OnError("not used yet\n"));
@@ -132,21 +140,21 @@ TEST_F(Gpio, a_claim_that_the_kernel_refuses_is_invalid) {
 TEST_F(Gpio, without_the_pin_files_a_claim_is_invalid) {
     SetFault("gpio-missing");
     EXPECT_EQ(PrintedBy([] {
-                  const GpioPin pin(Bank, Pin);
+                  const GpioPin pin({Bank, Pin});
                   EXPECT_FALSE(pin.IsValid());
               }),
               OnError("unable to lock a gpionot used yet\n"));
 }
 
 TEST_F(Gpio, a_release_that_the_kernel_refuses_is_told) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     SetFault("write-refused=unexport");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Unexport()); }), OnError("unable to release a gpio"));
     ClearFault("write-refused");
 }
 
 TEST_F(Gpio, a_pin_that_is_not_claimed_cannot_be_released) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     EXPECT_TRUE(pin.Unexport());
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Unexport()); }), OnError("not used yet\n"));
     EXPECT_TRUE(pin.Export());
@@ -174,7 +182,7 @@ TEST_F(Gpio, writing_to_a_released_output_tells_that_it_is_not_locked) {
 }
 
 TEST_F(Gpio, the_direction_is_out_for_an_output_and_in_for_any_other_mode) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     TakeTrace();
     for (const GpioMode mode : {OUTPUT_GPIO_MODE, INPUT_GPIO_MODE, EDGE_GPIO_MODE, static_cast<GpioMode>(7)}) {
         EXPECT_TRUE(pin.SetDirection(mode));
@@ -185,7 +193,7 @@ TEST_F(Gpio, the_direction_is_out_for_an_output_and_in_for_any_other_mode) {
 }
 
 TEST_F(Gpio, a_refused_direction_is_told_and_keeps_the_mode) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     SetFault("write-refused=direction");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.SetDirection(OUTPUT_GPIO_MODE)); }),
               OnError("unable to set the gpio mode"));
@@ -193,7 +201,7 @@ TEST_F(Gpio, a_refused_direction_is_told_and_keeps_the_mode) {
 }
 
 TEST_F(Gpio, each_edge_has_its_text_and_an_unknown_one_is_none) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     TakeTrace();
     for (const GpioEdge edge :
          {NO_GPIO_EDGE, RISING_GPIO_EDGE, FALLING_GPIO_EDGE, BOTH_GPIO_EDGE, static_cast<GpioEdge>(4)}) {
@@ -206,7 +214,7 @@ TEST_F(Gpio, each_edge_has_its_text_and_an_unknown_one_is_none) {
 }
 
 TEST_F(Gpio, a_refused_edge_is_told_and_keeps_the_edge) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     SetFault("write-refused=edge");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.SetEdge(RISING_GPIO_EDGE)); }),
               OnError("unable to set the gpio trigger"));
@@ -214,7 +222,7 @@ TEST_F(Gpio, a_refused_edge_is_told_and_keeps_the_edge) {
 }
 
 TEST_F(Gpio, an_edge_counts_in_edge_mode_only) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     TakeTrace();
     EXPECT_TRUE(pin.SetModeAndEdge(INPUT_GPIO_MODE, BOTH_GPIO_EDGE));
     EXPECT_TRUE(pin.SetModeAndEdge(OUTPUT_GPIO_MODE, BOTH_GPIO_EDGE));
@@ -225,7 +233,7 @@ TEST_F(Gpio, an_edge_counts_in_edge_mode_only) {
 }
 
 TEST_F(Gpio, reading_gives_the_level_of_the_line) {
-    const GpioPin pin(Bank, Pin);
+    const GpioPin pin({Bank, Pin});
     for (const GpioLevel level : EveryBitOfALevel) {
         Board().DrivePin(Bank, Pin, level == HIGH_GPIO_LEVEL);
         EXPECT_EQ(pin.Read(), level);
@@ -233,7 +241,7 @@ TEST_F(Gpio, reading_gives_the_level_of_the_line) {
 }
 
 TEST_F(Gpio, a_value_file_that_does_not_open_reads_low_without_a_text) {
-    const GpioPin pin(Bank, Pin);
+    const GpioPin pin({Bank, Pin});
     Board().DrivePin(Bank, Pin, true);
     FailCall("open", 2, EACCES);
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_EQ(pin.Read(), LOW_GPIO_LEVEL); }), Silence);
@@ -241,7 +249,7 @@ TEST_F(Gpio, a_value_file_that_does_not_open_reads_low_without_a_text) {
 }
 
 TEST_F(Gpio, writing_to_an_input_is_false_and_silent) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     TakeTrace();
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Write(1)); }), Silence);
     EXPECT_EQ(TakeTrace(), Texts{});
@@ -271,7 +279,7 @@ TEST_F(Gpio, a_refused_level_is_told) {
 }
 
 TEST_F(Gpio, waiting_on_a_pin_without_edge_detection_is_a_plain_read) {
-    GpioPin pin(Bank, Pin);
+    GpioPin pin({Bank, Pin});
     Board().DrivePin(Bank, Pin, true);
     const std::uint64_t polls = Board().CallCount("poll");
     EXPECT_EQ(pin.WaitForEdge(60000), HIGH_GPIO_LEVEL);

@@ -100,7 +100,7 @@ TEST_F(Stepper, the_direction_line_is_an_output_that_is_low_and_comes_first) {
 }
 
 TEST_F(Stepper, a_direction_line_in_use_makes_the_motor_invalid) {
-    const GpioPin used(Direction.bank, Direction.pin);
+    const GpioPin used(Direction);
     TakeTrace();
     auto motor = std::make_unique<StepperDriverBase>(Channel);
     EXPECT_EQ(PrintedBy([&motor] { EXPECT_FALSE(motor->SetUpPins(Enable, Direction)); }),
@@ -110,7 +110,7 @@ TEST_F(Stepper, a_direction_line_in_use_makes_the_motor_invalid) {
 }
 
 TEST_F(Stepper, an_enable_line_in_use_makes_the_motor_invalid) {
-    const GpioPin used(Enable.bank, Enable.pin);
+    const GpioPin used(Enable);
     TakeTrace();
     auto motor = std::make_unique<StepperDriverBase>(Channel);
     EXPECT_EQ(PrintedBy([&motor] { EXPECT_FALSE(motor->SetUpEnablePin(Enable)); }),

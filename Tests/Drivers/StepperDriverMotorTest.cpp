@@ -29,7 +29,7 @@ protected:
     static std::unique_ptr<StepperDriverMotor> Motor() {
         auto motor = std::make_unique<StepperDriverMotor>(1);
         motor->SetUpPins(Enable, Direction);
-        motor->SetUpCurrentLimit(Limit0, Limit1, Limit2, 7);
+        motor->SetUpCurrentLimit({Limit0, Limit1, Limit2}, 7);
         TakeTrace();
         return motor;
     }
@@ -62,7 +62,7 @@ protected:
 
 TEST_F(StepperMotor, the_current_limit_lines_are_outputs_and_take_the_first_limit) {
     StepperDriverMotor motor(1);
-    EXPECT_TRUE(motor.SetUpCurrentLimit(Limit0, Limit1, Limit2, 7));
+    EXPECT_TRUE(motor.SetUpCurrentLimit({Limit0, Limit1, Limit2}, 7));
     EXPECT_EQ(
         TakeTrace(),
         Joined({{"/sys/class/gpio/export=4", "/sys/class/gpio/pioA4/direction=out", "/sys/class/gpio/pioA4/edge=none",
@@ -72,9 +72,11 @@ TEST_F(StepperMotor, the_current_limit_lines_are_outputs_and_take_the_first_limi
 }
 
 TEST_F(StepperMotor, a_current_limit_line_in_use_makes_the_motor_invalid) {
-    const GpioPin used(Limit1.bank, Limit1.pin);
+    const GpioPin used(Limit1);
     auto motor = std::make_unique<StepperDriverMotor>(1);
-    EXPECT_EQ(PrintedBy([&motor] { EXPECT_FALSE(motor->SetUpCurrentLimit(Limit0, Limit1, Limit2, 7)); }),
+    EXPECT_EQ(PrintedBy([&motor] {
+                  EXPECT_FALSE(motor->SetUpCurrentLimit({Limit0, Limit1, Limit2}, 7));
+              }),
               (Printed{"Setting current limit GPIO pin(s) to outputs failed", "already used\n"}));
     EXPECT_FALSE(motor->IsValid());
     PrintedBy([&motor] { motor.reset(); });
@@ -85,7 +87,9 @@ TEST_F(StepperMotor, a_first_limit_that_cannot_be_set_makes_the_motor_invalid) {
     StepperDriverMotor motor(1);
     SetFault("write-refused=pioA5/value");
     EXPECT_EQ(
-        PrintedBy([&motor] { EXPECT_FALSE(motor.SetUpCurrentLimit(Limit0, Limit1, Limit2, 7)); }),
+        PrintedBy([&motor] {
+            EXPECT_FALSE(motor.SetUpCurrentLimit({Limit0, Limit1, Limit2}, 7));
+        }),
         (Printed{"Reagent Stepper Motor: Setting current limit pin values failed", "unable to set the gpio value"}));
     EXPECT_FALSE(motor.IsValid());
 }

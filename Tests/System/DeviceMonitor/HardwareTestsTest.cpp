@@ -247,9 +247,9 @@ TEST_F(HardwareTest, the_stir_motor_rests_runs_at_a_kilohertz_and_rests_again) {
 }
 
 TEST_F(HardwareTest, a_motor_that_cannot_be_set_up_fails_silently) {
-    const GpioPin used(0, 2);
+    const GpioPin used({0, 2});
     EXPECT_EQ(Test(3), (Texts{Silence, Restart, Failed}));
-    const GpioPin usedToo(1, 15);
+    const GpioPin usedToo({1, 15});
     EXPECT_EQ(Test(4), (Texts{Silence, Restart, Failed}));
 }
 

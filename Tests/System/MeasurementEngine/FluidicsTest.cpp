@@ -67,7 +67,7 @@ class Pump : public WorkerFixture<ReAgentDeliveryProcessing> {
 protected:
     explicit Pump(double speed = 20.0) : WorkerFixture(speed) {
         motor.SetUpPins({0, 2}, {0, 3});
-        motor.SetUpCurrentLimit({0, 4}, {0, 5}, {0, 6}, 7);
+        motor.SetUpCurrentLimit({{{0, 4}, {0, 5}, {0, 6}}}, 7);
         worker.SetMotor(&motor);
         Board().ClearTrace();
     }
