@@ -9,6 +9,7 @@
 #include "Drivers/Print.h"
 #include "Drivers/SpiDevice.h"
 #include "Drivers/Wait.h"
+#include "Frameworks/Threading/Mutex.h"
 
 namespace {
 
@@ -18,8 +19,17 @@ constexpr std::uint32_t TemperatureChannel = 200;
 constexpr std::uint32_t MaxTries = 25;
 constexpr std::uint32_t TryMilliseconds = 10;
 
-// Checked, so that what is not locked is not unlocked: both are told instead.
-pthread_mutex_t conversionMutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+// Refuses a second lock by the same thread and an unlock without a lock, since both failures are reported.
+class CAPABILITY("mutex") CheckedMutex {
+public:
+    bool Lock() TRY_ACQUIRE(true) { return pthread_mutex_lock(&m_mutex) == 0; }
+    bool Unlock() RELEASE() { return pthread_mutex_unlock(&m_mutex) == 0; }
+
+private:
+    pthread_mutex_t m_mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+};
+
+CheckedMutex conversionMutex;
 
 // Made on first use and kept to the end of the process.
 SpiDevice& SharedDevice() {
@@ -41,13 +51,14 @@ bool WaitForEndOfConversion() {
 
 bool Adc24BitDriver::Read(bool convert) {
     SpiDevice& device = SharedDevice();
-    bool result = false;
-    bool locked = false;
-    if (m_valid) {
-        locked = pthread_mutex_lock(&conversionMutex) == 0;
-        result = locked ? ReadLocked(device, convert) : FailWithOutput("24 Bit ADC Driver: ADC mutex lock failed");
+    if (!m_valid || !conversionMutex.Lock()) {
+        if (m_valid) {
+            PrintOutput("24 Bit ADC Driver: ADC mutex lock failed");
+        }
+        return FailWithOutput("24 Bit ADC Driver: ADC mutex unlock failed");
     }
-    if (!locked || pthread_mutex_unlock(&conversionMutex) != 0) {
+    const bool result = ReadLocked(device, convert);
+    if (!conversionMutex.Unlock()) {
         PrintOutput("24 Bit ADC Driver: ADC mutex unlock failed");
     }
     return result;

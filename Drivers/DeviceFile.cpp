@@ -7,7 +7,7 @@
 #include <cstddef>
 
 namespace {
-constexpr std::size_t LargestText = 4096;
+constexpr std::size_t MaxText = 4096;
 constexpr const char* WhiteSpace = " \t\n\v\f\r";
 }  // namespace
 
@@ -38,7 +38,7 @@ bool DeviceFile::ReadText(const std::string& path, std::string& text) {
     if (!file.IsOpen()) {
         return false;
     }
-    std::array<char, LargestText> buffer;
+    std::array<char, MaxText> buffer;
     const ssize_t length = read(file.Get(), buffer.data(), buffer.size());
     if (length > 0) {
         text.assign(buffer.data(), static_cast<std::size_t>(length));

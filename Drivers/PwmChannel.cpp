@@ -99,7 +99,7 @@ bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
         DeviceFile::WriteResult::NotOpened) {
         return true;
     }
-    const float duty = dutyCycle * period / HighestDutyCycle;
+    const float duty = dutyCycle * period / MaxDutyCycle;
     if (!SysfsClaim::Write(Pwm, dutyFile, std::to_string(TruncateTo<std::int32_t>(duty)),
                            "unable to set pwm duty cycle")) {
         return false;
@@ -108,8 +108,8 @@ bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
 }
 
 void PwmChannel::Store(float frequency, float dutyCycle) {
-    m_frequency = std::clamp(frequency, LowestFrequency, HighestFrequency);
-    m_dutyCycle = std::clamp(dutyCycle, LowestDutyCycle, HighestDutyCycle);
+    m_frequency = std::clamp(frequency, MinFrequency, MaxFrequency);
+    m_dutyCycle = std::clamp(dutyCycle, MinDutyCycle, MaxDutyCycle);
 }
 
 std::string PwmChannel::Directory() const { return ChipDirectory + ("pwm" + Digit()); }

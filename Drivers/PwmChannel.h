@@ -8,10 +8,10 @@
 class PwmChannel {
 public:
     // What a channel is given, in hertz and percent.
-    static constexpr float LowestFrequency = 1.0F;
-    static constexpr float HighestFrequency = 1e8F;
-    static constexpr float LowestDutyCycle = 0.0F;
-    static constexpr float HighestDutyCycle = 100.0F;
+    static constexpr float MinFrequency = 1.0F;
+    static constexpr float MaxFrequency = 1e8F;
+    static constexpr float MinDutyCycle = 0.0F;
+    static constexpr float MaxDutyCycle = 100.0F;
 
     // Channel 0 to 9. Frequency and duty cycle are not set, the channel is not enabled.
     explicit PwmChannel(std::uint8_t channel);

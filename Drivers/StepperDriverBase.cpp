@@ -12,8 +12,8 @@ constexpr std::uint8_t ChannelCount = 4;
 constinit HeldLock channelLocks[ChannelCount];
 
 bool IsInRange(float dutyCycle, float frequency) {
-    return frequency >= PwmChannel::LowestFrequency && frequency <= PwmChannel::HighestFrequency && dutyCycle > 0.0F &&
-           dutyCycle <= PwmChannel::HighestDutyCycle;
+    return frequency >= PwmChannel::MinFrequency && frequency <= PwmChannel::MaxFrequency && dutyCycle > 0.0F &&
+           dutyCycle <= PwmChannel::MaxDutyCycle;
 }
 
 bool MakeOutput(std::unique_ptr<GpioPin>& line, PinAddress address, std::int32_t level) {

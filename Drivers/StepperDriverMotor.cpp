@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::uint32_t MovingLimit = 7;
 constexpr std::uint32_t RestingLimit = 0;
-constexpr std::uint32_t HighestLimit = 7;
+constexpr std::uint32_t MaxLimit = 7;
 
 constexpr float DegreesPerRevolution = 360.0F;
 constexpr float StepsPerRevolution = 1600.0F;
@@ -39,7 +39,7 @@ bool StepperDriverMotor::SetCurrentLimit(std::uint32_t limit) {
     if (!IsValid()) {
         return false;
     }
-    const std::uint32_t bits = limit <= HighestLimit ? limit : RestingLimit;
+    const std::uint32_t bits = limit <= MaxLimit ? limit : RestingLimit;
     bool written = true;
     for (std::size_t bit = 0; bit < m_limitPins.size(); ++bit) {
         const auto level = static_cast<std::int32_t>(bits >> bit & 1U);
@@ -59,7 +59,7 @@ bool StepperDriverMotor::StartMotor(float dutyCycle, float frequency, std::uint3
 }
 
 bool StepperDriverMotor::MoveAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait) {
-    const bool inRange = IsValid() && angle > 0.0F && dutyCycle > 0.0F && dutyCycle <= PwmChannel::HighestDutyCycle;
+    const bool inRange = IsValid() && angle > 0.0F && dutyCycle > 0.0F && dutyCycle <= PwmChannel::MaxDutyCycle;
     if (inRange && milliseconds != 0) {
         m_lock.Lock(this);
         if (SetCurrentLimit(MovingLimit) && RunAngle(angle, dutyCycle, milliseconds, busyWait) && Brake()) {

@@ -6,8 +6,8 @@
 bool ValvePWM::Initialize() {
     m_pwm.reset();
     m_pwm = std::make_unique<PwmChannel>(m_channel);
-    m_initialised = true;
-    return m_initialised;
+    m_initialized = true;
+    return m_initialized;
 }
 
 void ValvePWM::SetSwitchValues(std::int32_t switchDelay, float holdDuty) {
@@ -16,7 +16,7 @@ void ValvePWM::SetSwitchValues(std::int32_t switchDelay, float holdDuty) {
 }
 
 bool ValvePWM::ValveOn(float dutyCycle) {
-    if (!m_initialised) {
+    if (!m_initialized) {
         return false;
     }
     if (!m_pwm->Set(m_frequency, dutyCycle)) {
@@ -30,7 +30,7 @@ bool ValvePWM::ValveOn(float dutyCycle) {
 }
 
 bool ValvePWM::ValveOff() {
-    if (!m_initialised) {
+    if (!m_initialized) {
         return false;
     }
     const bool closed = m_pwm->Enable(false);

@@ -28,7 +28,7 @@ public:
     bool ValveOff();
 
 private:
-    bool m_initialised = false;
+    bool m_initialized = false;
     std::unique_ptr<PwmChannel> m_pwm;
     std::uint8_t m_channel;
     std::uint16_t m_frequency;

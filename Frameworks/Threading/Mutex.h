@@ -19,6 +19,7 @@
 #define GUARDED_BY(x) THREAD_ANNOTATION(guarded_by(x))
 #define REQUIRES(...) THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define ACQUIRE(...) THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
+#define TRY_ACQUIRE(...) THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
 #define RELEASE(...) THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 #define EXCLUDES(...) THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 
@@ -30,6 +31,8 @@ public:
     Mutex& operator=(const Mutex&) = delete;
     ~Mutex() = default;
 
+    // Only for an owner that reports a mutex that could not be made; call it before the first Lock.
+    bool Initialize() { return pthread_mutex_init(&m_mutex, nullptr) == 0; }
     void Lock() ACQUIRE() { pthread_mutex_lock(&m_mutex); }
     void Unlock() RELEASE() { pthread_mutex_unlock(&m_mutex); }
 

@@ -11,9 +11,9 @@
 #include "Drivers/MemoryMappedIO.h"
 #include "Drivers/PwmChannel.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/MeasurementEngine/EngineLog.h"
 #include "System/Messages/AdcStatusMessage.h"
 #include "System/Messages/TestDigitalInputPinsMessage.h"
 #include "System/Messages/TestDigitalOutputPinsMessage.h"
@@ -31,7 +31,7 @@ constexpr float FirstDutyCycle = 50.0F;
 
 // One for each PWM channel, made on first use and kept to the end of the process: the test link leaves a channel
 // running.
-std::array<PwmChannel*, 4> LiftPwmTable{};
+std::array<PwmChannel*, 4> liftPwmTable{};
 
 // False where the answer is null, memory having run out.
 template <typename Message>
@@ -88,17 +88,17 @@ void SetPwm(PwmChannel& channel, std::uint32_t function, StdString value) {
     switch (function) {
         case ENABLE_PWM_FUNCTION:
             if (!channel.Enable(value.ToBool())) {
-                LogError("MeasurementEngine::LIFTPWM - failed to enable/disable PWM");
+                ReportError("MeasurementEngine::LIFTPWM - failed to enable/disable PWM", MEASUREMENT_ENGINE);
             }
             break;
         case FREQUENCY_PWM_FUNCTION:
             if (!channel.SetFrequency(value.ToFloat())) {
-                LogError("MeasurementEngine::LIFTPWM - failed to set PWM frequency");
+                ReportError("MeasurementEngine::LIFTPWM - failed to set PWM frequency", MEASUREMENT_ENGINE);
             }
             break;
         default:
             if (!channel.SetDutyCycle(value.ToFloat())) {
-                LogError("MeasurementEngine::LIFTPWM - failed to set PWM duty cycle");
+                ReportError("MeasurementEngine::LIFTPWM - failed to set PWM duty cycle", MEASUREMENT_ENGINE);
             }
             break;
     }
@@ -106,10 +106,10 @@ void SetPwm(PwmChannel& channel, std::uint32_t function, StdString value) {
 
 // Null where the chip is missing or has no such channel.
 PwmChannel* LiftPwm(std::uint32_t channel) {
-    if (channel >= PwmChannel::ChannelCount() || channel >= LiftPwmTable.size()) {
+    if (channel >= PwmChannel::ChannelCount() || channel >= liftPwmTable.size()) {
         return nullptr;
     }
-    PwmChannel*& entry = LiftPwmTable.at(channel);
+    PwmChannel*& entry = liftPwmTable.at(channel);
     if (entry == nullptr) {
         entry = new PwmChannel(static_cast<std::uint8_t>(channel), FirstFrequency, FirstDutyCycle);
     }
@@ -157,7 +157,7 @@ void LIFTDigitalInput(const TestDigitalInputPinsMessage& request) {
         answer->SetValues({static_cast<char>('0' + level)});
     }
     if (!Answer(std::move(answer))) {
-        LogError("MeasurementEngineControl - sending digital input pins message failed");
+        ReportError("MeasurementEngineControl - sending digital input pins message failed", MEASUREMENT_ENGINE);
     }
 }
 
@@ -171,7 +171,7 @@ void LIFTDigitalOutput(const TestDigitalOutputPinsMessage& request) {
         answer->SetValue(text);
     }
     if (!Answer(std::move(answer))) {
-        LogError("MeasurementEngineControl - sending digital output pins message failed");
+        ReportError("MeasurementEngineControl - sending digital output pins message failed", MEASUREMENT_ENGINE);
     }
 }
 
@@ -185,7 +185,7 @@ void LIFTPWM(const TestPWMMessage& request) {
         answer->SetValue(request.GetValue());
     }
     if (!Answer(std::move(answer))) {
-        LogError("MeasurementEngineControl - sending PWM message failed");
+        ReportError("MeasurementEngineControl - sending PWM message failed", MEASUREMENT_ENGINE);
     }
     sleep(1);  // the test link counts on a settled channel behind the answer to its next request
 }

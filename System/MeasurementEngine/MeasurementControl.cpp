@@ -2,24 +2,21 @@
 
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/MeasurementEngine/EngineLog.h"
 #include "System/Messages/MeasurementMessage.h"
 
 MeasurementControl::MeasurementControl() {
-    if (pthread_mutex_init(&m_runMutex, nullptr) != 0) {
-        LogError("MeasurementControl::MeasurementControl  Unable to create mutex");
+    if (!m_runMutex.Initialize()) {
+        ReportError("MeasurementControl::MeasurementControl  Unable to create mutex", MEASUREMENT_ENGINE);
     }
 }
 
 MeasurementControl::~MeasurementControl() {
     m_abort = true;
-    {
-        const MutexLock lock(m_threadMutex);
-        JoinThread();
-    }
-    pthread_mutex_destroy(&m_runMutex);
+    const MutexLock lock(m_threadMutex);
+    JoinThread();
 }
 
 bool MeasurementControl::StartMeasurement() {
@@ -60,8 +57,9 @@ void MeasurementControl::JoinThread() {
 
 bool MeasurementControl::PrimeSystem() {
     if (m_cycleRunning) {
-        LogError("MeasurementControl::PrimeSystem  Unable to execute priming due to measurement already running");
-        return false;
+        return ReportError(
+            "MeasurementControl::PrimeSystem  Unable to execute priming due to measurement already running",
+            MEASUREMENT_ENGINE);
     }
     if (!m_configurationLoaded) {
         if (!ReadConfiguration()) {
@@ -80,16 +78,16 @@ bool MeasurementControl::PrimeSystem() {
 std::int32_t MeasurementControl::Run() {
     SetPriority(-1);
     if (!Init()) {
-        LogError("MeasurementControl::Run  Unable to initialize thread");
+        ReportError("MeasurementControl::Run  Unable to initialize thread", MEASUREMENT_ENGINE);
     } else if (!PerformMeasurement()) {
-        LogError("MeasurementControl::Run  Unable to create and send the measurement request");
+        ReportError("MeasurementControl::Run  Unable to create and send the measurement request", MEASUREMENT_ENGINE);
     }
     m_cycleRunning = false;
     return Exit();
 }
 
 bool MeasurementControl::Init() {
-    pthread_mutex_lock(&m_runMutex);
+    m_runMutex.Lock();
     ThreadBase::Init();
     if (!m_configurationLoaded) {
         m_configurationLoaded = ReadConfiguration();
@@ -101,7 +99,7 @@ bool MeasurementControl::Init() {
 }
 
 std::int32_t MeasurementControl::Exit() {
-    pthread_mutex_unlock(&m_runMutex);
+    m_runMutex.Unlock();
     pthread_exit(nullptr);
 }
 

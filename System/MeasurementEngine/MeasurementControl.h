@@ -3,8 +3,6 @@
 // Start, abort and prime are for the measurement engine's thread, abort also for whoever kills it.
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
 
 #include "Frameworks/Threading/Mutex.h"
@@ -29,8 +27,8 @@ public:
 
     std::int32_t Run() override;
     void Kill() override { m_abort = true; }  // the cycle ends after the step in progress
-    bool Init() override;
-    std::int32_t Exit() override;
+    bool Init() override ACQUIRE(m_runMutex);
+    std::int32_t Exit() override RELEASE(m_runMutex);
 
 private:
     bool ReadConfiguration();
@@ -42,7 +40,7 @@ private:
     void JoinThread() REQUIRES(m_threadMutex);
 
     MeasurementStepController m_stepController;
-    pthread_mutex_t m_runMutex{};             // held by a cycle's thread from Init to Exit
+    Mutex m_runMutex;                         // held by a cycle's thread from Init to Exit
     std::uint32_t m_measurementIndex = 0;     // results since start
     std::atomic<bool> m_abort{false};         // set by Kill, cleared by StartMeasurement
     std::atomic<bool> m_cycleRunning{false};  // from StartMeasurement to the end of the cycle

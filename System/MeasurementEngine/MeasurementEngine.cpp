@@ -3,8 +3,8 @@
 #include <unistd.h>
 
 #include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/TryMake.h"
-#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/LiftRequests.h"
 #include "System/Messages/AdcStatusMessage.h"
 #include "System/Messages/GUIResponseMessage.h"
@@ -97,7 +97,8 @@ void MeasurementEngine::MoveToShutdown() {
 
 void MeasurementEngine::Prime() {
     if (GetState() == RUNNING_STATE && !m_control.PrimeSystem()) {
-        LogError("MeasurementEngine::ProcessCommandMessage  Unable to perform priming operations");
+        ReportError("MeasurementEngine::ProcessCommandMessage  Unable to perform priming operations",
+                    MEASUREMENT_ENGINE);
     }
 }
 
@@ -106,7 +107,7 @@ void MeasurementEngine::Collect(const CommandMessage& message) {
     if (GetState() != RUNNING_STATE || m_control.StartMeasurement()) {
         return;
     }
-    LogError("MeasurementEngine::ProcessCommandMessage  Unable to start measurement control");
+    ReportError("MeasurementEngine::ProcessCommandMessage  Unable to start measurement control", MEASUREMENT_ENGINE);
     sleep(RetrySeconds);
     auto again = message.Clone();
     again->SetSource(this);

@@ -2,14 +2,14 @@
 
 #include <unistd.h>
 
-#include "Frameworks/Messaging/MessageController.h"
+#include "Frameworks/Utilities/Report.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
 
 namespace {
 
-constexpr double LowestDutyCycle = 0.0;
-constexpr double HighestDutyCycle = 100.0;
+constexpr double MinDutyCycle = 0.0;
+constexpr double MaxDutyCycle = 100.0;
 
 // Whole seconds from one second up: 1999 ms wait one second.
 void Settle(std::uint32_t milliSeconds) {
@@ -23,22 +23,20 @@ void Settle(std::uint32_t milliSeconds) {
 
 // A step that leaves the duty where it is, or moves it the wrong way, would walk for ever.
 bool MayWalk(bool nearer) {
-    if (!nearer) {
-        MessageController::LogMessage(
-            "MeasurementLEDController::AdjustLEDDutyCycle  LEDDutycycleAdjustStep does not move the duty cycle",
-            ERROR_LOG_LEVEL, MEASUREMENT_ENGINE);
-    }
-    return nearer;
+    return nearer ||
+           ReportError(
+               "MeasurementLEDController::AdjustLEDDutyCycle  LEDDutycycleAdjustStep does not move the duty cycle",
+               MEASUREMENT_ENGINE);
 }
 
 }  // namespace
 
 double MeasurementLEDController::EstimateDutyCycle(double reference, double dutyCycle, double dark, double target) {
-    const double estimate = reference > dark ? (target - dark) * dutyCycle / (reference - dark) : HighestDutyCycle;
-    if (estimate < LowestDutyCycle) {
-        return LowestDutyCycle;
+    const double estimate = reference > dark ? (target - dark) * dutyCycle / (reference - dark) : MaxDutyCycle;
+    if (estimate < MinDutyCycle) {
+        return MinDutyCycle;
     }
-    return estimate > HighestDutyCycle ? HighestDutyCycle : estimate;
+    return estimate > MaxDutyCycle ? MaxDutyCycle : estimate;
 }
 
 bool MeasurementLEDController::Init() {
@@ -68,8 +66,8 @@ void MeasurementLEDController::AdjustLEDDutyCycle() {
 // The duty is not held to its bounds before a trial, so the last one may ask for less than nothing.
 double MeasurementLEDController::WalkDown(double dutyCycle, double highest) {
     while (m_measuredLevel > highest) {
-        if (dutyCycle <= LowestDutyCycle) {
-            return LowestDutyCycle;
+        if (dutyCycle <= MinDutyCycle) {
+            return MinDutyCycle;
         }
         const double next = dutyCycle - m_adjustStep;
         if (!MayWalk(next < dutyCycle)) {
@@ -83,8 +81,8 @@ double MeasurementLEDController::WalkDown(double dutyCycle, double highest) {
 
 double MeasurementLEDController::WalkUp(double dutyCycle, double lowest) {
     while (m_measuredLevel < lowest) {
-        if (dutyCycle >= HighestDutyCycle) {
-            return HighestDutyCycle;
+        if (dutyCycle >= MaxDutyCycle) {
+            return MaxDutyCycle;
         }
         const double next = dutyCycle + m_adjustStep;
         if (!MayWalk(next > dutyCycle)) {

@@ -4,11 +4,11 @@
 #include "Drivers/SpiDevice.h"
 #include "Drivers/StepperDriverMotor.h"
 #include "Drivers/ValvePWM.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/Truncate.h"
 #include "Frameworks/Utilities/TryMake.h"
 #include "System/MeasurementEngine/DetectorProcessing.h"
 #include "System/MeasurementEngine/EmitterProcessing.h"
-#include "System/MeasurementEngine/EngineLog.h"
 #include "System/MeasurementEngine/MeasurementStepController.h"
 #include "System/MeasurementEngine/ReAgentDeliveryProcessing.h"
 #include "System/MeasurementEngine/SampleDeliveryProcessing.h"
@@ -46,14 +46,12 @@ bool MakeSystem(std::unique_ptr<Device> made, std::unique_ptr<Device>& device, s
                 void (Worker::*setDevice)(Device*), const SystemTexts& texts) {
     device = std::move(made);
     if (device == nullptr) {
-        LogError(texts.noDevice);
-        return false;
+        return ReportError(texts.noDevice, MEASUREMENT_ENGINE);
     }
     worker = TryMake<Worker>();
     if (worker == nullptr) {
-        LogError(texts.noWorker);
         Release(device, worker);
-        return false;
+        return ReportError(texts.noWorker, MEASUREMENT_ENGINE);
     }
     (worker.get()->*setDevice)(device.get());
     return true;
@@ -94,8 +92,8 @@ bool MeasurementStepController::InitializeEmitterSystem() {
     const double frequency = m_settings.emitterDefaultFrequency;
     const double dutyCycle = m_settings.emitterDefaultDutyCycle;
     if (channel < 0 || dutyCycle < 0.0 || frequency < 0.0) {
-        LogError("MeasurementStepController::InitializeEmitterSystem  initial values not set");
-        return false;
+        return ReportError("MeasurementStepController::InitializeEmitterSystem  initial values not set",
+                           MEASUREMENT_ENGINE);
     }
     // A channel above 255 becomes 255, which the PWM refuses.
     return MakeSystem(
@@ -120,10 +118,10 @@ bool MeasurementStepController::InitializeSampleDeliverySystem() {
     auto valve = TryMake<ValvePWM>(OnBoard::ValvePwm, OnBoard::ValveFrequency);
     if (valve != nullptr) {
         if (!valve->Initialize()) {
-            LogError(
+            return ReportError(
                 "MeasurementStepController::InitializeSampleDeliverySystem  Unable to initialize sample delivery "
-                "motor");
-            return false;
+                "motor",
+                MEASUREMENT_ENGINE);
         }
         // The valve takes the same word as a signed one: -1 in the settings is a negative delay, which means no wait.
         valve->SetSwitchValues(static_cast<std::int32_t>(m_settings.sampleSwitchDelay),

@@ -4,8 +4,8 @@
 
 #include "Drivers/FlagSensor.h"
 #include "Drivers/StepperDriverMotor.h"
+#include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/Truncate.h"
-#include "System/MeasurementEngine/EngineLog.h"
 
 namespace {
 
@@ -51,9 +51,10 @@ void ReAgentDeliveryProcessing::PerformReAgentProcessing() {
     const double turn = PumpTurn(m_pumpAngle, step.motorAngle);
     const std::uint32_t time = PumpTurnTime(step.motorAngle, step.motorSpeed, step.duration);
     if (time < 1) {
-        LogError(
+        ReportError(
             "ReAgentDeliveryProcessing::PerformReAgentProcessing Unable to perform ReAgend Processing due to invalid "
-            "Motor Turn Time");
+            "Motor Turn Time",
+            MEASUREMENT_ENGINE);
         return;
     }
     if (step.findStartPosition) {
@@ -68,17 +69,17 @@ void ReAgentDeliveryProcessing::PerformReAgentProcessing() {
 bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
     const FlagSensor flag;
     if (m_motor == nullptr) {
-        LogError(
+        return ReportError(
             "ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position due to unavailable device "
-            "object");
-        return false;
+            "object",
+            MEASUREMENT_ENGINE);
     }
     const auto frequency = TruncateTo<std::uint32_t>(speed * StepsPerDegree);
     m_motor->StartMotor(PumpDutyCycle, static_cast<float>(frequency), PumpCurrentLimit);
     if (!FindRisingEdge(flag, speed)) {
         StopAndBrake();
-        LogError("ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position");
-        return false;
+        return ReportError("ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position",
+                           MEASUREMENT_ENGINE);
     }
     Move(PastTheEdge, MilliSecondsFor(PastTheEdge, speed));
     return true;

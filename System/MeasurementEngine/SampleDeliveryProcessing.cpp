@@ -2,8 +2,6 @@
 
 #include "Drivers/ValvePWM.h"
 
-namespace {}  // namespace
-
 std::int32_t SampleDeliveryProcessing::Exit() {
     ForgetStep();
     return StepWorker::Exit();
