@@ -14,6 +14,7 @@
 #include "Frameworks/Messaging/MeasurementStatusMessage.h"
 #include "Frameworks/Messaging/MessageController.h"
 #include "Frameworks/Messaging/MessagingControl.h"
+#include "Frameworks/Utilities/Report.h"
 #include "System/Messages/AdcStatusMessage.h"
 #include "System/Messages/GUIResponseMessage.h"
 #include "System/Messages/MeasurementMessage.h"
@@ -111,6 +112,7 @@ protected:
     explicit MeasurementFixture(double speed = 1.0, const char* listenerName = "MeasurementEngine")
         : BoardTest(QuietAtSpeed(speed)), listener(listenerName) {
         SetPumpAngle(300.0);  // a little before both edges of the home flag
+        SetReportFunction(MessageController::LogMessage);  // another test of this program may have taken it
         router.AddName(listener);
         listener.Listen();
     }
