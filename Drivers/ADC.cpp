@@ -21,7 +21,7 @@ constexpr std::size_t NameSize = 100;
 constexpr std::uint32_t Inputs = 12;
 constexpr float MillivoltsPerVolt = 1024.0F;
 
-// The number that a text begins with. False where it begins with none or with one too large.
+// The number at the start of a text. False if there is none or it is too large.
 bool ReadNumber(const std::string& text, std::int32_t& number) {
     char* end = nullptr;
     errno = 0;

@@ -10,7 +10,7 @@ public:
 
     // False before Open, without a text.
     bool ReadRaw(std::int32_t& counts) const;
-    // Millivolts a count, as the kernel tells them.
+    // Millivolts a count, as the kernel gives them.
     bool ReadScale(float& scale) const;
     // Volts.
     bool ReadVoltage(float& voltage) const;

@@ -31,7 +31,7 @@ private:
 
 CheckedMutex conversionMutex;
 
-// Made on first use and kept to the end of the process.
+// Made on first use and never deleted, since a thread may still read when the process ends.
 SpiDevice& SharedDevice() {
     static auto* const device = new SpiDevice;
     return *device;
@@ -89,8 +89,8 @@ bool Adc24BitDriver::StartConversion(SpiDevice& device) const {
            FailWithOutput("24 Bit ADC Driver: Setting chip select low failed");
 }
 
-// A failed read is told and passes as what stands in the buffer, which is a converter at its lower limit: the
-// detector's own path takes it the same way.
+// A failed read is reported and leaves the zeros of the buffer, which count as the converter's lower limit, as in the
+// detector's own path.
 void Adc24BitDriver::ReadResult(SpiDevice& device) {
     std::array<std::uint16_t, 2> words{};
     if (!device.Read(words.data(), sizeof words)) {

@@ -1,6 +1,6 @@
 // One guarded conversion of the external 24-bit converter: command, chip select, end of conversion, result. All objects
 // share one SPI device and one lock, so any number of threads may read at once, each with its own object, and take
-// turns. A read takes up to 250 ms and spins meanwhile. Failure texts go to the standard output.
+// turns. A read takes up to 250 ms and uses the processor for all of it. Failure texts go to the standard output.
 #pragma once
 
 #include <cstdint>

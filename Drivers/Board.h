@@ -34,7 +34,7 @@ inline constexpr std::uint32_t ConverterTemperature = 0x8;  // added for the int
 inline constexpr std::uint32_t ConverterPairFactor = 32;    // times the input pair, added
 inline constexpr std::uint32_t ConverterCommandShift = 3;   // to the left, before the command is sent
 
-// The processor's own converter behind the multiplexers.
+// The processor's own converter, fed by the multiplexers.
 inline constexpr std::array<PinAddress, 4> MultiplexerLines{{{2, 27}, {2, 28}, {2, 31}, {3, 10}}};  // A, B, C, enable
 inline constexpr std::uint32_t MultiplexerInput = 6;
 

@@ -1,5 +1,5 @@
-// Sixteen analogue test points behind two eight-way multiplexers on one converter input. Make one on the stack for a
-// test and let it go: the lines are claimed from Init to destruction. Failures are logged. One thread at a time.
+// Sixteen analog test points, switched by two eight-way multiplexers to one converter input. Make one on the stack for
+// each test: the lines are claimed from Init to destruction. Failures are logged. One thread at a time.
 #pragma once
 
 #include <array>
@@ -20,14 +20,14 @@ public:
     Demultiplexer& operator=(const Demultiplexer&) = delete;
     virtual ~Demultiplexer();
 
-    // Claims the lines and drives them low. False where one of them can't be had.
+    // Claims the lines and drives them low. False if one of them fails.
     bool Init(const DemultiplexerLines& lines);
 
     // 0 to 15. A channel above is logged and selects the point of channel 8.
     bool SelectChannel(std::uint32_t channel);
     // Volts, read at once: the point needs no time to settle.
     bool ReadVoltage(std::uint32_t channel, float& voltage);
-    // Channels 0 to 15 in this order; the first failure ends the walk and keeps the voltages read so far.
+    // Channels 0 to 15 in this order; the first failure ends the reading and keeps the voltages read so far.
     bool ReadAllVoltages(std::list<float>& voltages);
 
 private:

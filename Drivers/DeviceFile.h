@@ -21,23 +21,23 @@ private:
 
 namespace DeviceFile {
 
-// What became of a write.
+// The outcome of a write.
 enum class WriteResult {
     Written,
-    Refused,  // the file is there, the kernel did not take the value
+    Refused,  // the file exists, but the kernel did not take the value
     NotOpened,
 };
 
-// Whether the kernel offers it: a line's or a channel's directory is there only while somebody has claimed it.
+// Whether the directory exists: that of a line or a channel exists only while it is claimed.
 bool DirectoryOpens(const std::string& path);
 
 // In one call; the file is never made.
 WriteResult WriteText(const std::string& path, const std::string& text);
 
-// False where the file does not open. What cannot be read is empty; 4096 bytes at most, the kernel's limit.
+// False if the file does not open. Empty if it cannot be read; 4096 bytes at most, the kernel's limit.
 bool ReadText(const std::string& path, std::string& text);
 
-// Up to the first white space behind the first other character.
+// The first word of the text; empty if there is none.
 std::string FirstWord(const std::string& text);
 
 }  // namespace DeviceFile

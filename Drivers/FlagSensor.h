@@ -10,7 +10,7 @@ class FlagSensor {
 public:
     FlagSensor();
 
-    // Neither is true while nobody has claimed the line.
+    // Both are false while the line is not claimed.
     bool IsHigh() const;
     bool IsLow() const;
 

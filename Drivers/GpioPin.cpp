@@ -58,7 +58,7 @@ GpioPin::GpioPin(PinAddress address, GpioMode mode, GpioEdge edge) : m_address(a
     Claim(mode, edge);
 }
 
-// A line that another object has claimed is left as it is, but released all the same: whoever ends last finds it gone.
+// This releases also a line that another object has claimed, so the object that ends last finds it gone.
 GpioPin::~GpioPin() { m_valid = Unexport(); }
 
 void GpioPin::Claim(GpioMode mode, GpioEdge edge) { m_valid = Export() && SetModeAndEdge(mode, edge); }

@@ -25,7 +25,7 @@ enum GpioEdge : std::int32_t {
     BOTH_GPIO_EDGE = 3,
 };
 
-// What a read or a wait came to.
+// The result of a read or a wait.
 enum GpioLevel : std::int32_t {
     LOW_GPIO_LEVEL = 0,
     HIGH_GPIO_LEVEL = 1,
@@ -47,21 +47,21 @@ public:
     GpioMode GetMode() const { return m_mode; }
     GpioEdge GetEdge() const { return m_edge; }
 
-    // Claims and gives back. False where the line is claimed already, or isn't.
+    // Claim and release. False if the line is claimed already, or is not claimed.
     bool Export();
     bool Unexport();
 
-    // False where the line isn't claimed, or the kernel doesn't take the value; only what was taken is kept.
+    // False if the line is not claimed or the kernel refuses the value. Mode and edge keep the last value accepted.
     bool SetDirection(GpioMode mode);
     bool SetEdge(GpioEdge edge);
     // The edge counts in EDGE_GPIO_MODE only; the other modes detect none.
     bool SetModeAndEdge(GpioMode mode, GpioEdge edge);
 
-    // Low also where the value cannot be read; an error only for a line that is not claimed.
+    // Low also if the value cannot be read; an error only for a line that is not claimed.
     GpioLevel Read() const;
     // 1 is high, anything else low. False, without a text, unless the line is an output.
     bool Write(std::int32_t level);
-    // The level after the next edge. Milliseconds; -1 waits for ever. A plain read unless in EDGE_GPIO_MODE.
+    // The level after the next edge. Milliseconds; -1 waits without limit. A plain read unless in EDGE_GPIO_MODE.
     GpioLevel WaitForEdge(std::int32_t milliseconds) const;
 
 private:

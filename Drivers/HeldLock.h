@@ -1,5 +1,5 @@
 // A lock that is held across calls, perhaps from one thread to another, and may be destroyed while held. A mutex allows
-// neither, nor a release by who does not hold it; here that is refused. Any thread.
+// neither. A release by another holder is refused. Any thread.
 #pragma once
 
 #include "Frameworks/Threading/Mutex.h"

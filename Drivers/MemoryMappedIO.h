@@ -1,5 +1,5 @@
 // Digital lines straight through the processor's PIO registers, with no claim on the line. Each call maps the register
-// anew. Failures are logged for the measurement engine, the main user. Any thread: setting and clearing are separate
+// again. Failures are logged for the measurement engine, the main user. Any thread: setting and clearing are separate
 // registers, so no call disturbs another line.
 #pragma once
 

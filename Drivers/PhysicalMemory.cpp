@@ -17,7 +17,7 @@ constexpr std::uint32_t OffsetMask = PageSize - 1;
 // One page, mapped from construction to destruction.
 class MappedPage {
 public:
-    // The registers lie in the upper half of the address space, so that with a 32-bit off_t the offset is negative; the
+    // The registers are in the upper half of the address space, so that with a 32-bit off_t the offset is negative; the
     // kernel takes it as the unsigned number it is.
     MappedPage(int descriptor, std::uint32_t address)
         : m_page(mmap(nullptr, PageSize, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor,
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    // Null, with the text, where the page could not be mapped.
+    // Null, with the text, if the page could not be mapped.
     volatile std::uint32_t* Word() const {
         if (m_page == MAP_FAILED) {
             PrintError("mmap failed");

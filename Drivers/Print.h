@@ -1,5 +1,4 @@
-// How a driver tells a failure to whoever stands at the terminal: the text as it is, at once, without a line end of its
-// own. Any thread.
+// Prints a driver's failure on the console: the text as it is, at once, without an added line end. Any thread.
 #pragma once
 
 #include <string_view>
@@ -7,6 +6,6 @@
 void PrintError(std::string_view text);   // standard error stream
 void PrintOutput(std::string_view text);  // standard output
 
-// The same as the answer of an operation that failed: false.
+// The same, and returns false, so that a failed operation can return the call.
 bool FailWithError(std::string_view text);
 bool FailWithOutput(std::string_view text);

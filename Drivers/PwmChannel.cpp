@@ -12,11 +12,11 @@ namespace {
 constexpr const char* ChipDirectory = "/sys/class/pwm/pwmchip0/";
 constexpr const char* CountFile = "/sys/class/pwm/pwmchip0/npwm";
 // Only a missing file counts: a value that the kernel refuses goes unnoticed, since the callers rely on a channel that
-// goes on with a duty of 0.
+// continues with a duty of 0.
 constexpr SysfsKind Pwm{"/sys/class/pwm/pwmchip0/export", "/sys/class/pwm/pwmchip0/unexport", "unable to lock a pwm",
                         "unable to release a pwm", false};
 
-// Makes a digit that no channel has, so that a refused object meets no directory in its later operations.
+// Gives a digit that no channel has, so that later operations of a refused object find no directory.
 constexpr std::uint8_t NoChannel = 0xFF;
 
 constexpr float NanoSecondsPerSecond = 1e9F;
@@ -94,7 +94,7 @@ bool PwmChannel::WritePeriodAndDuty(float frequency, float dutyCycle) {
         return false;
     }
     const float period = NanoSecondsPerSecond / frequency;
-    // A chip without periods is left disabled, and that counts as set.
+    // A chip without a period file is left disabled, and the call succeeds.
     if (DeviceFile::WriteText(Directory() + "/period", std::to_string(TruncateTo<std::int32_t>(period))) ==
         DeviceFile::WriteResult::NotOpened) {
         return true;

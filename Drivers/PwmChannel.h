@@ -31,16 +31,16 @@ public:
     float GetFrequency() const { return m_frequency; }
     float GetDutyCycle() const { return m_dutyCycle; }
 
-    // Claims and gives back. False where the channel is claimed already, or isn't.
+    // Claim and release. False if the channel is claimed already, or is not claimed.
     bool Export();
     bool Unexport();
 
-    // False where the channel isn't claimed, or its file is missing.
+    // False if the channel is not claimed, or its file is missing.
     bool Enable(bool on);
-    // True also where the state cannot be read, so that whoever wants the channel off switches it off.
+    // True also if the state cannot be read, so that a caller who wants the channel off disables it.
     bool IsEnabled() const;
 
-    // Both leave the channel enabled, whichever state it had. The chip is given the values as they are, out of range or
+    // Both leave the channel enabled, whatever its state was. The chip is given the values as they are, out of range or
     // not; what it refuses goes unnoticed.
     bool Set(float frequency, float dutyCycle);
     bool SetFrequency(float frequency) { return Set(frequency, m_dutyCycle); }

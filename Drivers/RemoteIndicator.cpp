@@ -153,7 +153,7 @@ bool RemoteIndicator::SetSingleLEDColor(std::uint32_t led) {
            ReportError("RemoteIndicator::SetLEDColors Setting single LED color failed!", REMOTE_INDICATOR_CONTROL);
 }
 
-// An LED that can't be lit alone leaves the LEDs as that attempt left them.
+// If the LED cannot be lit alone, the LEDs stay as that attempt left them.
 bool RemoteIndicator::LEDIsGood(std::uint32_t led) {
     if (!SetSingleLEDColor(led)) {
         return ReportError("RemoteIndicator::LEDIsGood - color pair could not be set!", REMOTE_INDICATOR_CONTROL);

@@ -1,6 +1,6 @@
 // The unit at the end of a cable: a blue, an amber and a red LED for the analyzer, the same three for the water, and
-// the sound that goes with their colours. It measures its LEDs and its cable through the multiplexer. A change of
-// colours takes up to five seconds while a sound plays. Failures are logged in the name of the remote indicator's
+// the sound that goes with their colors. It measures its LEDs and its cable through the multiplexer. A change of
+// colors takes up to five seconds while a sound plays. Failures are logged under the id of the remote indicator's
 // controller. One thread at a time.
 #pragma once
 
@@ -16,25 +16,25 @@ class RemoteIndicator : public Speaker {
 public:
     static constexpr std::uint32_t BlueOnBothSides = 1;  // ColorCode
 
-    // Sets the mixer up and claims the six lines. Where it fails, so does every change of LEDs after it.
+    // Sets up the mixer and claims the six lines. If it fails, every later change of LEDs fails too.
     bool Init(const RemoteIndicatorSettings& settings);
 
     // A ColorCode, 0 to 9: the LEDs that it lights and its sound, over and over. Any other code fails, leaves the LEDs
-    // as they are, and silences the indicator all the same.
+    // as they are, and still stops the sound.
     bool SetLEDColors(std::uint32_t code);
     // That LED alone, 0 to 5: blue, amber, red of the analyzer, then of the water. Any other turns all off.
     bool SetSingleLEDColor(std::uint32_t led);
 
     // Feet of the cable, from the loop with both blue LEDs lit.
     bool CalculateCableLength(float& feet);
-    // Whether the LED, lit alone, draws its current; an LED above 5 counts as 5. The colours come back afterwards.
+    // Whether the LED, lit alone, draws its current; an LED above 5 counts as 5. The colors are restored afterwards.
     bool LEDIsGood(std::uint32_t led);
     // Whether three or more of the six are good.
     bool IndicatorIsGood();
 
     // A file below the program directory, with its gap in microseconds. False for an empty name.
     bool PlayFile(const std::string& name, std::int32_t gap);
-    // The sound of the current colours from its beginning; false where they are silent.
+    // The sound of the current colors from its start; false if they have none.
     bool RestartPlay();
 
 private:

@@ -1,4 +1,4 @@
-// What the remote indicator has to know of its sounds and its cable.
+// The remote indicator's sounds and the constants of its cable.
 #pragma once
 
 #include <cstdint>

@@ -27,7 +27,7 @@ constexpr std::size_t DigitsOfNumber = 16;  // at most
 
 bool IsVolume(std::int32_t percent) { return percent >= 0 && percent <= FullVolume; }
 
-// False only where no shell could be started: what the tool ends with is not looked at. Allocates nothing.
+// False only if no shell could be started: the tool's exit status is ignored. Allocates nothing.
 bool RunTool(const char* line) {
     // NOLINTNEXTLINE(cert-env33-c): the tools are found and their arguments parted by the instrument's shell
     return system(line) >= 0;
@@ -100,8 +100,8 @@ bool Speaker::Play(const std::string& path, std::int32_t gap) {
     return true;
 }
 
-// The player itself is the only one to be signalled: the tool that it has started is not its to end, so that a clip is
-// never cut. The last signals make sure of a player that did not hear the first.
+// Only the player is signaled, not the tool that it has started, so that a clip is never cut. SIGKILL ends a player
+// that did not react to SIGTERM.
 bool Speaker::Stop() {
     if (m_player == -1) {
         return true;
@@ -117,7 +117,7 @@ bool Speaker::Stop() {
     return true;
 }
 
-// Whether it has ended within the time that it gets.
+// True if the player ended within the time allowed.
 bool Speaker::EndPlayer() const {
     for (int check = 0; check < EndChecks; ++check) {
         sleep(SecondsBetweenChecks);

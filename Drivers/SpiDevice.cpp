@@ -14,7 +14,7 @@
 
 namespace {
 
-// The most transfers that fit in the length field of one request.
+// The number of transfers that fit in the length field of one request.
 constexpr std::size_t MaxTransfers = ((1U << _IOC_SIZEBITS) - 1) / sizeof(spi_ioc_transfer);
 constexpr const char* TransferFailure = "Problem transmitting spi data..ioctl";
 
@@ -58,8 +58,8 @@ bool SpiDevice::Open(const std::string& path) {
     return Configure();
 }
 
-// Each setting is written and read back, so that the members tell what the bus really does. A device that refuses one
-// stays open with the settings that it has.
+// Each setting is written and read back, so that the members hold what the bus really does. A device that refuses one
+// stays open with its present settings.
 bool SpiDevice::Configure() {
     const struct {
         unsigned long request;

@@ -1,4 +1,4 @@
-// One device on the SPI bus, open from construction to destruction. Words of more than 8 bits lie in memory in the
+// One device on the SPI bus, open from construction to destruction. Words of more than 8 bits are in the
 // processor's byte order. Failure texts go to the error stream. One thread at a time.
 #pragma once
 
@@ -22,8 +22,8 @@ public:
     bool Read(void* buffer, std::uint32_t length) const;
     bool Write(const void* buffer, std::uint32_t length) const;
 
-    // What comes in replaces what went out, as one transfer, or as one transfer a word (1 byte up to 8 bits a word,
-    // else 2 bytes; at most 511 words).
+    // The bytes received replace the bytes sent, in one transfer, or in one transfer per word (1 byte up to 8 bits a
+    // word, else 2 bytes; at most 511 words).
     bool Transfer(void* buffer, std::uint32_t length) const;
     bool TransferWords(void* buffer, std::uint32_t length) const;
 

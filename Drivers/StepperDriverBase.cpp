@@ -55,7 +55,7 @@ bool StepperDriverBase::SetUpEnablePin(PinAddress enable) {
     return m_valid;
 }
 
-// A thread that starts a running motor of its own once more would wait for itself for ever; the lock counts as failed.
+// A thread that starts its own running motor again would wait for itself without end, so the lock fails instead.
 bool StepperDriverBase::Start(float dutyCycle, float frequency) {
     if (!m_valid) {
         return false;

@@ -34,7 +34,7 @@ bool StepperDriverMotor::SetUpCurrentLimit(const std::array<PinAddress, 3>& line
     return IsValid();
 }
 
-// One line that fails does not keep the others at the old limit.
+// All lines are written, also after one that fails.
 bool StepperDriverMotor::SetCurrentLimit(std::uint32_t limit) {
     if (!IsValid()) {
         return false;
@@ -75,8 +75,7 @@ bool StepperDriverMotor::RunAngle(float angle, float dutyCycle, std::uint32_t mi
     return RunForTime(dutyCycle, 1.0F / (seconds / pulses), milliseconds, busyWait);
 }
 
-// The homing of the pump brakes a motor that has been braked before: that the object is not held any more is no
-// failure.
+// The homing of the pump brakes a motor twice, so an object that is no longer held is no failure.
 bool StepperDriverMotor::Brake() {
     bool braked = false;
     if (IsValid()) {

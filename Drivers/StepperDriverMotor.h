@@ -1,6 +1,6 @@
 // A stepper motor with a current limit, which moves by angle. The position is open loop: the angle is frequency times
 // time. The object is held from the start of a move to Brake, so that a second caller waits; StartMotor, Stop and Brake
-// belong to whoever holds it. Failure texts go to the standard output.
+// are for the caller that holds it. Failure texts go to the standard output.
 #pragma once
 
 #include <array>
@@ -25,8 +25,8 @@ public:
 
     // Runs until Stop, and is held until Brake, also when it failed.
     bool StartMotor(float dutyCycle, float frequency, std::uint32_t limit);
-    // Degrees above 0.0, percent above 0.0 to 100.0, milliseconds not 0. A move that fails once it holds the object
-    // keeps it until Brake: until someone has looked, later moves wait.
+    // Degrees above 0.0, percent above 0.0 to 100.0, milliseconds not 0. A move that fails while it holds the object
+    // keeps it until Brake, and later moves wait.
     bool MoveAngle(float angle, float dutyCycle, std::uint32_t milliseconds, bool busyWait);
     // Holds the shaft without current: the chip stays enabled with the limit at 0.
     bool Brake();

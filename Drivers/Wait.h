@@ -1,12 +1,12 @@
-// The drivers' two ways to let time pass, in milliseconds. Any thread.
+// The drivers' two ways to wait, in milliseconds. Any thread.
 #pragma once
 
 #include <cstdint>
 
-// Asleep, for the whole time whatever signal comes.
+// Sleeps the whole time, also if signals interrupt it.
 void SleepFor(std::uint32_t milliseconds);
 
-// Awake, until the process has used that much processor time: other threads at work shorten it.
+// Spins until the process has used that much processor time, so other busy threads shorten the wait.
 void SpinFor(std::uint32_t milliseconds);
 
 // One or the other.

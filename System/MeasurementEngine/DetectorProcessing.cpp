@@ -16,8 +16,8 @@ constexpr useconds_t ConversionTime = 250000;  // microseconds
 
 std::uint32_t WordOf(const std::uint16_t (&words)[2]) { return (std::uint32_t{words[0]} << 16U) | words[1]; }
 
-// In one number, since TimeInfo's own sum does not carry nanoseconds into seconds and would cut short a step that is no
-// whole number of seconds.
+// In one number, since TimeInfo's own sum does not carry nanoseconds into seconds and would shorten a step of a
+// fraction of a second.
 std::int64_t NanoSecondsOf(const TimeInfo& time) {
     return std::int64_t{time.GetSeconds()} * NanoSecondsPerSecond + time.GetNanoSeconds();
 }

@@ -1,5 +1,5 @@
-// Samples the photodetector through the 24-bit converter for the length of a step, about four times a second, and tells
-// the means afterwards. One object at a time reads the converter this way.
+// Samples the photodetector through the 24-bit converter for the length of a step, about four times a second, and
+// computes the means afterwards. One object at a time reads the converter this way.
 #pragma once
 
 #include <vector>
@@ -22,7 +22,7 @@ public:
     double GetRawMean() const;  // 0.0 without a sample, as in all of these
     // Over all samples, divided by their number.
     double GetRawDeviation() const;
-    // Without the `high` largest and `low` smallest; 0.0 where that leaves nothing.
+    // Without the `high` largest and `low` smallest; 0.0 if no sample remains.
     double GetTrimmedMean(std::uint32_t high, std::uint32_t low);
     double GetTrimmedDeviation(std::uint32_t high, std::uint32_t low);
 
@@ -43,5 +43,5 @@ private:
 };
 
 // The signed count in the converter's 32-bit word: bits 5 to 28 with the sign in bit 29, which is set for a positive
-// value. 0xFFFFFFFF stands for a reading that did not come off and counts as 0.
+// value. 0xFFFFFFFF is no reading and counts as 0.
 std::int32_t CountOfDetectorWord(std::uint32_t word);

@@ -1,4 +1,4 @@
-// Switches the LED for a step: on or off as the step says, and so it stays afterwards.
+// Switches the LED on or off for a step; it stays so afterwards.
 #pragma once
 
 #include "System/MeasurementEngine/StepWorker.h"

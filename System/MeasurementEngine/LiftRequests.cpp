@@ -29,11 +29,11 @@ constexpr std::uint32_t BankCount = 4;
 constexpr float FirstFrequency = 1000.0F;
 constexpr float FirstDutyCycle = 50.0F;
 
-// One for each PWM channel, made on first use and kept to the end of the process: the test link leaves a channel
-// running.
+// One for each PWM channel, made on first use and never deleted: the test link leaves a channel running to
+// the end of the process.
 std::array<PwmChannel*, 4> liftPwmTable{};
 
-// False where the answer is null, memory having run out.
+// False if the answer is null because memory ran out.
 template <typename Message>
 bool Answer(std::unique_ptr<Message> message) {
     if (message != nullptr) {
@@ -58,7 +58,7 @@ std::int32_t ReadMultiplexer(std::uint32_t channel) {
     return TruncateTo<std::int32_t>(voltage * 1000.0F);
 }
 
-// 0 for a signal that is none, and for a reading that failed.
+// 0 for an unknown signal, or for a reading that failed.
 std::int32_t ReadSignal(std::uint32_t id) {
     if (id >= FirstConverterId && id < FirstConverterId + ConverterIds) {
         return ReadConverter((id - FirstConverterId) / 2);
@@ -104,7 +104,7 @@ void SetPwm(PwmChannel& channel, std::uint32_t function, StdString value) {
     }
 }
 
-// Null where the chip is missing or has no such channel.
+// Null if the chip is missing or has no such channel.
 PwmChannel* LiftPwm(std::uint32_t channel) {
     if (channel >= PwmChannel::ChannelCount() || channel >= liftPwmTable.size()) {
         return nullptr;
@@ -116,7 +116,7 @@ PwmChannel* LiftPwm(std::uint32_t channel) {
     return entry;
 }
 
-// "0" or "1", empty where the pin could not be written.
+// "0" or "1", empty if the pin could not be written.
 StdString WritePin(std::uint32_t id, bool value) {
     if (id / PinsPerBank >= BankCount) {
         return {};
@@ -187,5 +187,5 @@ void LIFTPWM(const TestPWMMessage& request) {
     if (!Answer(std::move(answer))) {
         ReportError("MeasurementEngineControl - sending PWM message failed", MEASUREMENT_ENGINE);
     }
-    sleep(1);  // the test link counts on a settled channel behind the answer to its next request
+    sleep(1);  // the test link relies on a settled channel at its next request
 }

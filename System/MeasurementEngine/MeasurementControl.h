@@ -1,6 +1,6 @@
 // Carries out one measurement cycle at a time, on a thread that is made for the cycle. The object serves all cycles of
 // the process and keeps from one to the next: the settings as first read, the step table, the index and the LED's duty.
-// Start, abort and prime are for the measurement engine's thread, abort also for whoever kills it.
+// The measurement engine's thread starts, aborts and primes; the thread that kills the engine aborts too.
 #pragma once
 
 #include <atomic>
@@ -16,13 +16,13 @@ public:
     MeasurementControl();
     ~MeasurementControl() override;
 
-    // False while a cycle runs, and where no thread could be made.
+    // False while a cycle runs, or if no thread could be created.
     bool StartMeasurement();
     // Returns when the step in progress, and with it the cycle, has ended. False, and nothing happens, without a cycle.
     bool AbortMeasurement();
     // Turns reagent and sample through the lines and homes the pump, on the caller's thread. False while a cycle runs,
-    // or where any of it fails. The count of revolutions is only taken in if no cycle has read the settings before:
-    // priming comes first, and after a cycle it fails.
+    // or if any part fails. The count of revolutions is taken only if no cycle has read the settings before: prime
+    // before the first cycle, since priming after it fails.
     bool PrimeSystem();
 
     std::int32_t Run() override;

@@ -1,5 +1,5 @@
 // The measurement controller: it turns commands into states, starts and aborts measurement cycles, primes the fluidics,
-// and serves the test link's requests for lines of the board. The cycle has a thread of its own, so the queue is served
+// and serves the test link's requests for lines of the board. The cycle has its own thread, so the queue is served
 // meanwhile; priming, aborting and the waits block it. Kill may be called from any thread.
 #pragma once
 
@@ -12,7 +12,7 @@ public:
 
     void Kill() override;  // returns when a cycle in progress has ended its step
     bool Init() override;
-    // Nothing: the test link's requests are served where they come, and no one sends them here yet.
+    // Registers nothing: the handlers of the test link's requests exist, but the router delivers none here yet.
     bool DoRegistration() override { return true; }
     bool ProcessCommandMessage(CommandMessage* message) override;
     bool ProcessDataMessage(DataMessage* message) override;

@@ -21,7 +21,7 @@ void Settle(std::uint32_t milliSeconds) {
     }
 }
 
-// A step that leaves the duty where it is, or moves it the wrong way, would walk for ever.
+// A step that leaves the duty unchanged, or moves it the wrong way, would never end.
 bool MayWalk(bool nearer) {
     return nearer ||
            ReportError(
@@ -55,7 +55,7 @@ void MeasurementLEDController::Refuse() {
     m_emitter = nullptr;
 }
 
-// Down first and to its end, then up, and the upper edge is not looked at again: a large step can end above the band.
+// Down first and to its end, then up. The upper edge is not checked again: a large step can end above the band.
 void MeasurementLEDController::AdjustLEDDutyCycle() {
     const double tolerance = m_targetLevel * m_deviation / 100.0;
     m_measuredLevel = MeasureAtDutyCycle(m_dutyCycle);
@@ -63,7 +63,7 @@ void MeasurementLEDController::AdjustLEDDutyCycle() {
     m_dutyCycle = WalkUp(m_dutyCycle, m_targetLevel - tolerance);
 }
 
-// The duty is not held to its bounds before a trial, so the last one may ask for less than nothing.
+// The duty is not held to its bounds before a trial, so the last trial may ask for less than 0.
 double MeasurementLEDController::WalkDown(double dutyCycle, double highest) {
     while (m_measuredLevel > highest) {
         if (dutyCycle <= MinDutyCycle) {

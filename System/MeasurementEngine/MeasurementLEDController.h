@@ -1,4 +1,4 @@
-// Walks the LED's duty cycle until the detector reads near the target level, on a thread of its own, which starts and
+// Walks the LED's duty cycle until the detector reads near the target level, on its own thread, which starts and
 // joins the detector and the emitter for each trial. Set all of it before Start; read the results after Join.
 #pragma once
 
@@ -24,11 +24,11 @@ public:
     void SetAdjustStep(double adjustStep) { m_adjustStep = adjustStep; }         // percent of duty a trial
     void SetSettleTime(std::uint32_t settleTime) { m_settleTime = settleTime; }  // milliseconds
 
-    double GetDutyCycle() const { return m_dutyCycle; }           // the start value where it did not run
-    std::uint32_t GetAdjustTime() const { return m_adjustTime; }  // milliseconds; 0 where it did not run
+    double GetDutyCycle() const { return m_dutyCycle; }           // the start value if it did not run
+    std::uint32_t GetAdjustTime() const { return m_adjustTime; }  // milliseconds; 0 if it did not run
 
     // The duty that would bring the reference reading to the target, 0.0 to 100.0, taking the light as proportional to
-    // it. 100.0 where the reference is not above the dark count.
+    // it. 100.0 if the reference is not above the dark count.
     static double EstimateDutyCycle(double reference, double dutyCycle, double dark, double target);
 
 private:

@@ -1,4 +1,4 @@
-// The settings of the measurement, as its section of the settings file gives them. Plain values; whoever holds them
+// The settings of the measurement, as its section of the settings file gives them. Plain values; the owner
 // says which thread.
 #pragma once
 

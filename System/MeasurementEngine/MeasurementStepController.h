@@ -35,12 +35,11 @@ public:
     // Returns when the step has ended. False only for a null step: no measured value and no device fails a step.
     bool ExecuteStep(const StepParameters* step);
 
-    // Turns the pump by the prime count with the valve open, at one revolution a second; false too where that count is
-    // 0.
+    // Turns the pump by the prime count with the valve open, at one revolution a second; false too if that count is 0.
     bool PrimeFluidics();
     bool FindReAgentHome();
 
-    // From the counts as they stand; the chlorine in the unit of the cell constant.
+    // From the present counts; the chlorine in the unit of the cell constant.
     double GetChlorine() const;
     double GetAbsorbance() const;
     double GetTransmittance() const;
@@ -119,6 +118,6 @@ private:
     std::unique_ptr<ValvePWM> m_valve;
 };
 
-// The text of an adjustment's outcome, as the status lines of the step and of the cycle end: the duty in percent with
-// two percent signs behind it, then the time.
+// The end of the status texts of the adjustment and of the cycle: the duty in percent, followed by two percent signs,
+// then the time.
 StdString LEDResultText(double dutyCycle, std::uint32_t adjustTime);

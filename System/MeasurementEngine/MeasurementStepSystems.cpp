@@ -30,7 +30,7 @@ struct SystemTexts {
     const char* noWorker;
 };
 
-// The device first: it closes and gives its lines back while the worker still stands.
+// The device first: it gives its lines back while the worker still exists.
 template <typename Device, typename Worker>
 void Release(std::unique_ptr<Device>& device, std::unique_ptr<Worker>& worker) {
     device.reset();

@@ -45,7 +45,7 @@ std::int32_t ReAgentDeliveryProcessing::Exit() {
     return StepWorker::Exit();
 }
 
-// The time comes first, so a homing step too has to give an angle and a duration that make one.
+// The time is checked first, so a homing step too needs an angle and a duration that give one.
 void ReAgentDeliveryProcessing::PerformReAgentProcessing() {
     const StepParameters& step = *GetStep();
     const double turn = PumpTurn(m_pumpAngle, step.motorAngle);
@@ -86,7 +86,7 @@ bool ReAgentDeliveryProcessing::FindHomePosition(double speed) {
 }
 
 // From inside the high stretch the pump first runs off it, then on to the next rising edge. After one wait for that
-// edge the pump stands, seen or not, so the further tries only wait again.
+// edge the pump has stopped, seen or not, so the further tries only wait again.
 bool ReAgentDeliveryProcessing::FindRisingEdge(const FlagSensor& flag, double speed) {
     bool found = false;
     for (int tries = 0; !found && tries < HomingTries; ++tries) {
@@ -101,8 +101,8 @@ bool ReAgentDeliveryProcessing::FindRisingEdge(const FlagSensor& flag, double sp
     return found;
 }
 
-// A motor that fails within a move stays held until it is braked, and the next step would wait for it for ever. A move
-// that is refused outright, as one of no angle, leaves the motor alone.
+// A motor that fails within a move stays held until it is braked, and the next step would wait for it without end. A
+// move that is refused outright, as one of no angle, leaves the motor alone.
 void ReAgentDeliveryProcessing::Move(double angle, std::uint32_t time) {
     const bool moved = m_motor->MoveAngle(static_cast<float>(angle), PumpDutyCycle, time, false);
     if (!moved && angle > 0.0 && m_motor->IsValid()) {

@@ -16,8 +16,7 @@ public:
     void SetMotor(StepperDriverMotor* motor) { m_motor = motor; }  // not owned
 
     // Runs to the rising edge of the home flag and 5 degrees past it, at so many degrees a second, on the caller's
-    // thread. False, with a line in the log, without a motor or where the edge does not come in time; the motor then
-    // stands.
+    // thread. Without a motor, or if the edge does not come in time, it logs a line, stops the motor and returns false.
     bool FindHomePosition(double speed);
 
 private:

@@ -1,4 +1,4 @@
-// Opens or closes the sample valve for a step, and so it stays afterwards.
+// Opens or closes the sample valve for a step; it stays so afterwards.
 #pragma once
 
 #include "System/MeasurementEngine/StepWorker.h"

@@ -9,7 +9,7 @@
 double RawMean(const std::vector<double>& counts);
 double RawDeviation(const std::vector<double>& counts);
 
-// Without the `high` largest and the `low` smallest. 0.0 where that leaves nothing; the counts must be sorted,
+// Without the `high` largest and the `low` smallest. 0.0 if no sample remains; the counts must be sorted,
 // ascending.
 double TrimmedMean(const std::vector<double>& sorted, std::uint32_t high, std::uint32_t low);
 double TrimmedDeviation(const std::vector<double>& sorted, std::uint32_t high, std::uint32_t low);

@@ -12,13 +12,13 @@
 
 class StepDefinition : public XMLData {
 public:
-    // True where the last of the configured steps was read well; a table of fewer than nineteen is no failure here.
+    // True if the last of the configured steps was read well; a table of fewer than nineteen is no failure here.
     bool Load(const InfoContainer& steps);
 
     std::size_t GetSize() const { return m_steps.size(); }
 
-    // Null for a step that is not configured; the table then grows by an empty entry, which the cycle's loop over the
-    // table's size relies on. NO_STEP gives null and adds nothing.
+    // Null for a step that is not configured; the table then grows by an empty entry. NO_STEP gives null and adds
+    // nothing.
     const StepParameters* operator[](StepType step);
 
 private:

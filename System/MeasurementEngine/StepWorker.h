@@ -14,18 +14,17 @@ public:
     ~StepWorker() override = default;
 
     std::int32_t Run() override;
-    // A step that has been started ends by itself: the mark is kept for whoever looks, and no worker cuts its step
-    // short.
+    // A step that has been started ends by itself: no worker reads this flag.
     void Kill() override { m_abort = true; }
     std::int32_t Exit() override;
 
     // Not owned; it has to outlive the step.
     virtual void SetStep(const StepParameters* step) { m_step = step; }
 
-    // False where no thread runs: this worker is not asked for in the step, has no device, or got no thread. It has
-    // forgotten the step then.
+    // False if no thread runs: the step does not need this worker, there is no device, or no thread could be created.
+    // The worker then forgets the step.
     bool Start();
-    void Join();  // returns at once where no thread was started
+    void Join();  // returns at once if no thread was started
 
 protected:
     const StepParameters* GetStep() const { return m_step; }

@@ -39,7 +39,7 @@ TEST_F(OnChip, an_input_below_0_is_refused) {
               OnError("ADC: device does not exist"));
 }
 
-TEST_F(OnChip, a_missing_converter_is_told) {
+TEST_F(OnChip, a_missing_converter_is_reported) {
     SetFault("iio-missing");
     ADC adc;
     EXPECT_EQ(PrintedBy([&adc] { EXPECT_FALSE(adc.Open(6)); }), OnError("ADC: device does not exist"));
@@ -117,7 +117,7 @@ TEST_F(OnChip, the_voltage_is_counts_times_scale_by_1024_in_this_order) {
     }
 }
 
-TEST_F(OnChip, raw_counts_that_do_not_open_are_told) {
+TEST_F(OnChip, raw_counts_that_do_not_open_are_reported) {
     std::int32_t counts = 7;
     float voltage = 7.0F;
     FailCall("open", 1, EACCES);
@@ -128,14 +128,14 @@ TEST_F(OnChip, raw_counts_that_do_not_open_are_told) {
     EXPECT_EQ(voltage, 7.0F);
 }
 
-TEST_F(OnChip, raw_counts_that_cannot_be_read_are_told) {
+TEST_F(OnChip, raw_counts_that_cannot_be_read_are_reported) {
     std::int32_t counts = 7;
     FailCall("read", 1, EIO);
     EXPECT_EQ(PrintedBy([&] { EXPECT_FALSE(m_adc.ReadRaw(counts)); }), OnError("ADC: can't read raw counts"));
     EXPECT_EQ(counts, 7);
 }
 
-TEST_F(OnChip, a_scale_that_does_not_open_is_told) {
+TEST_F(OnChip, a_scale_that_does_not_open_is_reported) {
     float number = 7.0F;
     FailCall("open", 1, EACCES);
     EXPECT_EQ(PrintedBy([&] { EXPECT_FALSE(m_adc.ReadScale(number)); }), OnError("ADC: can't read the reference"));
@@ -144,7 +144,7 @@ TEST_F(OnChip, a_scale_that_does_not_open_is_told) {
     EXPECT_EQ(number, 7.0F);
 }
 
-TEST_F(OnChip, a_scale_that_is_no_number_is_told) {
+TEST_F(OnChip, a_scale_that_is_no_number_is_reported) {
     float scale = 7.0F;
     for (const char* text : {"", "volt", "nan", "inf", "1e", "1e+", "1e39", "-", "."}) {
         Board().SetIioScale(text);

@@ -152,7 +152,7 @@ TEST_F(Adc24Bit, a_reading_that_timed_out_is_not_converted) {
 }
 
 TEST_F(Adc24Bit, a_line_that_cannot_be_read_counts_as_a_try) {
-    FailCall("mmap", 2, EPERM);  // behind the chip select
+    FailCall("mmap", 2, EPERM);  // after the chip select
     const std::uint64_t accesses = Board().CallCount("mmap");
     Board().ScriptSpiRead({SpiAnswer::Count(5)});
     Adc24BitDriver driver(0);
@@ -183,7 +183,7 @@ TEST_F(Adc24Bit, a_chip_that_cannot_be_deselected_ends_the_reading) {
     EXPECT_EQ(driver.GetRaw(), 0U);
 }
 
-TEST_F(Adc24Bit, a_failed_read_is_told_and_passes_as_the_lower_limit) {
+TEST_F(Adc24Bit, a_failed_read_is_reported_and_passes_as_the_lower_limit) {
     Board().ScriptSpiRead({SpiAnswer::Count(5), SpiAnswer::Fail(EIO)});
     Adc24BitDriver driver(0);
     driver.Read(true);

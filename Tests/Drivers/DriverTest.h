@@ -50,7 +50,7 @@ protected:
     static Texts TakeTrace();
     static void SetFault(const std::string& text);
     static void ClearFault(const std::string& name);
-    // Lets the nth call from now fail.
+    // Makes the nth call from now fail.
     static void FailCall(const std::string& kind, int n, int error);
     // What went to the log since the last call.
     static std::vector<LogCall> TakeLog();

@@ -13,7 +13,7 @@ protected:
 
     Flag() { Board().DrivePin(Bank, Pin, false); }
 
-    // Lets the flag change as soon as someone waits for it.
+    // Changes the flag as soon as a wait for it has begun.
     static std::thread Turn(bool level) {
         return std::thread([level, polls = Board().CallCount("poll")] {
             EXPECT_TRUE(Board().WaitUntil([polls] { return Board().CallCount("poll") > polls; }));
@@ -73,7 +73,7 @@ TEST_F(Flag, waiting_for_low_sees_the_falling_edge) {
     turn.join();
 }
 
-TEST_F(Flag, the_other_edge_ends_the_wait_in_vain) {
+TEST_F(Flag, the_other_edge_ends_the_wait_with_false) {
     const FlagSensor flag;
     std::thread rise = Turn(true);
     EXPECT_FALSE(flag.WaitForLow(60000));

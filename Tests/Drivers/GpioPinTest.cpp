@@ -32,7 +32,7 @@ const GpioLevel EveryBitOfALevel[] = {LOW_GPIO_LEVEL, HIGH_GPIO_LEVEL};
 
 }  // namespace
 
-TEST_F(Gpio, a_pin_is_an_input_without_edge_detection_unless_told_otherwise) {
+TEST_F(Gpio, a_pin_is_an_input_without_edge_detection_by_default) {
     const GpioPin pin({Bank, Pin});
     EXPECT_TRUE(pin.IsValid());
     EXPECT_EQ(pin.GetMode(), INPUT_GPIO_MODE);
@@ -146,7 +146,7 @@ TEST_F(Gpio, without_the_pin_files_a_claim_is_invalid) {
               OnError("unable to lock a gpionot used yet\n"));
 }
 
-TEST_F(Gpio, a_release_that_the_kernel_refuses_is_told) {
+TEST_F(Gpio, a_release_that_the_kernel_refuses_is_reported) {
     GpioPin pin({Bank, Pin});
     SetFault("write-refused=unexport");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Unexport()); }), OnError("unable to release a gpio"));
@@ -160,7 +160,7 @@ TEST_F(Gpio, a_pin_that_is_not_claimed_cannot_be_released) {
     EXPECT_TRUE(pin.Export());
 }
 
-TEST_F(Gpio, every_operation_on_a_released_pin_tells_that_it_is_not_locked) {
+TEST_F(Gpio, every_operation_on_a_released_pin_prints_that_it_is_not_locked) {
     GpioPin pin = EdgeInput();
     pin.Unexport();
     TakeTrace();
@@ -174,7 +174,7 @@ TEST_F(Gpio, every_operation_on_a_released_pin_tells_that_it_is_not_locked) {
     EXPECT_TRUE(pin.Export());
 }
 
-TEST_F(Gpio, writing_to_a_released_output_tells_that_it_is_not_locked) {
+TEST_F(Gpio, writing_to_a_released_output_prints_that_it_is_not_locked) {
     GpioPin pin = Output();
     pin.Unexport();
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Write(1)); }), OnError("not locked yet\n"));
@@ -192,7 +192,7 @@ TEST_F(Gpio, the_direction_is_out_for_an_output_and_in_for_any_other_mode) {
                                   "/sys/class/gpio/pioB15/direction=in", "/sys/class/gpio/pioB15/direction=in"}));
 }
 
-TEST_F(Gpio, a_refused_direction_is_told_and_keeps_the_mode) {
+TEST_F(Gpio, a_refused_direction_is_reported_and_keeps_the_mode) {
     GpioPin pin({Bank, Pin});
     SetFault("write-refused=direction");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.SetDirection(OUTPUT_GPIO_MODE)); }),
@@ -213,7 +213,7 @@ TEST_F(Gpio, each_edge_has_its_text_and_an_unknown_one_is_none) {
                                   "/sys/class/gpio/pioB15/edge=none"}));
 }
 
-TEST_F(Gpio, a_refused_edge_is_told_and_keeps_the_edge) {
+TEST_F(Gpio, a_refused_edge_is_reported_and_keeps_the_edge) {
     GpioPin pin({Bank, Pin});
     SetFault("write-refused=edge");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.SetEdge(RISING_GPIO_EDGE)); }),
@@ -272,7 +272,7 @@ TEST_F(Gpio, only_level_1_writes_high) {
                                   "/sys/class/gpio/pioB15/value=0", "/sys/class/gpio/pioB15/value=0"}));
 }
 
-TEST_F(Gpio, a_refused_level_is_told) {
+TEST_F(Gpio, a_refused_level_is_reported) {
     GpioPin pin = Output();
     SetFault("write-refused=value");
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_FALSE(pin.Write(1)); }), OnError("unable to set the gpio value"));
@@ -295,7 +295,7 @@ TEST_F(Gpio, a_wait_without_an_edge_times_out_which_is_neither_low_nor_high) {
     EXPECT_EQ(PrintedBy([&pin] { EXPECT_EQ(pin.WaitForEdge(100), TIME_OUT_GPIO_LEVEL); }), Silence);
 }
 
-TEST_F(Gpio, a_wait_gives_the_level_behind_the_edge) {
+TEST_F(Gpio, a_wait_gives_the_level_after_the_edge) {
     const GpioPin pin = EdgeInput();
     EXPECT_EQ(WaitWhileDriven(pin, true), HIGH_GPIO_LEVEL);
     EXPECT_EQ(WaitWhileDriven(pin, false), LOW_GPIO_LEVEL);
@@ -320,7 +320,7 @@ TEST_F(Gpio, a_failed_poll_counts_as_a_time_out) {
     EXPECT_EQ(pin.WaitForEdge(60000), TIME_OUT_GPIO_LEVEL);
 }
 
-TEST_F(Gpio, a_level_that_cannot_be_read_behind_the_edge_is_an_error) {
+TEST_F(Gpio, a_level_that_cannot_be_read_after_the_edge_is_an_error) {
     const GpioPin pin = EdgeInput();
     FailCall("read", 2, EIO);
     EXPECT_EQ(WaitWhileDriven(pin, true), ERROR_GPIO_LEVEL);

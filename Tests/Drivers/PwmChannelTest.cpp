@@ -10,7 +10,7 @@ namespace {
 class Pwm : public DriverTest {
 protected:
     // Of the calls that one Set makes on a channel that is switched off, the number of the open of each file.
-    static constexpr int OpenOfReset = 4;  // behind the directory, and directory and file of the state
+    static constexpr int OpenOfReset = 4;  // after the directory, and directory and file of the state
     static constexpr int OpenOfPeriod = 5;
     static constexpr int OpenOfDuty = 6;
 
@@ -128,7 +128,7 @@ TEST_F(Pwm, a_wrong_channel_leaves_the_others_alone_at_its_end) {
 
 TEST_F(Pwm, without_an_export_file_the_channel_is_invalid) {
     std::unique_ptr<PwmChannel> channel;
-    FailCall("open", 3, EACCES);  // behind the count and the channel directory
+    FailCall("open", 3, EACCES);  // after the count and the channel directory
     EXPECT_EQ(PrintedBy([&channel] { channel = std::make_unique<PwmChannel>(0); }), OnError("unable to lock a pwm"));
     EXPECT_FALSE(channel->IsValid());
 }
@@ -156,14 +156,14 @@ TEST_F(Pwm, enabling_writes_1_and_disabling_0) {
     EXPECT_EQ(TakeTrace(), (Texts{"/sys/class/pwm/pwmchip0/pwm0/enable=0", "/sys/class/pwm/pwmchip0/pwm0/enable=1"}));
 }
 
-TEST_F(Pwm, enabling_a_released_channel_is_told_on_the_output) {
+TEST_F(Pwm, enabling_a_released_channel_is_reported_on_the_output) {
     PwmChannel channel(0);
     channel.Unexport();
     EXPECT_EQ(PrintedBy([&channel] { EXPECT_FALSE(channel.Enable(true)); }), OnOutput("not locked yet\n"));
     EXPECT_TRUE(channel.Export());
 }
 
-TEST_F(Pwm, enabling_without_an_enable_file_is_told_on_the_error_stream) {
+TEST_F(Pwm, enabling_without_an_enable_file_is_reported_on_the_error_stream) {
     PwmChannel channel(0);
     FailCall("open", 2, EACCES);
     EXPECT_EQ(PrintedBy([&channel] { EXPECT_FALSE(channel.Enable(true)); }), OnError("unable to enable a pwm"));
@@ -176,7 +176,7 @@ TEST_F(Pwm, a_refused_enabling_goes_unnoticed) {
     EXPECT_EQ(TakeTrace(), (Texts{"/sys/class/pwm/pwmchip0/pwm0/enable=1 !EINVAL"}));
 }
 
-TEST_F(Pwm, a_released_channel_is_not_enabled_and_tells_so) {
+TEST_F(Pwm, a_released_channel_is_not_enabled_and_prints_it) {
     PwmChannel channel(0);
     channel.Unexport();
     EXPECT_EQ(PrintedBy([&channel] { EXPECT_FALSE(channel.IsEnabled()); }), OnError("not locked yet\n"));
@@ -307,7 +307,7 @@ TEST_F(Pwm, setting_the_duty_keeps_the_frequency) {
     EXPECT_EQ(TakeTrace(), SetUp("1000000", "750000"));
 }
 
-TEST_F(Pwm, setting_a_duty_after_one_that_was_too_high_works_with_the_stored_frequency) {
+TEST_F(Pwm, a_duty_after_one_that_was_too_high_uses_the_stored_frequency) {
     PwmChannel channel(0);
     channel.Set(0.5F, 50.0F);
     channel.Enable(false);
@@ -338,7 +338,7 @@ TEST_F(Pwm, a_channel_that_cannot_be_disabled_cannot_be_set) {
     EXPECT_EQ(channel.GetFrequency(), 1000.0F);
 }
 
-TEST_F(Pwm, a_duty_that_cannot_be_reset_is_told) {
+TEST_F(Pwm, a_duty_that_cannot_be_reset_is_reported) {
     PwmChannel channel(0);
     TakeTrace();
     FailCall("open", OpenOfReset, EACCES);
@@ -356,7 +356,7 @@ TEST_F(Pwm, without_a_period_file_the_channel_stays_off_and_counts_as_set) {
     EXPECT_FALSE(Board().Pwm(0).enabled);
 }
 
-TEST_F(Pwm, a_duty_that_cannot_be_set_is_told) {
+TEST_F(Pwm, a_duty_that_cannot_be_set_is_reported) {
     PwmChannel channel(0);
     TakeTrace();
     FailCall("open", OpenOfDuty, EACCES);

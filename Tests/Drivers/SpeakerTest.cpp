@@ -21,7 +21,7 @@ class SpeakerTest : public DriverTest {
 protected:
     SpeakerTest() { LaySoundClip(Board().Folder(), "clip.wav", 2); }
 
-    // So that what stands in the board's files is the next test's alone.
+    // So that the next test finds only its own texts in the board's files.
     ~SpeakerTest() override { std::filesystem::remove(Board().Folder() + Clip); }
 
     static void WaitForCalls(std::size_t count) {
@@ -36,7 +36,7 @@ protected:
         });
     }
 
-    // As the parent told it.
+    // As the parent printed it.
     static pid_t ChildOf(const Printed& printed) {
         const std::string mark = " and Child pid = ";
         const std::size_t at = printed.output.find(mark);
@@ -100,7 +100,7 @@ TEST_F(SpeakerTest, does_not_look_at_what_the_mixer_ends_with) {
     }
 }
 
-TEST_F(SpeakerTest, fails_where_no_shell_can_be_started) {
+TEST_F(SpeakerTest, fails_if_no_shell_can_be_started) {
     FailCall("system", 1, EAGAIN);
     EXPECT_FALSE(speaker->SetUnmuted(true));
     FailCall("system", 1, EAGAIN);
@@ -119,7 +119,7 @@ TEST_F(SpeakerTest, plays_again_and_again_with_the_gap_between) {
     EXPECT_GE(times.at(2) - times.at(1), 5.0);
 }
 
-TEST_F(SpeakerTest, tells_both_processes_numbers_on_the_output) {
+TEST_F(SpeakerTest, prints_the_numbers_of_both_processes) {
     const Printed printed = Start();
     const std::string own = std::to_string(getpid());
     const std::string child = std::to_string(ChildOf(printed));
@@ -139,7 +139,7 @@ TEST_F(SpeakerTest, refuses_a_second_play_and_goes_on_with_the_first) {
     EXPECT_FALSE(Exists(child));
 }
 
-TEST_F(SpeakerTest, says_so_where_no_process_is_to_be_had_and_can_play_later) {
+TEST_F(SpeakerTest, reports_a_failed_fork_and_can_play_later) {
     FailCall("fork", 1, EAGAIN);
     EXPECT_EQ(PrintedBy([this] { EXPECT_FALSE(speaker->Play(Clip, Second)); }), OnError("Speaker: error in play fork"));
     Start();
@@ -172,7 +172,7 @@ TEST_F(SpeakerTest, stops_within_a_second_or_so_and_leaves_no_process) {
     EXPECT_EQ(errno, ECHILD);
 }
 
-TEST_F(SpeakerTest, lets_a_clip_that_sounds_play_to_its_end) {
+TEST_F(SpeakerTest, a_playing_clip_goes_on_to_its_end) {
     LaySoundClip(Board().Folder(), "clip.wav", 60);
     Start();
     EXPECT_TRUE(Board().WaitUntil([] { return Board().SoundPlaying(); }));
@@ -182,7 +182,7 @@ TEST_F(SpeakerTest, lets_a_clip_that_sounds_play_to_its_end) {
     EXPECT_EQ(Board().SoundCalls(), Texts{ClipCall});
 }
 
-TEST_F(SpeakerTest, has_nothing_to_stop_where_nothing_plays) {
+TEST_F(SpeakerTest, stops_nothing_if_nothing_plays) {
     EXPECT_EQ(PrintedBy([this] { EXPECT_TRUE(speaker->Stop()); }), Silence);
     Start();
     speaker->Stop();

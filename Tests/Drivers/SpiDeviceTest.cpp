@@ -54,7 +54,7 @@ TEST_F(Spi, the_first_setting_that_fails_ends_the_opening_with_its_text) {
     }
 }
 
-TEST_F(Spi, a_missing_device_is_told_and_moves_nothing) {
+TEST_F(Spi, a_missing_device_is_reported_and_moves_nothing) {
     SetFault("spi-missing");
     std::unique_ptr<SpiDevice> device;
     EXPECT_EQ(PrintedBy([&device] { device = std::make_unique<SpiDevice>(); }), OnError("could not open SPI device"));
@@ -86,13 +86,13 @@ TEST_F(Spi, the_destructor_closes_the_device) {
     EXPECT_EQ(OpenFiles(), files);
 }
 
-TEST_F(Spi, a_device_that_does_not_close_is_told) {
+TEST_F(Spi, a_device_that_does_not_close_is_reported) {
     auto device = std::make_unique<SpiDevice>();
     FailCall("close", 1, EIO);
     EXPECT_EQ(PrintedBy([&device] { device.reset(); }), OnError("Could not close SPI device"));
 }
 
-TEST_F(Spi, a_write_is_good_if_the_whole_length_went) {
+TEST_F(Spi, a_write_succeeds_if_the_whole_length_was_written) {
     const SpiDevice device;
     TakeTrace();
     const std::uint16_t word = 0xA080;
@@ -105,7 +105,7 @@ TEST_F(Spi, a_write_is_good_if_the_whole_length_went) {
               Silence);
 }
 
-TEST_F(Spi, a_read_is_good_if_the_whole_length_came) {
+TEST_F(Spi, a_read_succeeds_if_the_whole_length_was_read) {
     const SpiDevice device;
     TakeTrace();
     std::array<std::uint16_t, 2> words{};
@@ -129,7 +129,7 @@ TEST_F(Spi, a_transfer_replaces_what_went_out_with_what_came_in) {
     EXPECT_EQ(TakeTrace(), (Texts{"spi transfer a080 0001 > 1234 5678"}));
 }
 
-TEST_F(Spi, a_transfer_that_fails_is_told) {
+TEST_F(Spi, a_transfer_that_fails_is_reported) {
     const SpiDevice device;
     std::uint16_t word = 0;
     Board().ScriptSpiRead({SpiAnswer::Fail(EIO), SpiAnswer::Fail(EIO)});
@@ -167,7 +167,7 @@ TEST_F(Spi, a_word_transfer_of_8_bits_moves_bytes_and_of_9_bits_pairs) {
     EXPECT_EQ(TakeTrace(), (Texts{"spi transfer 2211 > 4433"}));
 }
 
-TEST_F(Spi, a_word_transfer_of_half_a_word_or_of_more_words_than_a_request_holds_is_refused) {
+TEST_F(Spi, a_word_transfer_of_half_a_word_or_of_too_many_words_is_refused) {
     const SpiDevice device;
     TakeTrace();
     std::array<std::uint16_t, 512> words{};

@@ -82,7 +82,7 @@ TEST_F(Stepper, an_invalid_motor_does_nothing_and_says_nothing) {
     EXPECT_EQ(TakeTrace(), Texts{});
 }
 
-TEST_F(Stepper, the_enable_line_is_an_output_that_disables_the_chip_and_comes_before_the_channel) {
+TEST_F(Stepper, the_enable_line_disables_the_chip_before_the_channel_is_claimed) {
     StepperDriverBase motor(Channel);
     EXPECT_TRUE(motor.IsValid());
     EXPECT_TRUE(motor.SetUpEnablePin(Enable));

@@ -284,7 +284,7 @@ TEST_F(StepperMotor, braking_again_is_good) {
     EXPECT_TRUE(motor->MoveAngle(90.0F, 50.0F, 10, false));
 }
 
-TEST_F(StepperMotor, a_brake_that_fails_is_told_and_lets_the_motor_go) {
+TEST_F(StepperMotor, a_brake_that_fails_is_reported_and_releases_the_motor) {
     const auto motor = Motor();
     motor->StartMotor(50.0F, 1600.0F, 7);
     motor->Stop();

@@ -30,7 +30,7 @@ TEST_F(Valve, initialising_claims_the_channel_and_leaves_the_valve_as_it_is) {
     EXPECT_EQ(TakeTrace(), (Texts{"/sys/class/pwm/pwmchip0/export=3"}));
 }
 
-TEST_F(Valve, initialising_again_claims_the_channel_anew) {
+TEST_F(Valve, initializing_again_claims_the_channel_again) {
     ValvePWM valve(3, 1000);
     MakeReady(valve);
     EXPECT_EQ(PrintedBy([&valve] { EXPECT_TRUE(valve.Initialize()); }), Silence);
@@ -62,7 +62,7 @@ TEST_F(Valve, with_a_switch_delay_of_0_an_opened_valve_keeps_the_opening_duty) {
     EXPECT_EQ(TakeTrace(), Opened("900000"));
 }
 
-TEST_F(Valve, an_opened_valve_drops_to_the_hold_duty_behind_the_switch_delay) {
+TEST_F(Valve, an_opened_valve_drops_to_the_hold_duty_after_the_switch_delay) {
     ValvePWM valve(3, 1000);
     MakeReady(valve);
     valve.SetSwitchValues(200, 40.0F);
@@ -77,7 +77,7 @@ TEST_F(Valve, an_opened_valve_drops_to_the_hold_duty_behind_the_switch_delay) {
     EXPECT_EQ(TakeTrace(), expected);
 }
 
-TEST_F(Valve, a_valve_that_does_not_open_is_told) {
+TEST_F(Valve, a_valve_that_does_not_open_is_reported) {
     ValvePWM valve(3, 1000);
     MakeReady(valve);
     SetFault("pwm-missing");
@@ -87,7 +87,7 @@ TEST_F(Valve, a_valve_that_does_not_open_is_told) {
     ClearFault("pwm-missing");
 }
 
-TEST_F(Valve, a_valve_that_does_not_drop_to_the_hold_duty_fails_without_a_text_of_its_own) {
+TEST_F(Valve, a_valve_that_does_not_drop_to_the_hold_duty_fails_without_a_text) {
     ValvePWM valve(3, 1000);
     MakeReady(valve);
     valve.SetSwitchValues(10, 40.0F);
@@ -113,7 +113,7 @@ TEST_F(Valve, closing_a_closed_valve_is_good) {
     EXPECT_TRUE(valve.ValveOff());
 }
 
-TEST_F(Valve, a_valve_that_does_not_close_is_told) {
+TEST_F(Valve, a_valve_that_does_not_close_is_reported) {
     ValvePWM valve(3, 1000);
     MakeReady(valve);
     FailCall("open", 2, EACCES);

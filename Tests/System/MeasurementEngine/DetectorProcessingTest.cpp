@@ -49,7 +49,7 @@ std::int64_t MilliSecondsBetween(const TimeInfo& first, const TimeInfo& second) 
 
 TEST_F(Detector, is_named_after_its_class) { EXPECT_EQ(detector.GetThreadName(), "DetectorProcessing"); }
 
-TEST_F(Detector, a_reading_is_the_command_of_channel_0_and_after_250_ms_a_read_of_two_words) {
+TEST_F(Detector, a_reading_is_a_command_and_after_250_ms_a_read_of_two_words) {
     Board().ScriptSpiRead({Bench::SpiAnswer::Words(0x2000, 0x0020)});
     Board().ClearTrace();
     Sample();
@@ -177,7 +177,7 @@ TEST_F(Detector, a_refused_start_forgets_the_step) {
     EXPECT_FALSE(detector.Start());
 }
 
-TEST_F(Detector, a_join_leaves_no_thread_behind) {
+TEST_F(Detector, a_join_clears_the_thread_id) {
     Sample();
     EXPECT_EQ(detector.GetThreadId(), pthread_t{0});
 }

@@ -104,7 +104,7 @@ TEST_F(SampleDelivery, opens_with_full_duty_and_drops_to_hold) {
     EXPECT_TRUE(Board().Pwm(3).enabled);
 }
 
-TEST_F(SampleDelivery, closes_where_the_step_does_not_ask_for_the_valve) {
+TEST_F(SampleDelivery, closes_if_the_step_does_not_ask_for_the_valve) {
     Work();
     EXPECT_EQ(Board().Trace(), Texts{Pwm + "3/enable=0"});
 }
@@ -129,7 +129,7 @@ TEST_F(StirBar, runs_for_the_duration_at_640_hertz) {
     EXPECT_GE(TimeOf(Pwm + "2/enable=0") - TimeOf(Pwm + "2/enable=1"), 2.0);
 }
 
-TEST_F(StirBar, stands_still_where_the_step_does_not_ask_for_it) {
+TEST_F(StirBar, stays_at_rest_if_the_step_does_not_ask_for_it) {
     step.stirringOn = false;
     ExpectNoThread();
     EXPECT_EQ(Board().Trace(), Texts{});
@@ -187,7 +187,7 @@ TEST(PumpTurnTime, is_computed_in_single_precision) {
     EXPECT_EQ(PumpTurnTime(1e9F, 1, 16777217), 16777216U);
 }
 
-TEST(PumpTurnTime, settings_out_of_all_range_end_at_the_bounds) {
+TEST(PumpTurnTime, settings_out_of_range_end_at_the_bounds) {
     EXPECT_EQ(PumpTurnTime(1e30F, 1, 0xFFFFFFFF), 2147483648U);
     EXPECT_EQ(PumpTurnTime(-1e30F, 1, 0xFFFFFFFF), 0U);
     EXPECT_EQ(PumpTurnTime(1e30F, 0, 1000), 0U);
@@ -222,14 +222,14 @@ TEST_F(Pump, a_turn_is_traced_from_current_to_brake) {
     EXPECT_GE(TimeOf(Pwm + "1/enable=0") - TimeOf(Pwm + "1/enable=1"), 1.0);
 }
 
-TEST_F(Pump, the_way_to_an_angle_behind_goes_forward_in_the_time_of_the_angle_itself) {
+TEST_F(Pump, a_smaller_angle_is_reached_forward_in_the_time_of_the_angle_itself) {
     Turn(280.0F, 280, 5000);
     EXPECT_EQ(Periods(), Texts{Pwm + "1/period=803571"});  // 280 degrees in a second
     Turn(90.0F, 90, 5000);
     EXPECT_EQ(Periods(), Texts{Pwm + "1/period=1323529"});  // 170 degrees in a second
 }
 
-TEST_F(Pump, an_angle_below_one_degree_is_told_and_not_turned) {
+TEST_F(Pump, an_angle_below_one_degree_is_reported_and_not_turned) {
     Turn(0.5F, 60, 1000);
     EXPECT_EQ(LogLines(), Texts{InvalidTurnTime});
     EXPECT_EQ(Board().Trace(), Texts{});
@@ -253,7 +253,7 @@ TEST_F(Pump, a_homing_step_without_a_turn_time_does_not_home) {
     EXPECT_EQ(Board().Trace(), Texts{});
 }
 
-TEST_F(PumpInRealTime, homing_at_360_degrees_a_second_steps_at_1600_hertz_and_stands_5_degrees_past_the_edge) {
+TEST_F(PumpInRealTime, homing_steps_at_1600_hertz_and_stops_5_degrees_past_the_edge) {
     Board().SetSpeed(0.25);  // the low stretch passes in 125 ms
     EXPECT_TRUE(worker.FindHomePosition(360.0));
     // The way past the edge: 5 degrees in 13 ms.
@@ -272,7 +272,7 @@ TEST_F(Pump, homing_claims_the_flag_with_both_edges_and_gives_it_back) {
     EXPECT_EQ(trace.back(), Gpio + "unexport=50");
 }
 
-TEST_F(Pump, homing_begins_the_angle_anew) {
+TEST_F(Pump, homing_resets_the_angle) {
     Turn(270.0F, 270, 5000);
     step.findStartPosition = true;
     SetPumpAngle(300.0);
@@ -294,7 +294,7 @@ TEST_F(PumpInRealTime, a_flag_that_stays_high_ends_the_homing_after_390_degrees)
     EXPECT_FALSE(Board().Pin(1, 18).claimed);
 }
 
-TEST_F(PumpInRealTime, a_flag_that_stays_low_stops_the_pump_after_one_second_and_is_waited_for_twice_more) {
+TEST_F(PumpInRealTime, a_flag_that_stays_low_is_waited_for_three_times) {
     SetFault("flag-stuck-low");
     EXPECT_FALSE(worker.FindHomePosition(360.0));
     EXPECT_EQ(LogLines(), Texts{NoHome});
@@ -320,7 +320,7 @@ TEST_F(Pump, a_stalled_pump_is_not_found_home) {
     EXPECT_EQ(LogLines(), Texts{NoHome});
 }
 
-TEST_F(Pump, without_a_motor_homing_is_told_and_fails) {
+TEST_F(Pump, without_a_motor_homing_is_reported_and_fails) {
     worker.SetMotor(nullptr);
     EXPECT_FALSE(worker.FindHomePosition(180.0));
     EXPECT_EQ(LogLines(), Texts{"ReAgentDeliveryProcessing::FindHomePosition Unable to find Home position due to "

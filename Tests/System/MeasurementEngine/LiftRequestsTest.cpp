@@ -91,7 +91,7 @@ TEST_F(Lift, signals_without_a_converter_channel_give_the_requested_number_of_ze
     EXPECT_EQ(Board().Trace(), Texts{});
 }
 
-TEST_F(Lift, signals_outside_of_all_ranges_are_zero) {
+TEST_F(Lift, signals_out_of_range_are_zero) {
     EXPECT_EQ(ReadOne(10069), 0);
     EXPECT_EQ(ReadOne(10102), 0);
     EXPECT_EQ(Board().Trace(), Texts{});
@@ -99,7 +99,7 @@ TEST_F(Lift, signals_outside_of_all_ranges_are_zero) {
 
 TEST_F(Lift, no_reading_wanted_gives_an_empty_answer) { EXPECT_TRUE(Read(10070, 0).empty()); }
 
-// One test, since the process opens the converter's bus once, on the board that stands then.
+// One test, since the process opens the converter's bus once, on the board of that moment.
 TEST_F(Lift, converter_signals_are_two_ids_a_channel_and_only_channel_0_has_a_value) {
     Board().ScriptSpiRead({Bench::SpiAnswer::Count(-1234), Bench::SpiAnswer::Count(5678)});
     EXPECT_EQ(ReadOne(10070), -1234);
@@ -117,7 +117,7 @@ TEST_F(Lift, converter_signals_are_two_ids_a_channel_and_only_channel_0_has_a_va
     EXPECT_EQ(LogLines(), Texts{});
 }
 
-TEST_F(Lift, multiplexer_signals_are_millivolts_cut_to_whole_ones) {
+TEST_F(Lift, multiplexer_signals_are_whole_millivolts) {
     Board().SetIioScale("1.0");
     Board().SetMultiplexerRaw(0, 1500);   // 1.46484 V
     Board().SetMultiplexerRaw(15, 1024);  // 1 V
@@ -134,7 +134,7 @@ TEST_F(Lift, the_demultiplexer_lines_are_given_back) {
     EXPECT_EQ(TraceOf("unexport=").size(), 4U);
 }
 
-TEST_F(Lift, a_voltage_that_can_not_be_read_is_zero) {
+TEST_F(Lift, a_voltage_that_cannot_be_read_is_zero) {
     Board().SetMultiplexerRaw(0, 1500);
     SetFault("iio-missing");
     testing::internal::CaptureStderr();
@@ -154,7 +154,7 @@ TEST_F(Lift, an_interval_below_one_second_is_not_waited_for) {
     EXPECT_LT(SecondsOf(readings[1]) - SecondsOf(readings[0]), 0.999);
 }
 
-TEST_F(Lift, an_interval_out_of_all_range_is_not_waited_for) {
+TEST_F(Lift, an_interval_out_of_range_is_not_waited_for) {
     EXPECT_EQ(Read(10084, 2, TimeSpec(-2147483647 - 1, 5)).size(), 2U);
     EXPECT_EQ(Read(10084, 2, TimeSpec(0, -2147483647 - 1)).size(), 2U);
     EXPECT_EQ(Read(10084, 2, TimeSpec(5, 2147483647)).size(), 2U);
@@ -189,7 +189,7 @@ TEST_F(Lift, an_input_pin_of_no_bank_answers_the_error_digit) {
     EXPECT_EQ(ReadPin(65535), "3");
 }
 
-TEST_F(Lift, an_input_pin_that_can_not_be_read_answers_the_error_digit) {
+TEST_F(Lift, an_input_pin_that_cannot_be_read_answers_the_error_digit) {
     SetFault("mem-missing");
     testing::internal::CaptureStderr();
     EXPECT_EQ(ReadPin(7), "3");
@@ -197,14 +197,14 @@ TEST_F(Lift, an_input_pin_that_can_not_be_read_answers_the_error_digit) {
     EXPECT_EQ(LogLines(), Texts{"MemoryMappedIO - 'Open' error"});
 }
 
-TEST_F(Lift, an_output_pin_that_can_not_be_written_answers_nothing) {
+TEST_F(Lift, an_output_pin_that_cannot_be_written_answers_nothing) {
     SetFault("gpio-missing");
     testing::internal::CaptureStderr();
     EXPECT_EQ(WritePin(69, "1"), "");
     testing::internal::GetCapturedStderr();
 }
 
-TEST_F(Lift, an_input_answer_without_memory_is_told) {
+TEST_F(Lift, an_input_answer_without_memory_is_reported) {
     const FailingAllocation failing(1);
     LIFTDigitalInput(TestDigitalInputPinsMessage());
     EXPECT_EQ(LogLines(), (Texts{NullMessage, "MeasurementEngineControl - sending digital input pins message failed"}));
@@ -235,7 +235,7 @@ TEST_F(Lift, an_output_pin_of_no_bank_answers_nothing) {
     EXPECT_EQ(Board().Trace(), Texts{});
 }
 
-TEST_F(Lift, an_output_answer_without_memory_is_told) {
+TEST_F(Lift, an_output_answer_without_memory_is_reported) {
     const FailingAllocation failing(1);
     LIFTDigitalOutput(TestDigitalOutputPinsMessage());
     EXPECT_EQ(LogLines(),
@@ -261,7 +261,7 @@ TEST_F(LiftPwmAtSpeed, function_0_switches_by_a_flag) {
     EXPECT_TRUE(Board().Pwm(1).enabled);
 }
 
-TEST_F(LiftPwmAtSpeed, functions_1_and_2_set_frequency_and_duty_each_at_the_others_present_value) {
+TEST_F(LiftPwmAtSpeed, functions_1_and_2_set_frequency_and_duty) {
     EXPECT_EQ(SetPwm(2, 1, "500.0"), "500.0");
     EXPECT_EQ(Board().Pwm(2).period, 2000000U);
     EXPECT_EQ(Board().Pwm(2).duty, 1000000U);
@@ -270,9 +270,9 @@ TEST_F(LiftPwmAtSpeed, functions_1_and_2_set_frequency_and_duty_each_at_the_othe
     EXPECT_EQ(Board().Pwm(2).duty, 500000U);
 }
 
-TEST_F(LiftPwmAtSpeed, a_channel_that_refuses_is_told_by_function_and_answered) {
+TEST_F(LiftPwmAtSpeed, a_channel_that_refuses_is_reported_by_function_and_answered) {
     EXPECT_EQ(SetPwm(3, 0, ""), "");
-    std::ofstream(Pwm + "unexport") << "3";  // behind its back
+    std::ofstream(Pwm + "unexport") << "3";  // without its knowledge
     ASSERT_FALSE(Board().Pwm(3).exported);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -296,7 +296,7 @@ TEST_F(LiftPwmAtSpeed, a_channel_that_the_board_does_not_have_is_answered_and_ta
     EXPECT_EQ(LogLines(), Texts{});
 }
 
-TEST_F(LiftPwmAtSpeed, an_answer_without_memory_is_told) {
+TEST_F(LiftPwmAtSpeed, an_answer_without_memory_is_reported) {
     TestPWMMessage request;
     request.SetId(4 * 3);
     const FailingAllocation failing(1);

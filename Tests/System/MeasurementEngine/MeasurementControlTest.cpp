@@ -65,7 +65,7 @@ class FaultyCycle : public SampleConfigurationCycle, public testing::WithParamIn
 
 }  // namespace
 
-// Creating a mutex does not fail on this system, so the test lets it.
+// Creating a mutex does not fail on this system, so the test makes it fail.
 extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) noexcept {
     using Function = int (*)(pthread_mutex_t*, const pthread_mutexattr_t*);
     if (mutexesFail) {
@@ -75,7 +75,7 @@ extern "C" int pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexatt
     return real(mutex, attributes);
 }
 
-TEST_F(Cycle, a_mutex_that_can_not_be_made_is_told) {
+TEST_F(Cycle, a_mutex_that_cannot_be_made_is_reported) {
     control.reset();
     mutexesFail = true;
     control = std::make_unique<MeasurementControl>();
@@ -153,7 +153,7 @@ TEST_F(Cycle, a_missing_step_ends_the_cycle_without_a_result) {
     EXPECT_TRUE(Results().empty());
 }
 
-TEST_F(Cycle, an_abort_lets_the_step_end_and_runs_no_other) {
+TEST_F(Cycle, an_abort_waits_for_the_step_and_runs_no_other) {
     settings.Step("VerifyFlow")["Stirring On"] = "true";
     settings.Step("VerifyFlow")["Duration"] = "20000";
     Install();
@@ -362,7 +362,7 @@ TEST_F(SampleConfigurationCycle, gives_the_chlorine_that_is_in_the_water) {
     EXPECT_EQ(LogLines(), Texts{});
 }
 
-TEST_F(SampleConfigurationCycle, gives_no_chlorine_where_no_reagent_comes) {
+TEST_F(SampleConfigurationCycle, gives_no_chlorine_if_no_reagent_comes) {
     SetFault("reagent-empty");
     Board().SetSpeed(3.0);
     EXPECT_TRUE(control->PrimeSystem());  // draws the line empty

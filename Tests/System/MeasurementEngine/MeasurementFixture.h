@@ -60,7 +60,7 @@ public:
         Wait([this] { return m_listens; });
     }
 
-    // No deadline of its own, since the clock may run fast: the test program's time-out ends a hang.
+    // Without a deadline, since the clock may run fast: the test program's time-out ends a hang.
     void Wait(const std::function<bool()>& condition) {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, condition);

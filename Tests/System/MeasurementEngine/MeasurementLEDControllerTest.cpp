@@ -60,7 +60,7 @@ protected:
         controller.Join();
     }
 
-    // Every trial sets the duty anew: first to 0, then to what it tries, in nanoseconds of the period.
+    // Every trial sets the duty again: first to 0, then to what it tries, in nanoseconds of the period.
     Texts Trials() const {
         Texts trials;
         bool reset = false;

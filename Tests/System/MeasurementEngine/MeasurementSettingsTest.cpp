@@ -149,7 +149,7 @@ TEST_F(CycleSettings, minus_one_as_switch_delay_keeps_the_valve_at_full_duty) {
     EXPECT_EQ(Results().size(), 1U);
 }
 
-TEST_F(CycleSettings, minus_one_as_switch_delay_lets_priming_end) {
+TEST_F(CycleSettings, minus_one_as_switch_delay_does_not_stop_priming) {
     settings.keys["SampleSwitchDelay"] = "-1";
     Install();
     EXPECT_TRUE(control->PrimeSystem());

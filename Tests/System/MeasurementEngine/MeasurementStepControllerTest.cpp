@@ -114,7 +114,7 @@ TEST_F(StepController, claims_the_lines_and_channels_of_the_instrument_in_order)
     EXPECT_EQ(LogLines(), Texts{});
 }
 
-TEST_F(StepController, a_new_cycle_stands_with_the_led_on_and_the_rest_at_rest) {
+TEST_F(StepController, a_new_cycle_starts_with_the_led_on_and_the_rest_off) {
     ASSERT_TRUE(controller.InitializeSystems());
     EXPECT_TRUE(Board().Pwm(0).enabled);
     EXPECT_EQ(Board().Pwm(0).period, 1000000U);
@@ -152,7 +152,7 @@ TEST_F(StepController, the_systems_can_be_made_again) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_P(StepControllerOutOfMemory, tells_what_it_could_not_make_and_stops_there) {
+TEST_P(StepControllerOutOfMemory, logs_what_it_could_not_make_and_stops_there) {
     const FailingAllocation failing(GetParam().allocation);
     EXPECT_FALSE(controller.InitializeSystems());
     EXPECT_EQ(LogLines(), Texts{ClassName + GetParam().text});
@@ -185,12 +185,12 @@ TEST_F(StepController, an_emitter_channel_beyond_all_digits_is_refused_by_the_ch
     EXPECT_EQ(testing::internal::GetCapturedStderr().substr(0, 17), "wrong pwm channel");
 }
 
-TEST_F(StepController, a_null_step_is_refused_without_a_word) {
+TEST_F(StepController, a_null_step_is_refused_without_a_text) {
     EXPECT_FALSE(controller.ExecuteStep(nullptr));
     EXPECT_EQ(StatusTexts(), Texts{});
 }
 
-TEST_F(StepController, tells_each_step_by_its_display_name) {
+TEST_F(StepController, reports_each_step_by_its_display_name) {
     ASSERT_TRUE(controller.InitializeSystems());
     StepParameters step = Step(SAMPLE_OPTICAL_MEASUREMENT_STEP);
     EXPECT_TRUE(controller.ExecuteStep(&step));
@@ -330,7 +330,7 @@ TEST_F(StepController, the_reference_changes_the_duty_for_the_next_cycle_and_not
     EXPECT_EQ(Board().Pwm(0).duty, 499750U);
 }
 
-TEST_F(StepController, without_the_adc_flag_the_last_count_stands) {
+TEST_F(StepController, without_the_adc_flag_the_last_count_stays) {
     ASSERT_TRUE(controller.InitializeSystems());
     StepParameters step = Step(DARK_COUNT_MEASUREMENT_STEP, 1);
     EXPECT_TRUE(controller.ExecuteStep(&step));
@@ -368,7 +368,7 @@ TEST_F(StepController, every_sampled_step_sends_its_samples_with_the_step) {
     EXPECT_EQ(data[0].GetSamples()[0].GetCount(), 4711.0);
 }
 
-TEST_F(StepController, an_adjustment_tells_its_duty_and_time) {
+TEST_F(StepController, an_adjustment_reports_its_duty_and_time) {
     controller.SetLEDSettleTime(100);
     ASSERT_TRUE(controller.InitializeSystems());
     Board().ScriptSpiRead({Bench::SpiAnswer::Count(1000000), Bench::SpiAnswer::Count(2000000)});
@@ -385,7 +385,7 @@ TEST_F(StepController, an_adjustment_tells_its_duty_and_time) {
     EXPECT_EQ(LastCounts(), std::vector<double>{2000000.0});  // of the last trial
 }
 
-TEST_F(StepController, an_adjustment_without_the_adc_flag_tells_the_unchanged_duty) {
+TEST_F(StepController, an_adjustment_without_the_adc_flag_reports_the_unchanged_duty) {
     ASSERT_TRUE(controller.InitializeSystems());
     Board().ClearTrace();
     StepParameters step = Step(LED_ADJUSTMENT_STEP, 20);
@@ -404,7 +404,7 @@ TEST_F(StepController, an_adjustment_without_its_workers_refuses_to_start) {
     EXPECT_EQ(Board().Trace(), Texts{});
 }
 
-TEST_F(StepController, an_adjustment_that_can_not_be_made_counts_as_done) {
+TEST_F(StepController, an_adjustment_that_cannot_be_made_counts_as_done) {
     ASSERT_TRUE(controller.InitializeSystems());
     const FailingAllocation failing(1);
     StepParameters step = Step(LED_ADJUSTMENT_STEP, 20);
@@ -443,7 +443,7 @@ TEST_F(StepController, priming_without_its_hardware_fails_and_gives_back_what_it
 
 TEST_F(StepController, finds_the_pump_home_with_hardware_of_its_own) {
     EXPECT_TRUE(controller.FindReAgentHome());
-    EXPECT_EQ(TraceOf("pwm1/period=")[0], Pwm + "pwm1/period=38461540");  // 26 steps a second, as a 32-bit float tells
+    EXPECT_EQ(TraceOf("pwm1/period=")[0], Pwm + "pwm1/period=38461540");  // 26 steps a second, as a 32-bit float
     ExpectNothingClaimed();
 }
 

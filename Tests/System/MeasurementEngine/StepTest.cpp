@@ -252,7 +252,7 @@ TEST(StepDefinition, asking_for_no_step_gives_null_and_makes_no_entry) {
     EXPECT_EQ(table.GetSize(), 0U);
 }
 
-TEST(StepDefinition, a_step_stands_under_the_number_that_its_item_says) {
+TEST(StepDefinition, a_step_has_the_number_of_its_item) {
     InfoContainer steps;
     ASSERT_TRUE(steps.AddItemContainer(StepItems({{"Step", "Mixing"}}), "Light"));
     StepDefinition table;

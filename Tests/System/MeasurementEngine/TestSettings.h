@@ -17,6 +17,6 @@ struct TestSettings {
     std::vector<std::map<std::string, std::string>> steps;  // by item, "Step" is the name
 };
 
-// The process's settings from a file; false where it can't be read.
+// The process's settings from a file; false if it can't be read.
 bool InstallSettings(const std::string& path);
 void RemoveSettings();
