@@ -12,7 +12,7 @@ public:
     void SetRequest(const CommunicationsCommand& request);
     const CommunicationsCommand& GetRequest() const { return m_request; }
     CommunicationsCommand& GetRequest() { return m_request; }
-    double GetRequestValue() const { return m_requestValue; }
+    double GetRequestValue() const { return m_requestValue; }  // stored only
 
     void SetClient(const TCPClient& client) { m_client = client; }  // the copy shares the connection
 

@@ -15,7 +15,6 @@ namespace {
 constexpr std::uint16_t FirstInputPin = 12000;
 constexpr std::uint16_t FirstOutputPin = 13000;
 constexpr std::uint16_t FirstPWM = 13300;
-constexpr double MillisecondsPerSecond = 1000.0;
 
 // What a service computer knows to expect of a link that carries every bit.
 constexpr std::int32_t LinkTestValues[] = {0x12345678, 0x33445566, 0x11997788};
@@ -34,7 +33,8 @@ enum Identification : std::uint16_t { DEVICE_ID = 30100, SERIAL_NUMBER = 30200, 
 
 constexpr std::uint16_t CollectMeasurement = 62100;
 
-std::uint32_t MillisecondsOf(double seconds) { return static_cast<std::uint32_t>(seconds * MillisecondsPerSecond); }
+// Each MOVE_TO command leads to the state whose number is one higher. The answer to RESET_SYSTEM follows the same rule.
+const StdString& NameOfStateAfter(CommandType command) { return ThreadStateNames[command + 1]; }
 
 StdString TextOf(PayloadContainer* payload) { return payload == nullptr ? StdString() : payload->Text(); }
 
@@ -109,14 +109,14 @@ void TestInterface::ProcessStateControl(const Request& request) {
 void TestInterface::MoveToState(const CommunicationsCommand* header, CommandType command) {
     m_isLinkDown = true;
     if (header != nullptr) {
-        const std::uint32_t period = MillisecondsOf(header->GetValue());
+        const std::uint32_t period = header->GetMilliseconds();
         if (period != 0) {
             StartTimer(MOVE_TO_TEST, period);
             m_phase = WAITING_PHASE;
             m_isLinkDown = false;
         }
     }
-    AnswerAndCount(ThreadStateNames[command + 1]);
+    AnswerAndCount(NameOfStateAfter(command));
     m_phase = COMMAND_HANDLED_PHASE;
     SendCommand(command);
 }
@@ -239,6 +239,6 @@ void TestInterface::ProcessMeasurementCommand(const Request& request) {
     m_phase = WAITING_PHASE;
     SendCommand(COLLECT_MEASUREMENT);
     if (m_response.GetAnswersToGo() >= 2) {
-        StartTimer(COLLECT_MEASUREMENT, MillisecondsOf(m_response.GetRequestValue()));
+        StartTimer(COLLECT_MEASUREMENT, m_response.GetRequest().GetMilliseconds());
     }
 }

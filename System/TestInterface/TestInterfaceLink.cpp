@@ -1,6 +1,7 @@
 // How the test interface comes to its link and loses it.
 #include <utility>
 
+#include "Frameworks/Utilities/TryMake.h"
 #include "System/TestInterface/TestInterface.h"
 
 bool TestInterface::CreateReceiver() {
@@ -8,8 +9,8 @@ bool TestInterface::CreateReceiver() {
     if (m_isKilled || m_receiver != nullptr) {
         return true;
     }
-    auto receiver = std::make_unique<ReceiverThread>();
-    if (receiver->GetThreadId() == 0) {
+    auto receiver = TryMake<ReceiverThread>();
+    if (receiver == nullptr || receiver->GetThreadId() == 0) {
         return false;
     }
     m_receiver = std::move(receiver);

@@ -54,6 +54,8 @@ public:
     // A whole part of 16 bits and ten-thousandths; setting drops smaller parts.
     float GetValue() const;
     void SetValue(float value);
+    // The value in seconds as milliseconds, truncated. Exact: as a float, 0.251 * 1000 gives 250.
+    std::uint32_t GetMilliseconds() const { return GetWhole() * 1000U + GetFraction() / 10U; }
     std::uint16_t GetWhole() const { return Get<std::uint16_t>(Whole); }
     std::uint16_t GetFraction() const { return Get<std::uint16_t>(Fraction); }
 

@@ -348,6 +348,29 @@ TEST_F(LinkCommands, take_no_measurement_that_nobody_asked_for) {
     SendUnanswered(peer, Frame(999));
 }
 
+// An identification leaves one answer to go, which a measurement would fill.
+TEST_F(LinkCommands, take_no_measurement_outside_a_request_for_one) {
+    const RawConnection peer = Connect();
+    EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("Chlorine Analyzer"));
+    Measured(1.0, 1);
+    SendUnanswered(peer, Frame(999));
+}
+
+// A period that ends in another state asks for a measurement too; its result is not taken there.
+TEST_F(LinkCommands, take_no_measurement_outside_the_test_state) {
+    const RawConnection peer = Connect();
+    peer.Send(Frame(62100).Count(2).Value(20));
+    WaitFor("Sending Command - COLLECT_MEASUREMENT");
+    Measured(1.0, 1);
+    Send(MOVE_TO_IDLE);
+    EXPECT_TRUE(WaitForState(TEST_INTERFACE, IDLE_STATE));
+    WaitFor("Sending Command - COLLECT_MEASUREMENT", 2);
+    Measured(2.0, 2);
+    Send(MOVE_TO_TEST);
+    EXPECT_TRUE(WaitForState(TEST_INTERFACE, TEST_STATE));
+    SendUnanswered(peer, Frame(999));
+}
+
 TEST_F(LinkCommands, x800_ends_a_sequence_of_measurements) {
     const RawConnection peer = Connect();
     peer.Send(Frame(62100).Count(3).Value(20));

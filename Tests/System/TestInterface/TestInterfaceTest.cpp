@@ -94,6 +94,20 @@ TEST_F(TestInterfaceAlone, says_so_where_the_link_can_not_have_a_thread_and_is_i
     EXPECT_THAT(Board().Trace(), ElementsAre());
 }
 
+TEST_F(TestInterfaceAlone, says_so_if_memory_has_run_out_for_the_receiver) {
+    Start();
+    Command(MOVE_TO_IDLE);
+    EXPECT_TRUE(WaitForState(IDLE_STATE));
+    FailingAllocation::FailSize(sizeof(ReceiverThread));
+    Command(MOVE_TO_TEST);
+    EXPECT_TRUE(WaitForState(TEST_STATE));
+    Command(MOVE_TO_IDLE);  // comes after all that the other one does
+    EXPECT_TRUE(WaitForState(IDLE_STATE));
+    EXPECT_THAT(log.Lines(),
+                ElementsAre("TestInterface::ProcessCommandMessage  Unable to transistion into \"TEST_STATE\""));
+    EXPECT_THAT(Board().Trace(), ElementsAre());
+}
+
 TEST_F(Requests, for_analog_readings_carry_period_signal_and_count) {
     const RawConnection peer = Connect();
     SendUnanswered(peer, Frame(10086).Value(2, 5000).Count(3));

@@ -222,3 +222,15 @@ TEST(PayloadContainer, appends_bytes_with_the_time_before_them) {
     ASSERT_EQ(wire.size(), 8U + 2U + 4U);
     EXPECT_EQ(Bytes(wire.begin() + 8, wire.begin() + 10), (Bytes{0x00, 0xFF}));
 }
+
+TEST(Header, gives_each_whole_millisecond_of_its_value) {
+    Bytes bytes(FullHeader);
+    for (std::uint32_t milliseconds = 0; milliseconds <= 60000; ++milliseconds) {
+        const std::uint32_t fraction = milliseconds % 1000 * 10;
+        PutLittleEndian(&bytes[18], 2, milliseconds / 1000);
+        PutLittleEndian(&bytes[20], 2, fraction);
+        ASSERT_EQ(Received(bytes).GetMilliseconds(), milliseconds);
+        PutLittleEndian(&bytes[20], 2, fraction + 9);  // cut off
+        ASSERT_EQ(Received(bytes).GetMilliseconds(), milliseconds);
+    }
+}

@@ -10,6 +10,21 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// SO_LINGER of this process's socket that is connected to the port: seconds, or -1 if it is off or there is none.
+int LingerOfSocketTo(int port) {
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+        sockaddr_in peer{};
+        socklen_t size = sizeof peer;
+        if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0 && ntohs(peer.sin_port) == port) {
+            linger value{};
+            socklen_t valueSize = sizeof value;
+            EXPECT_EQ(getsockopt(descriptor, SOL_SOCKET, SO_LINGER, &value, &valueSize), 0);
+            return value.l_onoff == 0 ? -1 : value.l_linger;
+        }
+    }
+    return -1;
+}
+
 class TCPClients : public LoggedTest {
 protected:
     ~TCPClients() override { TCPClient::SetInterfaceName("eth0"); }
@@ -44,6 +59,7 @@ TEST_F(TCPClients, connect_lingering_for_10_seconds) {
     EXPECT_TRUE(client.Connect(listener.Port()));
     EXPECT_TRUE(client.IsConnected());
     const RawConnection peer = listener.Accept();
+    EXPECT_EQ(LingerOfSocketTo(listener.Port()), 10);
     EXPECT_TRUE(client.SendString("x"));
     EXPECT_EQ(peer.Receive(1), Bytes{'x'});
     EXPECT_TRUE(client.CloseConnection());
