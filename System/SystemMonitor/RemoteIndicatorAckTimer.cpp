@@ -1,5 +1,6 @@
 #include "System/SystemMonitor/RemoteIndicatorAckTimer.h"
 
+#include "Frameworks/Utilities/TryMake.h"
 #include "System/Messages/AckTimerExpiredMessage.h"
 
 RemoteIndicatorAckTimer::RemoteIndicatorAckTimer() {
@@ -7,7 +8,10 @@ RemoteIndicatorAckTimer::RemoteIndicatorAckTimer() {
 }
 
 bool RemoteIndicatorAckTimer::TimerExpired() {
-    auto message = std::make_unique<AckTimerExpiredMessage>();
+    auto message = TryMake<AckTimerExpiredMessage>();
+    if (message == nullptr) {
+        return false;
+    }
     message->SetValue(0);
     return AckTimerExpiredMessage::SendToOwner(std::move(message));
 }

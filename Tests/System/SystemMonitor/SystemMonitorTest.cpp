@@ -176,6 +176,17 @@ TEST_F(SystemMonitorTest, logs_an_acknowledgement_that_does_not_come_in_time) {
     EXPECT_EQ(Errors(), (Texts{NoAcknowledgement}));
 }
 
+TEST_F(SystemMonitorTest, misses_an_expiry_that_memory_has_run_out_for) {
+    configuration.Set("AckTimeout", "2000");
+    Start();
+    FailingAllocation::FailSize(sizeof(AckTimerExpiredMessage));
+    Post(Measured(0.2));
+    LetPass(4.0);
+    EXPECT_EQ(ExpiriesLogged(), 0U);
+    Post(Measured(0.2));
+    WaitForLine(NoAcknowledgement);
+}
+
 TEST_F(SystemMonitorTest, takes_a_time_out_with_an_x_for_hexadecimal) {
     configuration.Set("AckTimeout", "0x2710");
     Start();
