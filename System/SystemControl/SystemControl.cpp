@@ -69,6 +69,12 @@ bool SystemControl::LoadSystemConfiguration() {
            SingletonBase::GetSystemConfiguration()->GetXML();
 }
 
+bool SystemControl::LoadUserConfiguration() {
+    auto file = std::make_unique<UserConfigurationFile>();
+    return file->Load("") && SingletonBase::SetUserConfiguration(std::move(file)) &&
+           SingletonBase::GetUserConfiguration()->GetXML();
+}
+
 bool SystemControl::ReadConfiguration() {
     const SystemControlConfigInfo* section = SingletonBase::GetSystemConfiguration()->GetSystemControlConfigInfo();
     if (section == nullptr) {

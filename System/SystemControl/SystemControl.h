@@ -20,6 +20,9 @@ public:
     bool ProcessDataMessage(DataMessage* message) override;
     bool ProcessTimeOut() override;
 
+    // Loads "./configuration/user.conf.xml" into SingletonBase. Complete, but nothing calls it.
+    static bool LoadUserConfiguration();
+
 private:
     bool AddThread(std::unique_ptr<ThreadControl> thread);
     bool CreateThreads();

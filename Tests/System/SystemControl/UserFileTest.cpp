@@ -26,4 +26,16 @@ TEST_F(UserFile, in_the_working_folder_is_not_loaded) {
     EXPECT_EQ(system->GetTimeOut(), -1);
 }
 
+TEST_F(UserFile, is_loaded_by_the_operation_that_nothing_calls) {
+    EXPECT_FALSE(SystemControl::LoadUserConfiguration()) << "there is no file";
+    EXPECT_EQ(SingletonBase::GetUserConfiguration(), nullptr);
+    m_folder.Write("configuration/user.conf.xml", Element("ROOT_OTHER", ""));
+    EXPECT_FALSE(SystemControl::LoadUserConfiguration()) << "the root is another";
+    m_folder.Write("configuration/user.conf.xml",
+                   Element("ROOT_USER", Element("USER_CONFIG_INFO", Item("Language", "4711"))));
+    EXPECT_TRUE(SystemControl::LoadUserConfiguration());
+    EXPECT_EQ(SingletonBase::GetUserConfiguration()->GetUserConfigInfo()->RequireValue("Language"), "4711");
+    SingletonBase::SetUserConfiguration(nullptr);
+}
+
 }  // namespace
