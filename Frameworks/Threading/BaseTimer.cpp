@@ -3,10 +3,18 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 
 BaseTimer::BaseTimer() { m_durationValue.Clear(); }
 
-BaseTimer::~BaseTimer() { EndRuns(); }
+BaseTimer::~BaseTimer() {
+    const MutexLock lock(m_mutex);
+    if (!m_ending) {
+        std::fputs("BaseTimer: a subclass did not call EndRuns in its destructor\n", stderr);
+        std::abort();
+    }
+}
 
 void BaseTimer::SetDuration(std::uint32_t milliseconds) {
     const MutexLock lock(m_mutex);

@@ -1,8 +1,8 @@
-// A one-shot timer: each Start makes a thread that sleeps for the duration and then, unless the timer was cancelled,
-// calls TimerExpired. The owner's thread sets, starts and kills it; TimerExpired runs on the timer's own thread. No run
-// outlives the timer: a sleep is cut short when the timer is destroyed, and such a run doesn't call TimerExpired. Every
-// class that can be instantiated has to call EndRuns first thing in its destructor, while its TimerExpired still
-// stands.
+// A one-shot timer: each Start creates a thread that sleeps for the duration and then calls TimerExpired, unless the
+// timer was cancelled. The owner's thread sets, starts and kills it; TimerExpired runs on the timer's own thread. No
+// run outlives the timer: its destruction cuts a sleep short, and such a run does not call TimerExpired. A final
+// subclass has to call EndRuns first in its destructor, while its TimerExpired still exists; the process aborts if it
+// does not.
 #pragma once
 
 #include <atomic>
@@ -19,13 +19,13 @@ public:
     BaseTimer& operator=(const BaseTimer&) = delete;
     ~BaseTimer() override;
 
-    // Milliseconds. A run takes the duration that stands when its thread begins.
+    // Milliseconds. A run takes the duration that is set when its thread begins.
     void SetDuration(std::uint32_t milliseconds);
     std::uint32_t GetDuration() const;
     TimeInfo GetDurationValue() const;  // the same as seconds and nanoseconds
 
-    // Also lifts an earlier Kill. A run that still sleeps goes on, so that both expire. False where there is no thread
-    // to be had.
+    // Also revokes an earlier Kill. A run that still sleeps goes on, so that both expire. False if no thread could be
+    // created.
     bool Start();
 
     std::int32_t Run() override;
@@ -35,7 +35,7 @@ public:
     bool Init() override;
 
 protected:
-    // False where the owner couldn't be told; nobody looks.
+    // False if the owner could not be notified; the result is ignored.
     virtual bool TimerExpired() = 0;
 
     // Wakes the runs that sleep and waits for all to end. Nothing starts afterwards.
@@ -44,7 +44,7 @@ protected:
 private:
     void NoteBegin();
     void NoteEnd();
-    bool Sleep();  // false where it was cut short
+    bool Sleep();  // false if it was cut short
     void JoinEnded();
 
     std::atomic<bool> m_cancelled = false;
@@ -54,7 +54,7 @@ private:
     std::uint32_t m_duration GUARDED_BY(m_mutex) = 0;
     TimeInfo m_durationValue GUARDED_BY(m_mutex);
     bool m_ending GUARDED_BY(m_mutex) = false;
-    int m_beginning GUARDED_BY(m_mutex) = 0;  // threads that were created and have not registered their id yet
+    int m_beginning GUARDED_BY(m_mutex) = 0;  // threads created that have not registered their id yet
     std::vector<pthread_t> m_running GUARDED_BY(m_mutex);
     std::vector<pthread_t> m_ended GUARDED_BY(m_mutex);  // not joined yet
 };

@@ -211,6 +211,13 @@ TEST(BaseTimer, ends_every_run_when_it_is_destroyed_right_after_its_starts) {
     EXPECT_EQ(notes.Count("expired 1"), 0);
 }
 
+TEST(BaseTimer, aborts_if_its_subclass_does_not_end_the_runs) {
+    class ForgetfulTimer final : public BaseTimer {
+        bool TimerExpired() override { return true; }
+    };
+    EXPECT_DEATH(ForgetfulTimer(), "BaseTimer: a subclass did not call EndRuns in its destructor");
+}
+
 TEST(BaseTimer, can_be_set_while_an_earlier_run_reads_it) {
     Notes notes;
     NotingTimer timer(notes);
