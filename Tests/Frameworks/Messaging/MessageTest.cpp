@@ -148,6 +148,23 @@ TEST_F(MessageRouting, a_clone_keeps_command_time_count_and_ends_but_no_names) {
     EXPECT_TRUE(clone->GetDestinationName().IsEmpty());
 }
 
+TEST(Message, a_clone_keeps_the_send_count) {
+    EXPECT_EQ(SentTwice(std::make_unique<CommandMessage>(PRIME_SYSTEM))->Clone()->GetSendCount(), 2);
+    EXPECT_EQ(SentTwice(std::make_unique<LogInfoMessage>())->Clone()->GetSendCount(), 2);
+}
+
+TEST(Message, is_refused_without_a_router_that_knows_its_source) {
+    int count = 0;
+    RecordingController thread("One");
+    auto message = std::make_unique<CountedMessage>(count);
+    message->SetDestination(&thread);
+    message->SetSource(SYSTEM_CONTROL);
+    EXPECT_FALSE(MessageBase::Send(std::move(message)));
+    EXPECT_EQ(count, 0);
+    thread.CreateThread();
+    EXPECT_EQ(thread.WaitForNotes(1), std::vector<std::string>{"init"});
+}
+
 TEST(Message, a_log_line_is_its_time_two_colons_and_the_text) {
     LogInfoMessage message;
     message.SetLogInfo("a text", WARNING_LOG_LEVEL);

@@ -110,6 +110,38 @@ private:
     std::vector<std::string> m_notes;
 };
 
+// Keeps a clone of the last message that reached it.
+class CloningController : public RecordingController {
+public:
+    using RecordingController::RecordingController;
+
+    bool ProcessCommandMessage(CommandMessage* message) override {
+        clone = message->Clone();
+        return RecordingController::ProcessCommandMessage(message);
+    }
+
+    bool ProcessDataMessage(DataMessage* message) override {
+        clone = message->Clone();
+        return RecordingController::ProcessDataMessage(message);
+    }
+
+    std::unique_ptr<MessageBase> clone;  // once it has noted the message
+};
+
+// A clone of a clone that was sent, each once.
+inline std::unique_ptr<MessageBase> SentTwice(std::unique_ptr<MessageBase> message) {
+    for (int sent = 0; sent < 2; ++sent) {
+        CloningController controller("One");
+        controller.CreateThread();
+        message->SetSource(&controller);
+        message->SetDestination(&controller);
+        EXPECT_TRUE(MessageBase::Send(std::move(message)));
+        controller.WaitForNotes(2);
+        message = std::move(controller.clone);
+    }
+    return message;
+}
+
 // The log level of a test: without the trace of the messages themselves, and from before the router writes its first
 // line.
 class QuietLog {

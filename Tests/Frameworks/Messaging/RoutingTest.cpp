@@ -103,6 +103,23 @@ TEST_F(Routing, each_move_command_sets_the_routers_state) {
     }
 }
 
+TEST(Router, waits_without_limit_after_each_move_command) {
+    const QuietLog quiet;
+    MessagingControl router;
+    router.Kill();
+    pthread_join(router.GetThreadId(), nullptr);
+    for (const CommandType command : {MOVE_TO_IDLE, MOVE_TO_RUNNING, MOVE_TO_SHUTDOWN, MOVE_TO_TEST}) {
+        const std::unique_ptr<MessageBase> message = SentTwice(std::make_unique<CommandMessage>(command));
+        router.SetTimeOut(7);
+        EXPECT_TRUE(router.ProcessCommandMessage(static_cast<CommandMessage*>(message.get())));
+        EXPECT_EQ(router.GetTimeOut(), -1) << CommandNames[command].Text();
+    }
+    const std::unique_ptr<MessageBase> other = SentTwice(std::make_unique<CommandMessage>(PRIME_SYSTEM));
+    router.SetTimeOut(7);
+    EXPECT_TRUE(router.ProcessCommandMessage(static_cast<CommandMessage*>(other.get())));
+    EXPECT_EQ(router.GetTimeOut(), 7);
+}
+
 TEST_F(Routing, a_data_message_that_was_sent_twice_is_ignored_at_the_router) {
     RecordingController& one = Add("One", MEASUREMENT_STATUS_MESSAGE);
     one.CreateThread();

@@ -123,6 +123,25 @@ TEST(ThreadControl, a_killing_message_from_another_is_dropped_and_the_thread_goe
     EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "PRIME_SYSTEM", "COLLECT_MEASUREMENT"}));
 }
 
+TEST(ThreadControl, drops_a_killing_message_with_another_destination) {
+    RecordingController one("One");
+    RecordingController other("Other");
+    one.ReceiveMessage(Command(KILLING_SYSTEM, &one, &other));
+    one.CreateThread();
+    one.ReceiveMessage(Command(COLLECT_MEASUREMENT, &one, &one));
+    EXPECT_EQ(one.WaitForNotes(2), (Notes{"init", "COLLECT_MEASUREMENT"}));
+}
+
+TEST(ThreadControl, processes_a_second_reset_that_is_queued) {
+    EndingController one("One");
+    one.onCommand = [&](CommandMessage&) { one.Kill(); };
+    one.ReceiveMessage(Command(RESET_SYSTEM, &one, &one));
+    one.ReceiveMessage(Command(RESET_SYSTEM, &one, &one));
+    one.CreateThread();
+    one.JoinAndForget();
+    EXPECT_EQ(one.Notes(), (Notes{"init", "RESET_SYSTEM", "RESET_SYSTEM", "exit"}));
+}
+
 TEST(ThreadControl, a_false_answer_ends_the_thread_after_the_draining) {
     EndingController one("One");
     one.commandResult = false;
