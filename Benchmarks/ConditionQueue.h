@@ -1,5 +1,4 @@
-// The queue that one would otherwise write: messages on the heap in a deque, a mutex around it and a condition
-// variable.
+// The usual alternative to our queue: messages on the heap in a deque, with a mutex and a condition variable.
 #pragma once
 
 #include <condition_variable>
@@ -10,7 +9,7 @@
 
 #include "Frameworks/Messaging/CommandMessage.h"
 
-// As large as a command of ours, and like it a message knows when it was made.
+// As large as our command, and with a time stamp as our messages have.
 class PeerMessage {
 public:
     explicit PeerMessage(int command) : m_command(command) { clock_gettime(CLOCK_REALTIME, &m_time); }
@@ -25,7 +24,7 @@ private:
 
     int m_command;
     timespec m_time{};
-    char m_rest[Rest];  // what ours says beside that
+    char m_rest[Rest];  // the other members of ours
 };
 
 static_assert(sizeof(PeerMessage) == sizeof(CommandMessage));

@@ -6,7 +6,7 @@
 
 class Countdown {
 public:
-    // Before the first of them can be done.
+    // Call before any of them can be done.
     void Expect(int times) { m_left = times; }
 
     void Done() {

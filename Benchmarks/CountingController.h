@@ -1,4 +1,4 @@
-// A controller that does nothing with a message but count it. WaitUntilReady ends when the thread has registered.
+// A controller that only counts its messages. WaitUntilReady returns once the thread has registered.
 #pragma once
 
 #include <pthread.h>

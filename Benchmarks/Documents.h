@@ -8,11 +8,11 @@ enum DocumentSize {
     LARGE,  // the same sections again and again, 20 MB
 };
 
-// Made at the first call; removed when the program ends.
+// Created at the first call; removed when the program ends.
 const std::string& DocumentPath(DocumentSize size);
 
 // Tasks in one timed batch, so that it lasts a millisecond or more.
 inline int BatchOf(DocumentSize size) { return size == SMALL ? 20 : 1; }
 
-// Ends the program: a comparison of what did not happen would say nothing.
+// Ends the program: without the task the comparison is meaningless.
 [[noreturn]] void EndForFailure(const std::string& what);

@@ -15,7 +15,7 @@ constexpr const char* ItemName = "INFO_ITEM";
 constexpr const char* AttributeName = "value";
 constexpr const char* NewValue = "/var/another/place";
 
-// Which of the sections of that name, counted from 1.
+// Number of the section among those of that name, from 1.
 int SectionOf(DocumentSize size) { return size == SMALL ? 1 : 250; }
 
 bool OurEdit(const std::string& from, const std::string& to, int section) {

@@ -15,7 +15,7 @@ void __libc_free(void* block);
 
 namespace {
 
-// While nothing is measured, all that a call costs is one look at the flag.
+// While nothing is measured, a call costs one check of the flag.
 std::atomic<bool> isCounting{false};
 std::atomic<std::ptrdiff_t> held{0};
 std::atomic<std::ptrdiff_t> highest{0};
@@ -63,7 +63,7 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) {
     return *block == nullptr ? ENOMEM : 0;
 }
 
-// A block that moves counts once only: a large one moves by its pages, and no copy of it ever exists.
+// A block that moves counts only once: a large one moves by its pages, without a copy.
 void* realloc(void* block, std::size_t size) {
     if (!isCounting.load(std::memory_order_relaxed)) {
         return __libc_realloc(block, size);

@@ -1,5 +1,5 @@
 // The most heap that the program holds at once while this object lives, beyond what it held before. Every block counts
-// with all that the allocator sets aside for it, whoever asks for it: the program's malloc stands in front of libc's.
+// with its allocator overhead, whichever code requests it: the program's malloc replaces libc's.
 #pragma once
 
 #include <cstddef>

@@ -25,7 +25,7 @@ constexpr char Text[] = "MeasurementControl::Run  Unable to initialize thread";
 
 enum class Pace { BURST, ONE_BY_ONE };
 
-// Adds up what the lines alone take of the sender's thread, with a pause behind each.
+// Sums the time of the sender's thread for the lines alone, with a pause after each.
 template <class Line, class Pause>
 double SecondsEachLine(const Line& line, const Pause& pause) {
     double seconds = 0.0;
@@ -121,7 +121,7 @@ double LogDroppedOurs() {
     });
 }
 
-// What any check of a level is at the least: an integer compared, and a branch that is not taken.
+// The least that a check of a level can cost: an integer comparison and a branch that is not taken.
 double CompareIntegers() {
     static int limit = INFORMATIONAL_LOG_LEVEL;
     static int passed = 0;

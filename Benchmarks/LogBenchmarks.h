@@ -1,11 +1,11 @@
-// A line for the log, as its writer pays for it.
+// A log line, at its writer's cost.
 #pragma once
 
 // Seconds of the sender's thread for a line of a level that passes.
 double LogPassingOurs();
 double LogPassingSpdlog();
 
-// The same for a single line whose readers sleep, beside a line that is kept and one that is handed to the system.
+// The same for a single line whose readers sleep; the peer keeps its line, or hands it to the system.
 double LogSingleOurs();
 double LogSingleSpdlog();
 double LogSingleFlushedSpdlog();

@@ -17,13 +17,13 @@ double RatioOf(const Row& row, double ours, double peers) {
     return row.goal == Goal::RATE_AT_LEAST ? peers / ours : ours / peers;
 }
 
-// What one task leaves to be tidied up in the heap must not be paid by the next.
+// A task must not pay for the heap that the task before has left.
 double MeasureAlone(Measure measure) {
     malloc_trim(0);
     return measure();
 }
 
-// One iteration is one pair. Who goes first changes from pair to pair.
+// One iteration is one pair. The first of the pair alternates.
 void RunPairs(benchmark::State& state, const Row& row, std::vector<Outcome>& outcomes) {
     row.ours();
     row.peers();
@@ -43,7 +43,7 @@ void RunPairs(benchmark::State& state, const Row& row, std::vector<Outcome>& out
     state.counters["ratio"] = outcomes.back().ratio;
 }
 
-// Both sides share whatever else the machine does on that core.
+// Both sides share the machine's other load on that core.
 void StayOnOneCore() {
     cpu_set_t allowed;
     if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) {

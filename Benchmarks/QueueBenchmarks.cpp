@@ -19,7 +19,7 @@ constexpr int RoundTrips = 2000;
 constexpr int Message = PRIME_SYSTEM;
 constexpr int EndOfThread = NO_COMMAND;
 
-// The times of the trips, as the asking thread notes them.
+// The times of the trips, recorded by the asking thread.
 class Trips {
 public:
     Trips() { m_seconds.reserve(RoundTrips); }
@@ -79,8 +79,8 @@ private:
     Trips m_trips;
 };
 
-// While it lives, a thread of this one, or made by it, is not preempted by one that it wakes. Otherwise the scheduler
-// decides, from run to run anew, how often a burst is cut into messages that each wait for a thread.
+// While it exists, neither this thread nor a thread that it creates is preempted by a thread that it wakes. Otherwise
+// the scheduler decides, differently in each run, how often a burst is cut into messages that each wait for a thread.
 class UncutBursts {
 public:
     UncutBursts() : m_policy(sched_getscheduler(0)) {
@@ -177,7 +177,7 @@ double RoundTripCondition() {
 
 namespace {
 
-// Sends a pointer, as our queues do: the message itself stays where it is.
+// Sends a pointer, as our queues do: the message itself is not copied.
 void SendByZeroMq(void* socket, std::unique_ptr<PeerMessage> message) {
     PeerMessage* pointer = message.release();
     zmq_send(socket, &pointer, sizeof pointer, 0);

@@ -1,7 +1,7 @@
 // Messages from thread to thread, all on one core.
 #pragma once
 
-// Seconds a message, of many that are sent as fast as they can be.
+// Seconds per message, of many that are sent as fast as possible.
 double SendOneWayOurs();
 double SendOneWayCondition();
 

@@ -22,12 +22,12 @@ namespace {
 
 constexpr int Records = 1000;
 constexpr char CardDevice[] = "/dev/mmcblk0";
-// A folder of the memory that is in every table of mounts stands for the card.
+// A memory file system that every mount table lists replaces the card.
 constexpr char MountPath[] = "/dev/shm";
 
 }  // namespace
 
-// The card that this machine does not have: looked for as ever, and found. See the link options.
+// This machine has no card: the check for one runs and succeeds. See the link options.
 extern "C" {
 int __real_stat64(const char* path, struct stat64* status);
 int __wrap_stat64(const char* path, struct stat64* status);
@@ -58,7 +58,7 @@ MeasurementResults Results() {
     return results;
 }
 
-// A file beside those of the card, removed in the end. It has to have grown.
+// A file next to those of the card, removed at the end. It must have grown.
 class DayFile {
 public:
     explicit DayFile(std::string path) : m_path(std::move(path)) {}
@@ -78,7 +78,7 @@ private:
     std::string m_path;
 };
 
-// As on the analyzer, where the zone may change at any time and is looked up again for each record.
+// As on the analyzer: the time zone may change at any time and is read for each record.
 tm LocalTime(std::time_t time) {
     tm local{};
     tzset();
@@ -188,7 +188,7 @@ double LogRecordOurs() {
     SingletonBase::GetSystemConfiguration()->GetXML();
     LoggingControl logging;
     logging.Kill();
-    pthread_join(logging.GetThreadId(), nullptr);  // it has read its settings; from here on this thread is its thread
+    pthread_join(logging.GetThreadId(), nullptr);  // it has read its settings; from here on this thread takes its part
     MeasurementMessage message;
     message.SetMeasurementResults(Results());
     const double seconds = SecondsEach(Records, [&logging, &message] { logging.ProcessDataMessage(&message); });

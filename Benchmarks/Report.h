@@ -1,4 +1,4 @@
-// The table that a run ends with.
+// The table at the end of a run.
 #pragma once
 
 #include <vector>

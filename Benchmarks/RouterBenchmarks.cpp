@@ -1,6 +1,6 @@
 #include "Benchmarks/RouterBenchmarks.h"
 
-// What follows are headers of a library, whose warnings are not ours.
+// Headers of a library, whose warnings are not ours.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wconversion"
 #pragma GCC diagnostic ignored "-Wsign-conversion"
@@ -86,8 +86,8 @@ private:
 
 using Forward = caf::atom_constant<caf::atom("forward")>;
 
-// Nine actors with a thread each. What the first gets from outside it sends to all of them, itself among them. Like a
-// command of ours, a message says what is to be done and when it was made.
+// Nine actors with a thread each. The first sends each message from outside to all of them, itself included. Like our
+// command, a message has a type and a time stamp.
 class CafActors {
 public:
     CafActors() : m_system(Configure(m_config)) {
@@ -133,7 +133,7 @@ public:
     }
 
 private:
-    // One worker, which sleeps: all of the actors have threads of their own.
+    // One worker, which sleeps: each actor has its own thread.
     static caf::actor_system_config& Configure(caf::actor_system_config& config) {
         config.set("scheduler.policy", caf::atom("sharing"));
         config.set("scheduler.max-threads", 1);

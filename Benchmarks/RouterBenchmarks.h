@@ -5,6 +5,6 @@
 double BroadcastOurs();
 double BroadcastCaf();
 
-// Seconds a command, of many that are sent without waiting for any.
+// Seconds per command, of many that are sent without waiting.
 double BroadcastManyOurs();
 double BroadcastManyCaf();

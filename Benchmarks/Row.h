@@ -1,7 +1,7 @@
-// What one row of the table compares: a task done by us and by a peer, and the ratio that is aimed at.
+// One row of the table: a task done by us and by a peer, and the target ratio.
 #pragma once
 
-// Does the task once or many times and gives the cost of once: seconds, or bytes where the row says so.
+// Does the task once or many times and returns the cost of one: seconds, or bytes if the row's goal is in bytes.
 using Measure = double (*)();
 
 enum class Goal {
@@ -21,10 +21,10 @@ struct Row {
     double target;
 };
 
-// What was measured: medians over the pairs.
+// The result: medians over the pairs.
 struct Outcome {
     const Row* row;
     double ours;
     double peers;
-    double ratio;  // the median of the pairs' own ratios, as the goal takes them
+    double ratio;  // the median of the pairs' ratios, in the sense of the goal
 };

@@ -1,4 +1,4 @@
-// The table of everything that is compared.
+// The table of all comparisons.
 #pragma once
 
 #include <span>

@@ -80,7 +80,7 @@ bool AreSame(const ItemInfoContainer* ours, const Items& peers) {
            });
 }
 
-// What both sides keep of the measurement, which is most of the file: its own items, the order and every step.
+// Both sides keep of the measurement, which is most of the file, its items, the order and every step.
 void RequireSameItems(const std::string& path) {
     SystemConfigurationFile file;
     RapidxmlReader reader;

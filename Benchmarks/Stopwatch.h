@@ -1,5 +1,5 @@
-// Times a task. On a shared machine processor time says more than the clock on the wall: that of the thread, or that of
-// all threads where they work for the task one after the other. The wall clock is for what is over in microseconds.
+// Times a task. On a shared machine processor time is more accurate than the wall clock: that of the thread, or that of
+// all threads if they work on the task one after the other. The wall clock is for tasks of a few microseconds.
 #pragma once
 
 #include <ctime>

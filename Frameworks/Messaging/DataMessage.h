@@ -1,9 +1,9 @@
-// Data for those who subscribed to its type.
+// Data for the controllers that subscribed to its type.
 #pragma once
 
 #include "Frameworks/Messaging/MessageBase.h"
 
-// What a handler tests first, so that no controller acts on its own reply.
+// A handler tests it first, so that no controller acts on its own reply.
 enum MessageSubType : std::int32_t { REQUEST_SUB_TYPE = 0, RESPONSE_SUB_TYPE = 1, ACKNOWLEDGE_SUB_TYPE = 2 };
 
 class DataMessage : public MessageBase {

@@ -1,7 +1,7 @@
-// What every data message has in common: its type, and a Clone that makes a new message and assigns the DataMessage
+// The common part of every data message: its type, and a Clone that creates a new message and assigns the DataMessage
 // part and the payload to it. A message class derives from this with itself and its type, and adds its payload with
-// plain accessors; a payload that can't be copied by assignment gives the class an assignment of its own. One thread at
-// a time owns a message.
+// plain accessors. A payload that cannot be copied by assignment needs an assignment operator in its class. One thread
+// at a time owns a message.
 #pragma once
 
 #include "Frameworks/Messaging/DataMessage.h"

@@ -7,7 +7,7 @@
 class LogInfoMessage : public DataMessageOf<LogInfoMessage, LOGGING_DATA_MESSAGE> {
 public:
     LogInfoMessage() = default;
-    LogInfoMessage(StdString text, LogLevel level);  // at the moment of the message itself
+    LogInfoMessage(StdString text, LogLevel level);  // with the time stamp of the message
 
     const LogInfo& GetLogInfo() const { return m_logInfo; }
     void SetLogInfo(const LogInfo& logInfo) { m_logInfo = logInfo; }

@@ -1,5 +1,5 @@
-// What every message has: source, destination, how often it was queued, and when it was made. A message belongs to
-// whoever holds the pointer; Send hands it over once and for all. One thread at a time.
+// The common part of every message: source, destination, how often it was queued, and when it was created. A message
+// belongs to the holder of the pointer; Send hands it over. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -21,17 +21,17 @@ public:
     bool IsCommand() const { return m_isCommand; }
     ThreadControl* GetSource() const { return m_source; }
     ThreadControl* GetDestination() const { return m_destination; }
-    // Empty in a new message and in a copy. The name of a thread is that thread's own text: ask while it stands.
+    // Empty in a new message and in a copy. The text is the thread's own: read it while the thread exists.
     const StdString& GetSourceName() const { return *m_sourceName; }
     const StdString& GetDestinationName() const { return *m_destinationName; }
     std::int32_t GetSendCount() const { return m_sendCount; }
     const TimeInfo& GetTimeStamp() const { return m_timeStamp; }
 
-    // The name goes with the thread; null leaves the name that was there.
+    // A thread sets its name too; null keeps the former name.
     void SetDestination(ThreadControl* destination);
     void SetSource(ThreadControl* source);
-    // By the router's name table; a controller that isn't registered there leaves null. The destination has to be one
-    // of the nine; a source outside of them counts as MessagingControl.
+    // By the router's name table; null if the controller is not registered there. The destination has to be one of the
+    // nine controllers; any other source counts as MessagingControl.
     void SetDestination(ControllerType destination);
     void SetSource(ControllerType source);
 

@@ -1,4 +1,4 @@
-// The way to the router for code that isn't a controller, in the name of one. Any thread.
+// Sends messages to the router for code that is not a controller, in the name of one. Any thread.
 #pragma once
 
 #include <atomic>
@@ -9,7 +9,7 @@ class MessageController {
 public:
     virtual ~MessageController() = default;
 
-    // Dropped before anything is allocated where the level is above the process-wide one.
+    // Drops the line before anything is allocated if its level is above the process-wide one.
     static void LogMessage(const StdString& text, LogLevel level, ControllerType origin) {
         if (IsLogged(level)) {
             SendLogLine(text, level, origin);
@@ -20,11 +20,11 @@ public:
             SendLogLine(text, level, origin);
         }
     }
-    // For those who put a text together only where it is wanted.
+    // For callers that compose a text only if it will be logged.
     static bool IsLogged(std::int32_t level) { return level <= GetLogLevel(); }
 
-    // False, with a line in the log, for a null message and for no origin; else true, also where there is no router and
-    // the message was freed.
+    // False, with a line in the log, for a null message or without an origin. Otherwise true, even if there is no
+    // router and the message was freed.
     static bool SendMessage(std::unique_ptr<MessageBase> message, ControllerType origin);
 
     // A line of progress in the name of MeasurementEngine.

@@ -4,8 +4,8 @@
 
 namespace {
 
-// A sender's message counts 1; a clone inherits that and Send makes it 2. So what counts 2 or more is the router's own
-// fan-out come back to it, and is never forwarded again.
+// A sender's message has the count 1; a clone inherits it, and Send makes it 2. So a message with a count of 2 or more
+// is the router's own clone, and is never forwarded again.
 bool IsFromSender(const MessageBase& message) { return message.GetSendCount() < 2; }
 
 bool AddSubscriber(std::vector<ThreadControl*>& subscribers, ThreadControl* thread) {
@@ -92,7 +92,7 @@ bool MessagingControl::ProcessDataMessage(DataMessage* message) {
     return true;
 }
 
-// The line that finds the backlog waiting sets it free and is itself lost: it stands for the moment of the flush.
+// The line that finds a backlog releases it and is itself lost. This is required behavior.
 void MessagingControl::ProcessLogMessage(const DataMessage& message) {
     const Subscribers subscribers = SubscribersOf(LOGGING_DATA_MESSAGE);
     if (subscribers.empty()) {
@@ -104,7 +104,7 @@ void MessagingControl::ProcessLogMessage(const DataMessage& message) {
     }
 }
 
-// The last subscriber gets the waiting object itself, any before it a clone: one object can stand in one queue only.
+// The last subscriber gets the waiting object itself, the others get clones: an object can be in one queue only.
 void MessagingControl::FlushPendingLog(const Subscribers& subscribers) {
     const std::vector<ThreadControl*> others(subscribers.begin(), subscribers.end() - 1);
     for (std::unique_ptr<MessageBase>& pending : m_pendingLog) {

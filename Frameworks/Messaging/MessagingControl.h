@@ -1,6 +1,6 @@
-// The router: clones each command and each data message to those who registered for it, in order of registration.
-// Registering and GetThreadByName may be called from any thread. Log lines that come before anyone asks for them wait
-// here.
+// The router: sends a clone of each command and each data message to every controller that registered for it, in order
+// of registration. Registering and GetThreadByName may be called from any thread. Log lines wait here until the first
+// controller registers for them.
 #pragma once
 
 #include <map>

@@ -90,7 +90,7 @@ bool BaseTimer::Sleep() {
     return !m_ending;
 }
 
-// A timer that is started for years keeps no more threads than the runs that sleep and the last that ended.
+// However often a timer is started, it keeps no threads but the runs that sleep and the last one that ended.
 void BaseTimer::JoinEnded() {
     std::vector<pthread_t> ended;
     {

@@ -51,8 +51,8 @@ void ThreadBase::SetPriority(std::int32_t priority) {
 
 void* ThreadBase::ThreadEntry(void* thread) {
     auto* self = static_cast<ThreadBase*>(thread);
-    // The creator stores the id too, but maybe only after this thread has asked for it.
+    // The creator stores the id too, but perhaps only after this thread has read it.
     self->m_threadId = pthread_self();
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the result travels as the thread's value
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the result is passed as the thread's value
     return reinterpret_cast<void*>(static_cast<std::intptr_t>(self->Run()));
 }

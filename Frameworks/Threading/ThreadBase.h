@@ -1,6 +1,6 @@
-// A thread of the process as an object: a subclass gives Run, its creator calls CreateThread, later joins GetThreadId
-// and deletes the object. Kill, the state and the readers may be called from any thread; Run, Init and Exit run on the
-// thread.
+// A thread as an object: a subclass implements Run; its creator calls CreateThread, later joins GetThreadId and deletes
+// the object. Kill, SetState and the getters may be called from any thread; Run, Init and Exit run on the thread
+// itself.
 #pragma once
 
 #include <pthread.h>
@@ -17,28 +17,28 @@ public:
     ThreadBase& operator=(const ThreadBase&) = delete;
     virtual ~ThreadBase() = default;
 
-    // The thread's body; its result is the thread's.
+    // The thread's body; its result is the thread's value.
     virtual std::int32_t Run() = 0;
-    // Asks the thread to end, and doesn't wait.
+    // Asks the thread to end and does not wait for it.
     virtual void Kill() = 0;
     virtual std::int32_t Exit() { return 0; }
     // The first step of the thread: false ends it. SetState may be called from any thread.
     virtual bool Init();
     virtual void SetState(ThreadState state) { m_state = state; }
 
-    // Starts a thread of default attributes. False where the system refuses one, which is logged.
+    // Starts a thread with default attributes. False, with a line in the log, if the system refuses it.
     bool CreateThread();
     void ReleaseThread();  // detaches the thread, if there is one
     // Names the thread and starts it: the last call of a constructor. A failure is logged and leaves the id at 0.
     void StartAs(const StdString& name);
 
     StdString GetThreadName() const { return m_threadName; }
-    const StdString& ThreadName() const { return m_threadName; }        // for as long as the thread's object stands
+    const StdString& ThreadName() const { return m_threadName; }        // valid as long as this object
     void SetThreadName(const StdString& name) { m_threadName = name; }  // before CreateThread only
     ThreadState GetState() const { return m_state; }
     pthread_t GetThreadId() const { return m_threadId; }  // 0 until CreateThread has succeeded
 
-    // -1 means the policy's maximum; other values go to pthread_setschedprio as they are.
+    // -1 means the policy's maximum; any other value is passed on unchanged.
     void SetPriority(std::int32_t priority);
 
 protected:

@@ -10,24 +10,24 @@
 
 namespace {
 
-// One heap for all threads, which gives back what a start has let go of: a dozen threads that mostly wait need no heap
-// each. The C library of the instrument has the words for it; another takes more memory.
+// One heap for all threads, which returns to the system what the start has freed: a dozen threads that mostly wait do
+// not need a heap each. glibc has mallopt for this; other C libraries simply use more memory.
 void KeepMemorySmall() {
 #ifdef __GLIBC__
-    constexpr int Heaps = 1;
-    constexpr int FreeBytesAtTheEnd = 16384;
-    constexpr int BytesOfTheirOwn = 32768;  // so large a block, as a file that is read, is no part of the heap
-    mallopt(M_ARENA_MAX, Heaps);
-    mallopt(M_TRIM_THRESHOLD, FreeBytesAtTheEnd);
+    constexpr int MaxHeaps = 1;
+    constexpr int MaxFreeBytesAtTop = 16384;
+    constexpr int MinMappedBytes = 32768;  // a block this large, such as a file that is read, is not on the heap
+    mallopt(M_ARENA_MAX, MaxHeaps);
+    mallopt(M_TRIM_THRESHOLD, MaxFreeBytesAtTop);
     mallopt(M_TOP_PAD, 0);
-    mallopt(M_MMAP_THRESHOLD, BytesOfTheirOwn);
+    mallopt(M_MMAP_THRESHOLD, MinMappedBytes);
 #endif
 }
 
 }  // namespace
 
-// No argument, or the word "&" that some start scripts leave behind, runs the system; anything else but --version does
-// nothing.
+// No argument, or the word "&" that some start scripts pass on, runs the system. "--version" prints the version. Any
+// other argument does nothing.
 int main(int argumentCount, char** arguments) {
     KeepMemorySmall();
     if (argumentCount == 1) {

@@ -3,5 +3,5 @@
 
 #include <cstdint>
 
-// On the main thread. Comes back only where an exception leaves a SystemControl's constructor or destructor, with -1.
+// On the main thread. Returns -1 if an exception leaves a SystemControl's constructor or destructor; otherwise never.
 std::int32_t RunSystem();

@@ -30,7 +30,7 @@ struct ControllerRow {
     const char* failure;  // the thread's name follows
 };
 
-// Behind MessagingControl, in order of creation. Each controller's constructor starts its thread.
+// In order of creation, after MessagingControl. Each controller's constructor starts its thread.
 constexpr ControllerRow Controllers[] = {
     {Make<LoggingControl>, "Unable to Create LoggingControl - "},
     {Make<DeviceMonitor>, "Unable to Create DeviceMonitor - "},
@@ -170,7 +170,7 @@ bool SystemControl::ProcessCommandMessage(CommandMessage* message) {
     return true;
 }
 
-// Each result asks for the next one: this is what keeps the measurement going.
+// Each result requests the next one, so that the measurement continues.
 bool SystemControl::ProcessDataMessage(DataMessage* message) {
     if (message == nullptr) {
         return false;
@@ -181,8 +181,8 @@ bool SystemControl::ProcessDataMessage(DataMessage* message) {
     return true;
 }
 
-// The automatic start. The sleeps hold this thread on purpose: its own MOVE_TO_RUNNING is handled behind them and sends
-// one more COLLECT_MEASUREMENT.
+// The automatic start. The sleeps block this thread on purpose: it handles its own MOVE_TO_RUNNING after them and then
+// sends one more COLLECT_MEASUREMENT.
 bool SystemControl::ProcessTimeOut() {
     ThreadControl::ProcessTimeOut();
     if (!m_autoStart || GetState() != IDLE_STATE) {
@@ -228,7 +228,7 @@ std::int32_t SystemControl::Exit() {
     return ThreadControl::Exit();
 }
 
-// All have ended before the first is deleted: until then one may still hold a message for another.
+// All threads have ended before the first object is deleted: until then one may still send to another.
 void SystemControl::JoinThreads() {
     for (auto controller = m_controllers.rbegin(); controller != m_controllers.rend(); ++controller) {
         Log("Ending Thread for - " + (*controller)->GetThreadName(), DEBUG_LOG_LEVEL);

@@ -1,6 +1,6 @@
 // The top controller: it reads the settings, creates the other controllers, moves them through their states, starts the
-// measurement by itself where the settings say so, and stops everything on RESET_SYSTEM. One object is one generation
-// of the system; whoever constructed it joins its thread, destroys it and may build the next.
+// measurement automatically if the settings ask for it, and stops everything on RESET_SYSTEM. One object is one
+// generation of the system; its creator joins its thread, destroys it and may create the next.
 #pragma once
 
 #include <memory>

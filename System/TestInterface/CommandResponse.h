@@ -1,5 +1,5 @@
-// The answer to a command of the test link in the making: a header and a payload of its own, the header of the request
-// and the connection to answer on. One thread at a time.
+// The answer to a command of the test link while it is composed: its header and payload, the header of the request, and
+// the connection to answer on. One thread at a time.
 #pragma once
 
 #include "Frameworks/IPC/Networking/TCPClient.h"
@@ -16,8 +16,8 @@ public:
 
     void SetClient(const TCPClient& client) { m_client = client; }  // the copy shares the connection
 
-    // How many the request asked for, at least one. The count isn't held at 0: what comes after the last answer, as the
-    // measurement that a sequence's timer starts behind the last one, so never makes one more.
+    // How many the request asked for, at least one. The count passes 0, so that a measurement after the last answer,
+    // which a sequence's timer starts, causes no further answer.
     void DecrementAnswers() { --m_answers; }
     bool HasAnswersToGo() const { return m_answers != 0; }
     std::uint32_t GetAnswersToGo() const { return m_answers; }
@@ -27,8 +27,8 @@ public:
     // The time of the result and its chlorine value as a double. Other messages than measurements are left out.
     void AppendMeasurement(const DataMessage& message);
 
-    // Header, then payload, with a line in the log about how it went; nothing at all where the client isn't connected.
-    // Nothing of the request is in the header: a reply is told by its place in the order.
+    // Sends header and payload and logs the outcome; does nothing if the client is not connected. The header repeats
+    // nothing of the request: replies are matched to requests by their order.
     void SendResponse();
 
 private:

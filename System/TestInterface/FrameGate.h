@@ -1,6 +1,6 @@
-// Lets one frame at a time from the test link into the test interface's queue: a peer that sends faster than its
-// commands are worked on is held up by the network and fills no memory here. The receiver's thread waits; whoever frees
-// a frame, or ends the receiver, lets it go on.
+// Admits one frame at a time from the test link to the test interface's queue: a peer that sends faster than its
+// commands are carried out is held up by the network and fills no memory here. The receiver's thread waits until the
+// frame before is freed or the receiver is ended.
 #pragma once
 
 #include <chrono>
@@ -10,13 +10,14 @@
 
 class FrameGate {
 public:
-    // Until the frame before has been freed; the receipt stands for the next one. Null once the gate is closed.
+    // Waits until the frame before is freed. The frame is freed with the returned receipt. Null once the gate is
+    // closed.
     static std::shared_ptr<void> Pass(const std::shared_ptr<FrameGate>& gate);
 
-    // False where it was cut short because the gate is closed.
+    // False if it was cut short because the gate is closed.
     bool Sleep(std::chrono::seconds length);
 
-    void Close();  // for good; wakes who waits
+    void Close();  // for good; wakes the waiting thread
     // Any thread.
     bool IsClosed() const;
 

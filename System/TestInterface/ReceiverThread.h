@@ -1,5 +1,5 @@
-// Connects to the test server and reads its frames, one message to the test interface for each, and one without a frame
-// at the end. The thread starts with the object; whoever made it calls Kill, from any thread, joins it and deletes it.
+// Connects to the test server and reads its frames. It posts one message to the test interface for each frame, and one
+// without a frame at the end. The thread starts with the object; its owner calls Kill, joins it and deletes it.
 #pragma once
 
 #include "Frameworks/IPC/Networking/TCPClient.h"
@@ -8,16 +8,16 @@
 
 class ReceiverThread final : public ThreadBase {
 public:
-    ReceiverThread();  // without a thread id afterwards where the system refused a thread
+    ReceiverThread();  // the thread id is 0 if the system refused a thread
 
     std::int32_t Run() override;
-    // Wakes a blocked read, a wait between attempts, and an attempt itself; there is no further one.
+    // Any thread. Ends a blocked read, a wait between attempts and an attempt itself; no other attempt follows.
     void Kill() override;
     std::int32_t Exit() override;
-    bool Init() override;  // whether it is connected
+    bool Init() override;  // true if it is connected
 
     TCPClient GetClient() const { return m_client; }  // a copy that shares the connection; any thread
-    // The message of the end is on its way or there. Any thread.
+    // The message of the end has been posted or is about to be. Any thread.
     bool HasEnded() const { return m_hasEnded; }
 
 private:

@@ -16,7 +16,7 @@ struct Subscription {
     ControllerType origin;
 };
 
-// The last two tell their failure in the name of the other controller that works on these messages.
+// The last two report their failure in the name of the other controller, which handles these messages.
 constexpr Subscription Subscriptions[] = {
     {MEASUREMENT_DATA_MESSAGE,
      "TestInterface::DoRegistration  Unable to register data message \"MEASUREMENT_DATA_MESSAGE\"", TEST_INTERFACE},

@@ -1,6 +1,5 @@
-// The controller behind the test link: while the system is in the test state it holds the connection to the test
-// server, does what its commands ask for, and answers. Kill may be called from any thread; all else runs on the
-// controller's own.
+// The controller of the test link: in the test state it holds the connection to the test server, carries out the
+// server's commands and answers them. Kill may be called from any thread; all else runs on the controller's thread.
 #pragma once
 
 #include <atomic>
@@ -31,10 +30,10 @@ private:
         COMMAND_HANDLED_PHASE = 1,
         COMMAND_RECEIVED_PHASE = 2,
         WAITING_PHASE = 3,  // for a measurement or the timer
-        BUSY_PHASE = 4,     // with what came of either
+        BUSY_PHASE = 4,     // with the outcome of either
     };
 
-    // What a frame from the link brought; the payload may be null.
+    // The content of a frame from the link; the payload may be null.
     struct Request {
         std::uint16_t command;
         CommunicationsCommand& header;
@@ -44,7 +43,7 @@ private:
     struct CommandRange {
         std::uint16_t first;
         std::uint16_t last;
-        void (TestInterface::*process)(const Request& request);  // null: no action and no answer
+        void (TestInterface::*process)(const Request& request);  // null: no action, no answer
     };
 
     static const CommandRange CommandRanges[];
@@ -52,7 +51,7 @@ private:
     void GatherConfiguration();
 
     // The link.
-    bool CreateReceiver();  // true too where there is one, or is to be none any more
+    bool CreateReceiver();  // true, too, if there is one already, or none is wanted any more
     void EndReceiver();     // kills, joins and deletes it, if there is one
     std::unique_ptr<ReceiverThread> TakeReceiver(bool onlyIfEnded);
     void EndReceiverUnlessTheLinkStays();
@@ -92,7 +91,7 @@ private:
     TestInterfaceTimer m_timer;
     std::uint32_t m_timerPeriod = 0;  // milliseconds, the last one used
     bool m_startInTestMode = false;
-    bool m_isLinkDown = false;  // stays closed after the next end of the receiver
+    bool m_isLinkDown = false;  // no new receiver after the end of this one
     StdString m_serialNumber;
     StdString m_deviceId;
     CommandResponse m_response;

@@ -1,4 +1,4 @@
-// What the test interface does for each command of the test link.
+// The commands of the test link.
 #include <algorithm>
 #include <iterator>
 
@@ -16,7 +16,7 @@ constexpr std::uint16_t FirstInputPin = 12000;
 constexpr std::uint16_t FirstOutputPin = 13000;
 constexpr std::uint16_t FirstPWM = 13300;
 
-// What a service computer knows to expect of a link that carries every bit.
+// The service computer expects these values from a link that transmits every bit.
 constexpr std::int32_t LinkTestValues[] = {0x12345678, 0x33445566, 0x11997788};
 
 enum StateControl : std::uint16_t {
@@ -24,7 +24,7 @@ enum StateControl : std::uint16_t {
     RUN = 810,
     MOVE_TO_IDLE_FOR = 820,
     MOVE_TO_RUNNING_FOR = 830,
-    TELL_STATE = 840,
+    REPORT_STATE = 840,
     SHUT_DOWN = 850,
     RESET = 860,
 };
@@ -40,8 +40,9 @@ StdString TextOf(PayloadContainer* payload) { return payload == nullptr ? StdStr
 
 }  // namespace
 
-// A range without an operation is reserved: it is known, and nothing comes of it. The one from 40100 ends before it
-// begins and so matches nothing; its numbers are invalid ones.
+// A range without an operation is reserved: the command is valid and has no effect. The range from 40100 ends before it
+// begins, so it matches nothing and its numbers are invalid. The four groups from 10000 to 13363 are the LIFT requests,
+// the factory's direct access to inputs, outputs and PWM.
 constexpr TestInterface::CommandRange TestInterface::CommandRanges[] = {
     {0, 999, &TestInterface::ProcessStateControl},
     {10000, 10255, &TestInterface::ProcessAnalogInput},
@@ -80,7 +81,7 @@ void TestInterface::ProcessStateControl(const Request& request) {
             m_timer.Kill();
             m_response.SendResponse();
             break;
-        case RUN:  // to stay: what the value asks for is dropped
+        case RUN:  // for good: the value is ignored
             request.header.SetValue(0.0F);
             MoveToState(&request.header, MOVE_TO_RUNNING);
             break;
@@ -90,13 +91,13 @@ void TestInterface::ProcessStateControl(const Request& request) {
         case MOVE_TO_RUNNING_FOR:
             MoveToState(&request.header, MOVE_TO_RUNNING);
             break;
-        case TELL_STATE:
+        case REPORT_STATE:
             AnswerAndCount(ThreadStateNames[GetState()]);
             break;
         case SHUT_DOWN:
             MoveToState(nullptr, MOVE_TO_SHUTDOWN);
             break;
-        case RESET:  // closes the link first, so that its answer can't be sent any more
+        case RESET:  // closes the link first, so that the answer cannot be sent
             EndReceiver();
             MoveToState(nullptr, RESET_SYSTEM);
             break;
@@ -105,7 +106,7 @@ void TestInterface::ProcessStateControl(const Request& request) {
     }
 }
 
-// With a period in the header the analyzer comes back to the test state after it, and the link stays up till then.
+// With a period in the header the analyzer returns to the test state after it, and the link stays open until then.
 void TestInterface::MoveToState(const CommunicationsCommand* header, CommandType command) {
     m_isLinkDown = true;
     if (header != nullptr) {
@@ -200,7 +201,7 @@ void TestInterface::ProcessPWM(const Request& request) {
     SendRequest(std::move(message), "TestInterfaceControl - sending PWM message failed");
 }
 
-// These answers leave the count of answers as it is.
+// These answers do not change the count of answers.
 void TestInterface::ProcessIdentification(const Request& request) {
     switch (request.command) {
         case DEVICE_ID:

@@ -1,4 +1,4 @@
-// How the test interface comes to its link and loses it.
+// The start and the end of the test interface's link.
 #include <utility>
 
 #include "Frameworks/Utilities/TryMake.h"

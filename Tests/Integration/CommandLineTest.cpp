@@ -9,7 +9,7 @@ namespace {
 
 class CommandLine : public BoardTest {
 protected:
-    // The product's own text, without what a sanitizer may say.
+    // The product's text, without that of a sanitizer.
     struct Result {
         int status;
         std::string output;
@@ -25,7 +25,7 @@ protected:
 
 }  // namespace
 
-TEST_F(CommandLine, version_prints_the_four_numbers_and_ends_well) {
+TEST_F(CommandLine, version_prints_the_four_numbers) {
     const Result result = Run({"--version"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, "0.2.1.19\n");
@@ -33,7 +33,7 @@ TEST_F(CommandLine, version_prints_the_four_numbers_and_ends_well) {
     EXPECT_TRUE(Board().Log().empty());
 }
 
-TEST_F(CommandLine, any_other_argument_does_nothing_and_ends_well) {
+TEST_F(CommandLine, any_other_argument_does_nothing) {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"--help"}, {""}, {"-version"}, {"--version", "&"}, {"&", "&"}, {"a", "b", "c"}}) {
         const Result result = Run(arguments);

@@ -23,7 +23,7 @@ protected:
         Board().SetSettings(settings);
     }
 
-    // Status texts come with a line of the system log of their own.
+    // Each status text has its own line in the system log.
     void WaitForStatus(const std::string& text, long count = 1) { WaitFor(text, count); }
 
     std::string CardFile(const std::string& name) const {
@@ -112,7 +112,7 @@ TEST_F(SystemCycle, a_reset_in_the_middle_ends_it_and_the_next_generation_measur
     EXPECT_EQ(Field(Rows("Measurement.csv")[1], 7), "1");
 }
 
-TEST_F(SystemCycle, a_pulled_card_drops_records_and_its_return_goes_on_in_the_same_file) {
+TEST_F(SystemCycle, a_pulled_card_drops_records_and_its_return_continues_the_file) {
     Start();
     WaitForStatus("Executing Dark Count Measurement Step");
     Board().PullCard();

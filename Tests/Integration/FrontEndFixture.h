@@ -14,7 +14,7 @@
 
 class WithFrontEnd : public SystemOnBoard {
 protected:
-    explicit WithFrontEnd(double speed = 50.0) : SystemOnBoard(speed), patience(60.0 * speed) {
+    explicit WithFrontEnd(double speed = 50.0) : SystemOnBoard(speed), timeout(60.0 * speed) {
         std::string error;
         frontEnd = Bench::FrontEnd::Listen(0, error);
         EXPECT_NE(frontEnd, nullptr) << error;
@@ -30,13 +30,13 @@ protected:
     void StartConnected() {
         const std::size_t connections = frontEnd->Connections();
         Start();
-        ASSERT_TRUE(frontEnd->WaitForConnection(connections + 1, patience));
+        ASSERT_TRUE(frontEnd->WaitForConnection(connections + 1, timeout));
         WaitForIdle();
     }
 
-    // Behind those that an earlier call has found.
+    // After those that an earlier call has found.
     std::optional<Bench::FrontEndFrame> Wait(const char* name, const std::optional<std::string>& value = {}) {
-        return frontEnd->WaitForValue(name, value, m_seen, patience);
+        return frontEnd->WaitForValue(name, value, m_seen, timeout);
     }
 
     bool HasRecord() const { return !LastRecord().empty(); }
@@ -51,7 +51,7 @@ protected:
         return std::strtod(field.c_str(), nullptr);
     }
 
-    // Of the day's measurement file; empty where there is none behind the columns.
+    // Of the day's measurement file; empty if there is none after the column line.
     std::string LastRecord() const {
         for (const auto& entry : std::filesystem::directory_iterator(Folder() + "/card")) {
             if (entry.path().string().ends_with("_Measurement.csv")) {
@@ -64,7 +64,7 @@ protected:
         return {};
     }
 
-    const double patience;  // ends a hang
+    const double timeout;  // seconds; ends a hang
     std::unique_ptr<Bench::FrontEnd> frontEnd;
 
 private:

@@ -35,7 +35,7 @@ TEST_F(WithFrontEnd, buttons_move_every_controller_and_the_engine_answers) {
     EXPECT_EQ(frontEnd->Screen().version, GetVersionText().Text());
 }
 
-// The button works in idle alone, and the engine primes while running alone.
+// The button works only in idle, and the engine primes only while running.
 TEST_F(WithFrontEnd, prime_button_reaches_the_engine_in_idle_where_it_does_nothing) {
     StartConnected();
     ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Prime));
@@ -72,8 +72,8 @@ TEST_F(WithFrontEnd, one_measurement_from_the_lamp_to_the_screen) {
     EXPECT_TRUE(frame->Find("DateValue").has_value());
 }
 
-// No handler is installed, so that the second write to a front end that has gone ends the process.
-TEST_F(ProductWithFrontEnd, a_front_end_that_closes_is_answered_without_pause_until_a_write_ends_the_process) {
+// No handler is installed, so that the second write to a closed front end ends the process.
+TEST_F(ProductWithFrontEnd, a_closed_front_end_ends_the_process_at_a_write) {
     const auto product = Product();
     ASSERT_TRUE(frontEnd->WaitForConnection(patience));
     frontEnd->Disconnect();
@@ -89,7 +89,7 @@ TEST_F(ProductWithFrontEnd, a_front_end_that_closes_is_answered_without_pause_un
     EXPECT_GT(count, 100U);
 }
 
-TEST_F(ProductWithFrontEnd, a_front_end_that_is_there_gets_every_status_from_the_very_binary) {
+TEST_F(ProductWithFrontEnd, a_front_end_gets_every_status) {
     const auto product = Product();
     EXPECT_TRUE(Wait("CMD", "-2").has_value());
     EXPECT_TRUE(Wait("InstrumentStatus", "Executing LED Adjustment Step").has_value());

@@ -1,5 +1,5 @@
-// The board's tests of itself in the whole system: asked for by message, seen in the log, the requests to the remote
-// indicator and the verdict.
+// The hardware tests in the whole system: requested by message, seen in the log, in the requests to the remote
+// indicator and in the verdict.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -27,7 +27,7 @@ protected:
         WaitForIdle();
     }
 
-    // The witness looks at who sent a message, so it ends before the senders; its object outlasts the router.
+    // The witness reads the sender of a message, so it ends before the senders; its object outlives the router.
     ~HardwareTestOfSystem() override {
         if (witness != nullptr) {
             witness->Kill();
@@ -54,7 +54,7 @@ protected:
         EXPECT_TRUE(MessageController::SendMessage(std::move(message), SYSTEM_CONTROL));
     }
 
-    // The request for amber, where there is one, and the verdict.
+    // The request for amber, if there is one, and the verdict.
     Texts Test(std::int32_t selector) {
         Listen();
         Board().ClearLog();
@@ -63,7 +63,7 @@ protected:
             if (Board().PlayingClip() == AlertClip) {
                 Board().SetSpeed(WhilePlaying);
             }
-            const Texts heard = witness->Heard();  // the indicator's acknowledgement may come before or behind
+            const Texts heard = witness->Heard();  // the indicator's acknowledgement may come before or after
             return std::any_of(heard.begin(), heard.end(),
                                [](const std::string& text) { return text == Passed || text == Failed; });
         }));
@@ -84,7 +84,7 @@ protected:
         }));
     }
 
-    // Errors of the log since the test was asked for.
+    // Errors in the log since the test was requested.
     Texts Errors() {
         MessageController::LogMessage("end of the test", EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
         WaitFor("end of the test");
@@ -101,8 +101,8 @@ protected:
     std::unique_ptr<Witness> witness;
 };
 
-// The sound is heard two seconds after it was asked for: time passes slowly until it plays, so that a busy machine is
-// in time.
+// The sound is measured two seconds after its request: time passes slowly until it plays, so that a busy machine is in
+// time.
 class SoundTestOfSystem : public HardwareTestOfSystem {
 protected:
     SoundTestOfSystem() {
@@ -199,7 +199,7 @@ TEST_F(HardwareTestOfSystem, all_of_them_end_at_the_first_fault) {
     EXPECT_EQ(Errors(), Texts{"1.8V is outside of limits!"});
 }
 
-TEST_F(HardwareTestOfSystem, an_unknown_one_fails_without_a_line_and_is_answered) {
+TEST_F(HardwareTestOfSystem, an_unknown_one_fails_without_a_line) {
     for (const std::int32_t selector : {0, 6}) {
         EXPECT_EQ(Test(selector), Texts{Failed});
         EXPECT_EQ(Errors(), Texts{});
@@ -207,7 +207,7 @@ TEST_F(HardwareTestOfSystem, an_unknown_one_fails_without_a_line_and_is_answered
 }
 
 // The threads are joined, so the reset waits for the sleeps of the test.
-TEST_F(HardwareTestOfSystem, a_reset_while_one_sleeps_leaves_nothing_over) {
+TEST_F(HardwareTestOfSystem, a_reset_while_one_sleeps_leaks_nothing) {
     const auto entriesOf = [](const char* folder) {
         const std::filesystem::directory_iterator entries(folder);
         return std::distance(begin(entries), end(entries));
@@ -227,7 +227,7 @@ TEST_F(HardwareTestOfSystem, a_reset_while_one_sleeps_leaves_nothing_over) {
                                [&](const std::string& line) { return line.rfind(asked, 0) == 0; });
         }));
         Reset();
-        // A thread that was joined may be listed a moment longer.
+        // A joined thread may be listed a moment longer.
         EXPECT_TRUE(Board().WaitUntil([&] { return entriesOf("/proc/self/task") <= threads; }));
         EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
         EXPECT_FALSE(Board().Pwm(1).enabled);

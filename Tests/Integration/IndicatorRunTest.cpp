@@ -1,4 +1,4 @@
-// What the remote indicator does in whole runs, as a person sees it: the water's colour and the sound that loops.
+// The remote indicator in whole runs, as a person sees it: the water's color and the looping sound.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -42,12 +42,12 @@ private:
 
 }  // namespace
 
-TEST_P(IndicatorRun, shows_the_waters_colour_and_loops_its_sound) {
+TEST_P(IndicatorRun, shows_the_waters_color_and_loops_its_sound) {
     const std::vector<std::string> lines = Lines(GetParam().chlorine);
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.front(), Normal);
     EXPECT_EQ(lines.back(),
-              GetParam().indicator);  // on a busy machine the sound may follow the colour in a line of its own
+              GetParam().indicator);  // on a busy machine the sound may follow the color in its own line
 }
 
 INSTANTIATE_TEST_SUITE_P(EachLevel, IndicatorRun,

@@ -1,4 +1,4 @@
-// From a chlorine value to the remote indicator's colours and sound, in the whole system.
+// From a chlorine value to the remote indicator's colors and sound, in the whole system.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -28,7 +28,7 @@ protected:
         WaitForIdle();
     }
 
-    // As a cycle would that has come to that value.
+    // As a cycle with that result would.
     static void Publish(double chlorine) {
         MeasurementResults results;
         results.SetChlorine(chlorine);
@@ -74,7 +74,7 @@ TEST_F(WaterIndicator, follows_the_water_through_cycles) {
 
 TEST_F(WaterIndicator, shows_alarm_alert_and_normal_with_their_sounds) {
     StartIdle();
-    Board().SetSpeed(10.0);  // an acknowledgement has its time, in which a slow machine has to start a player
+    Board().SetSpeed(10.0);  // a slow machine has to start a player within the acknowledgement time
     EXPECT_EQ(Lit(), "Bb");
     Publish(0.9);
     WaitForColors("Br");
@@ -88,7 +88,7 @@ TEST_F(WaterIndicator, shows_alarm_alert_and_normal_with_their_sounds) {
     EXPECT_EQ(CountOf(NoAcknowledgement), 0);
 }
 
-TEST_F(WaterIndicator, takes_the_level_that_a_value_lies_on) {
+TEST_F(WaterIndicator, takes_a_value_on_a_level_as_reaching_it) {
     StartIdle();
     Publish(0.8);
     WaitForColors("Br");
@@ -106,7 +106,7 @@ TEST_F(WaterIndicator, falls_back_from_an_alarm_with_one_low_value) {
     EXPECT_TRUE(BecomesSilent(Board()));
 }
 
-TEST_F(WaterIndicator, takes_what_is_no_number_for_normal) {
+TEST_F(WaterIndicator, takes_not_a_number_as_normal) {
     StartIdle();
     Publish(0.9);
     WaitForColors("Br");
@@ -114,7 +114,7 @@ TEST_F(WaterIndicator, takes_what_is_no_number_for_normal) {
     WaitForColors("Bb");
 }
 
-TEST_F(WaterIndicator, goes_by_the_levels_of_the_settings_after_a_reset) {
+TEST_F(WaterIndicator, uses_the_levels_of_the_settings_after_a_reset) {
     StartIdle();
     Publish(0.6);
     WaitForColors("Ba");
@@ -125,7 +125,7 @@ TEST_F(WaterIndicator, goes_by_the_levels_of_the_settings_after_a_reset) {
     WaitForColors("Br");
 }
 
-TEST_F(WaterIndicator, tells_a_broken_led_from_a_good_one) {
+TEST_F(WaterIndicator, distinguishes_a_broken_led_from_a_good_one) {
     SetFault("indicator-led-open=blue-water");
     StartIdle();
     for (const std::int32_t id : {4, 5}) {  // blue and amber of the water
@@ -135,14 +135,14 @@ TEST_F(WaterIndicator, tells_a_broken_led_from_a_good_one) {
         WaitFor("Data Message (REMOTE_INDICATOR_TEST_MESSAGE) : From - RemoteIndicatorControl : To - MessagingControl",
                 id - 3);
     }
-    // The monitor awaits the test of the whole, the first after the start.
+    // The monitor waits for the whole test, the first after the start.
     WaitFor(NotConnected);
     Publish(0.6);
     WaitForColors("Ba");
     EXPECT_EQ(CountOf(NotConnected), 1);
 }
 
-TEST_F(WaterIndicator, shows_its_colours_without_sound_tools) {
+TEST_F(WaterIndicator, shows_its_colors_without_sound_tools) {
     SetFault("sound-tools-missing");
     StartIdle();
     Publish(0.9);
@@ -152,7 +152,7 @@ TEST_F(WaterIndicator, shows_its_colours_without_sound_tools) {
     EXPECT_EQ(Board().SoundCalls(), std::vector<std::string>{});
 }
 
-TEST_F(WaterIndicator, sounds_where_the_mixer_does_not_answer) {
+TEST_F(WaterIndicator, sounds_although_the_mixer_does_not_answer) {
     SetFault("amixer-fails");
     StartIdle();
     Publish(0.9);
@@ -160,7 +160,7 @@ TEST_F(WaterIndicator, sounds_where_the_mixer_does_not_answer) {
     WaitForSound(Alarm);
 }
 
-TEST_F(WaterIndicator, is_missed_where_its_lines_are_taken_while_the_system_runs_on) {
+TEST_F(WaterIndicator, is_missing_if_its_lines_are_taken) {
     SetFault("gpio-taken=indicator");
     configuration.Set("AckTimeout", "2000");
     Start();
@@ -178,7 +178,7 @@ TEST_F(WaterIndicator, is_missed_where_its_lines_are_taken_while_the_system_runs
     WaitFor("Changing to IDLE_STATE State for - MeasurementEngine");
 }
 
-TEST_F(WaterIndicator, comes_back_with_a_reset_where_its_lines_are_free_again) {
+TEST_F(WaterIndicator, returns_with_a_reset_once_its_lines_are_free) {
     SetFault("gpio-taken=3,20");
     Start();
     WaitFor(InitFailed);
@@ -190,7 +190,7 @@ TEST_F(WaterIndicator, comes_back_with_a_reset_where_its_lines_are_free_again) {
     WaitForColors("Br");
 }
 
-TEST_F(WaterIndicator, leaves_no_player_behind_a_reset_and_lets_its_clip_play_to_the_end) {
+TEST_F(WaterIndicator, ends_its_player_in_a_reset_after_the_clip) {
     StartIdle();
     Publish(0.9);
     WaitForSound(Alarm);

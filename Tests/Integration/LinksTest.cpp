@@ -67,7 +67,7 @@ protected:
 
 }  // namespace
 
-TEST_F(ManyGenerations, many_resets_leave_nothing_over_and_both_links_come_up_again) {
+TEST_F(ManyGenerations, many_resets_leak_nothing_and_both_links_connect_again) {
     BringUp(1);
     Reset();
     EXPECT_TRUE(frontEnd->WaitForEnd(patience));
@@ -76,18 +76,18 @@ TEST_F(ManyGenerations, many_resets_leave_nothing_over_and_both_links_come_up_ag
     const std::size_t descriptors = EntriesOf("/proc/self/fd");
     for (std::size_t generation = 2; generation <= RESETS + 1; ++generation) {
         ASSERT_NO_FATAL_FAILURE(BringUp(generation));
-        // From either side in turn.
+        // From each side in turn.
         ASSERT_TRUE(generation % 2 == 0 ? frontEnd->SendCode(Bench::FrontEnd::Reset)
                                         : station->SendRequest(Request(860)));
         BringDown();
     }
-    // A thread that was joined may be listed a moment longer, in the first count too.
+    // A joined thread may be listed a moment longer, in the first count too.
     EXPECT_TRUE(Board().WaitUntil([&] { return EntriesOf("/proc/self/task") <= threads; }));
     EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
 }
 
-// A cycle that runs when the test state is entered goes on to its end.
-TEST_F(WithBothPeers, test_station_gets_the_measurement_that_stands_on_the_card) {
+// A cycle that runs when the test state is entered continues to its end.
+TEST_F(WithBothPeers, test_station_gets_the_measurement_on_the_card) {
     StartConnected();
     Send(MOVE_TO_TEST);
     ASSERT_TRUE(station->WaitForConnection(patience));

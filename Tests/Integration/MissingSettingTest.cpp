@@ -1,4 +1,4 @@
-// Settings that the product can't run without: the process ends, and says first what it missed.
+// Settings that the product cannot run without: the process ends after it has named the missing setting.
 #include <gtest/gtest.h>
 
 #include <csignal>

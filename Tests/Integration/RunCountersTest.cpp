@@ -1,4 +1,4 @@
-// The run counters of the whole system, in the files that outlast it.
+// The run counters of the whole system, in their files.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -19,7 +19,7 @@ std::string ValueOf(const std::string& text, const std::string& name) {
     return item == std::string::npos ? "" : text.substr(start, text.find('"', start) - start);
 }
 
-// Of both counters; empty where the file is not whole.
+// Of both counters; empty if the file is not complete.
 std::string HoursIn(const std::string& path) {
     const std::string text = ReadFile(path);
     const std::string hours = ValueOf(text, "ElectronicsRunHours");
@@ -34,7 +34,7 @@ class RunCounters : public SystemOnBoard {
 protected:
     RunCounters() : SystemOnBoard(200.0) {}
 
-    // The monitor has run its first check, and says so ahead of each; in idle, too, the counting goes on.
+    // The monitor has run its first check, and logs each before it begins; it counts in idle, too.
     void StartAndCheck() {
         Start();
         WaitForIdle();
@@ -56,7 +56,7 @@ protected:
         configuration.Set("AutoStartDelay", "1000").Set("LoggingLevel", "DEBUG_LOG_LEVEL").LayInto(Folder());
     }
 
-    // The monitor has run its first check: it says so ahead of each.
+    // The monitor has run its first check: it logs each before it begins.
     void WaitForCheck() const {
         EXPECT_TRUE(Board().WaitUntil([this] {
             const std::vector<Bench::LogLine> lines = Board().Log();
@@ -71,7 +71,7 @@ protected:
 
 }  // namespace
 
-// The clock leaps over most of each two hours.
+// The clock skips most of each two hours.
 TEST_F(RunCounters, of_two_days_advance_by_two_hours_every_two_hours_in_both_files) {
     const std::int64_t start = Board().WallNanoSeconds();
     StartAndCheck();
@@ -85,7 +85,7 @@ TEST_F(RunCounters, of_two_days_advance_by_two_hours_every_two_hours_in_both_fil
     EXPECT_EQ(ValueOf(ReadFile(MainIn(Folder())), "SerialNumber"), "123456789");
 }
 
-TEST_F(RunCounters, a_cycle_that_is_asked_for_is_counted_and_saved_with_the_hours) {
+TEST_F(RunCounters, a_requested_cycle_is_counted_and_saved_with_the_hours) {
     Start();
     WaitForIdle();
     Send(COLLECT_MEASUREMENT);
@@ -111,7 +111,7 @@ TEST_F(RunCounters, continue_over_a_reset) {
     StartAndCheck();
 }
 
-TEST_F(RunCountersOfProduct, killed_around_a_save_never_fall_behind_the_last_complete_one) {
+TEST_F(RunCountersOfProduct, killed_around_a_save_are_never_below_the_last_complete_one) {
     const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Values hold at four times this speed, too; a busy machine needs the rest.
+// Values are right at four times this speed, too; the margin is for a busy machine.
 constexpr const char* Speed = "50";
 constexpr double Accuracy = 0.02;  // mg/l
 
@@ -151,7 +151,7 @@ TEST_F(WholeRun, turn_of_the_year_begins_new_files_and_loses_no_step) {
     EXPECT_EQ(Rows("2027-01-01_Measurement.csv").size(), 4U);
 }
 
-TEST_F(WholeRun, pulled_card_misses_what_happened_meanwhile_and_goes_on_in_its_file) {
+TEST_F(WholeRun, pulled_card_misses_records_and_continues_its_file) {
     Run({"--cycles", "3", "--start", "2026-11-20 12:00:00", "--fault", "card-out@330", "--fault", "card-in@370"});
     ExpectChlorineFromTheSecondOn(3, 0.60);
     const std::vector<long> times = StatusTimes("2026-11-20_Status.csv", 1795176000);
@@ -164,7 +164,7 @@ TEST_F(WholeRun, pulled_card_misses_what_happened_meanwhile_and_goes_on_in_its_f
     EXPECT_EQ(CardFiles().size(), 3U);
 }
 
-TEST_F(WholeRun, card_that_stays_out_ends_the_run_with_the_reason) {
+TEST_F(WholeRun, missing_card_ends_the_run_with_the_reason) {
     Run({"--cycles", "1", "--fault", "card-out"}, 1);
     EXPECT_EQ(m_run.Err().rfind("run: no result in ", 0), 0U) << m_run.Err();
     EXPECT_TRUE(m_run.Err().ends_with(" of simulated time, and the card with its records is out\n")) << m_run.Err();
@@ -177,7 +177,7 @@ TEST_F(WholeRun, dead_led_gives_no_chlorine_and_full_duty) {
     EXPECT_EQ(Results()[0][15], "100.00");
 }
 
-TEST_F(WholeRun, dry_reagent_lets_the_value_fall_towards_zero) {
+TEST_F(WholeRun, dry_reagent_makes_the_value_fall_towards_zero) {
     Run({"--cycles", "3", "--fault", "reagent-empty@210"});
     const auto results = Results();
     ASSERT_EQ(results.size(), 3U);

@@ -9,7 +9,7 @@ namespace {
 
 class MessageRouting : public RouterFixture {};
 
-// Counts how many of it live.
+// Counts the existing objects.
 class CountedMessage : public CommandMessage {
 public:
     explicit CountedMessage(int& count) : CommandMessage(PRIME_SYSTEM), m_count(count) { ++m_count; }
@@ -21,7 +21,7 @@ private:
 
 }  // namespace
 
-TEST(Message, the_name_tables_stand_in_the_order_of_their_numbers) {
+TEST(Message, the_name_tables_are_in_the_order_of_their_numbers) {
     EXPECT_EQ(ControllerNames[DEVICE_MONITOR], "DeviceMonitor");
     EXPECT_EQ(ControllerNames[LOGGING_CONTROL], "LoggingControl");
     EXPECT_EQ(ControllerNames[2], "MeasurementEngine");

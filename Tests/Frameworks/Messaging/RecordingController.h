@@ -1,4 +1,4 @@
-// A controller that writes down what reaches it, for tests that look at queues and routing from the outside.
+// A controller that records its messages, for tests that look at queues and routing from the outside.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -69,7 +69,7 @@ public:
         return result;
     }
 
-    // Waits until that many notes are there; the deadline only ends a hang.
+    // Waits for that many notes; the deadline only ends a hang.
     std::vector<std::string> WaitForNotes(std::size_t count) {
         std::unique_lock lock(m_mutex);
         EXPECT_TRUE(m_changed.wait_for(lock, HangDeadline, [&] { return m_notes.size() >= count; }))
@@ -142,8 +142,7 @@ inline std::unique_ptr<MessageBase> SentTwice(std::unique_ptr<MessageBase> messa
     return message;
 }
 
-// The log level of a test: without the trace of the messages themselves, and from before the router writes its first
-// line.
+// The log level of a test: without the trace of messages, set before the router writes its first line.
 class QuietLog {
 public:
     QuietLog() { MessageController::SetLogLevel(INFORMATIONAL_LOG_LEVEL); }
@@ -152,8 +151,8 @@ public:
     QuietLog& operator=(const QuietLog&) = delete;
 };
 
-// A router for the length of a test, and controllers that outlive it: as in the system, nobody is deleted while the
-// router may still deliver.
+// A router for the length of a test, and controllers that outlive it: as in the system, no controller is deleted while
+// the router may still deliver.
 class RouterFixture : public testing::Test {
 protected:
     RouterFixture() { MessageBase::SetMessagingControl(&router); }

@@ -1,5 +1,5 @@
-// The router against a model of it: who registered for what gets just that, in order, whatever the order of
-// registering.
+// The router against a model of it: each controller gets exactly the messages that it registered for, in order,
+// whatever the order of registering.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -59,7 +59,7 @@ protected:
         }
     }
 
-    // Once this has come, the router has dealt with all that was sent before.
+    // Once this has arrived, the router has handled everything that was sent before.
     void SendEndOfRound() {
         threads.front()->SendCommand(MOVE_TO_SHUTDOWN);
         expected.front().push_back("MOVE_TO_SHUTDOWN");
@@ -82,7 +82,7 @@ protected:
 
 }  // namespace
 
-TEST_F(RoutingModel, everyone_gets_what_was_asked_for_in_order) {
+TEST_F(RoutingModel, delivers_what_each_controller_registered_for_in_order) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     for (int round = 0; round < Rounds; ++round) {
         RegisterSomeone();

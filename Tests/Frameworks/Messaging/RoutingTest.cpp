@@ -61,7 +61,7 @@ TEST_F(Routing, a_message_without_subscribers_is_dropped_and_the_router_goes_on)
     one.WaitForNotes(1);
     router.RegisterCommand(&one, PRIME_SYSTEM);
     one.SendCommand(COLLECT_MEASUREMENT);
-    EXPECT_TRUE(MessageController::SendStatusMessage("nobody listens"));
+    EXPECT_TRUE(MessageController::SendStatusMessage("no subscriber"));
     one.SendCommand(PRIME_SYSTEM);
     EXPECT_EQ(one.WaitForNotes(2), (Notes{"init", "PRIME_SYSTEM"}));
 }
@@ -74,7 +74,7 @@ TEST_F(Routing, the_routers_own_clone_changes_its_state_and_goes_no_further) {
     router.RegisterCommand(&one, PRIME_SYSTEM);
     one.SendCommand(MOVE_TO_RUNNING);
     one.WaitForNote("MOVE_TO_RUNNING");
-    // The router's own clone stands in its queue by now, ahead of this.
+    // The router's own clone is in its queue by now, ahead of this.
     one.SendCommand(PRIME_SYSTEM);
     EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "MOVE_TO_RUNNING", "PRIME_SYSTEM"}));
     EXPECT_EQ(router.GetState(), RUNNING_STATE);
@@ -96,7 +96,7 @@ TEST_F(Routing, each_move_command_sets_the_routers_state) {
     for (const auto& [command, state] : rows) {
         one.SendCommand(command);
         one.WaitForNotes(++notes);
-        // The router's own clone stands in its queue by now, ahead of this.
+        // The router's own clone is in its queue by now, ahead of this.
         one.SendCommand(PRIME_SYSTEM);
         one.WaitForNotes(++notes);
         EXPECT_EQ(router.GetState(), state);
@@ -120,7 +120,7 @@ TEST(Router, waits_without_limit_after_each_move_command) {
     EXPECT_EQ(router.GetTimeOut(), 7);
 }
 
-TEST_F(Routing, a_data_message_that_was_sent_twice_is_ignored_at_the_router) {
+TEST_F(Routing, ignores_a_data_message_that_was_sent_twice) {
     RecordingController& one = Add("One", MEASUREMENT_STATUS_MESSAGE);
     one.CreateThread();
     one.WaitForNotes(1);
@@ -137,11 +137,11 @@ TEST_F(Routing, a_data_message_that_was_sent_twice_is_ignored_at_the_router) {
     EXPECT_EQ(one.Notes(), (Notes{"init", "MEASUREMENT_STATUS_MESSAGE", "PRIME_SYSTEM"}));
 }
 
-TEST_F(Routing, log_lines_from_before_the_first_subscriber_come_in_order_but_for_the_one_that_frees_them) {
+TEST_F(Routing, keeps_log_lines_for_the_first_subscriber_and_loses_the_line_that_releases_them) {
     RecordingController& sender = Add("Sender");
     sender.Log("first", NOTICE_LOG_LEVEL);
     sender.Log("second", NOTICE_LOG_LEVEL);
-    // The router answers a command only when it has put both away.
+    // The router forwards a command only after it has stored both.
     sender.CreateThread();
     router.RegisterCommand(&sender, PRIME_SYSTEM);
     sender.SendCommand(PRIME_SYSTEM);
@@ -267,7 +267,7 @@ TEST_F(Routing, a_burst_is_delivered_whole_and_in_order) {
 
 TEST(RoutingWithout, a_router_Log_does_nothing_and_registration_fails) {
     RecordingController one("One");
-    one.Log("nobody", ERROR_LOG_LEVEL);
+    one.Log("lost", ERROR_LOG_LEVEL);
     one.SendCommand(PRIME_SYSTEM);
     EXPECT_FALSE(one.RegisterForCommand(PRIME_SYSTEM));
     EXPECT_FALSE(one.RegisterForDataMessage(LOGGING_DATA_MESSAGE));

@@ -29,13 +29,13 @@ public:
     }
 };
 
-// Tells when it is freed.
-class TellingMessage : public CommandMessage {
+// Records when it is freed.
+class FreedMessage : public CommandMessage {
 public:
-    explicit TellingMessage(bool& freed) : CommandMessage(PRIME_SYSTEM), m_freed(freed) {}
-    TellingMessage(const TellingMessage&) = delete;
-    TellingMessage& operator=(const TellingMessage&) = delete;
-    ~TellingMessage() override { m_freed = true; }
+    explicit FreedMessage(bool& freed) : CommandMessage(PRIME_SYSTEM), m_freed(freed) {}
+    FreedMessage(const FreedMessage&) = delete;
+    FreedMessage& operator=(const FreedMessage&) = delete;
+    ~FreedMessage() override { m_freed = true; }
 
 private:
     bool& m_freed;
@@ -89,7 +89,7 @@ TEST(ThreadControl, Kill_ends_the_thread) {
     EXPECT_EQ(one.GetState(), POST_EXITING_STATE);
 }
 
-TEST(ThreadControl, killed_while_draining_it_finishes_what_stands_ahead) {
+TEST(ThreadControl, killed_while_draining_processes_the_messages_before_its_killing_message) {
     EndingController one("One");
     one.onCommand = [&](CommandMessage& message) {
         if (message.GetCommandType() == RESET_SYSTEM) {
@@ -103,7 +103,7 @@ TEST(ThreadControl, killed_while_draining_it_finishes_what_stands_ahead) {
     EXPECT_EQ(one.Notes(), (Notes{"init", "RESET_SYSTEM", "PRIME_SYSTEM", "exit"}));
 }
 
-TEST(ThreadControl, what_stands_behind_its_own_killing_message_is_dropped) {
+TEST(ThreadControl, drops_the_messages_after_its_own_killing_message) {
     EndingController one("One");
     one.ReceiveMessage(Command(PRIME_SYSTEM, &one, &one));
     one.ReceiveMessage(Command(KILLING_SYSTEM, &one, &one));
@@ -113,7 +113,7 @@ TEST(ThreadControl, what_stands_behind_its_own_killing_message_is_dropped) {
     EXPECT_EQ(one.Notes(), (Notes{"init", "PRIME_SYSTEM", "exit"}));
 }
 
-TEST(ThreadControl, a_killing_message_from_another_is_dropped_and_the_thread_goes_on) {
+TEST(ThreadControl, drops_a_killing_message_from_another) {
     RecordingController one("One");
     RecordingController other("Other");
     one.ReceiveMessage(Command(KILLING_SYSTEM, &other, &one));
@@ -173,7 +173,7 @@ TEST(ThreadControl, a_message_after_the_end_is_freed_at_once) {
     one.Kill();
     one.JoinAndForget();
     bool freed = false;
-    one.ReceiveMessage(std::make_unique<TellingMessage>(freed));
+    one.ReceiveMessage(std::make_unique<FreedMessage>(freed));
     EXPECT_TRUE(freed);
     EXPECT_EQ(one.WaitForNotes(2).back(), "exit");
 }
@@ -182,7 +182,7 @@ TEST(ThreadControl, a_message_before_the_end_is_freed_with_its_queue) {
     bool freed = false;
     {
         RecordingController one("One");
-        one.ReceiveMessage(std::make_unique<TellingMessage>(freed));
+        one.ReceiveMessage(std::make_unique<FreedMessage>(freed));
         EXPECT_FALSE(freed);
     }
     EXPECT_TRUE(freed);
@@ -193,7 +193,7 @@ TEST(MessageBuffer, is_named_after_its_thread) {
     EXPECT_EQ(buffer.GetName(), "One_MessageBuffer");
 }
 
-TEST(MessageBuffer, gives_null_without_an_error_where_the_semaphore_is_ahead) {
+TEST(MessageBuffer, gives_null_without_an_error_if_the_semaphore_is_ahead) {
     MessageBuffer buffer("One");
     buffer.PostMessage(std::make_unique<CommandMessage>(PRIME_SYSTEM));
     EXPECT_NE(buffer.PopFront(), nullptr);
@@ -201,7 +201,7 @@ TEST(MessageBuffer, gives_null_without_an_error_where_the_semaphore_is_ahead) {
     EXPECT_EQ(buffer.GetLastError(), 0);
 }
 
-TEST(MessageBuffer, tells_a_time_out_by_its_error_and_forgets_it_at_the_next_wait) {
+TEST(MessageBuffer, reports_a_time_out_until_the_next_wait) {
     MessageBuffer buffer("One");
     EXPECT_EQ(buffer.WaitForMessage(0), nullptr);
     EXPECT_EQ(buffer.GetLastError(), ETIMEDOUT);
@@ -223,7 +223,7 @@ TEST(MessageBuffer, frees_any_number_of_messages_with_itself) {
     EXPECT_EQ(freed, many);
 }
 
-TEST(MessageBuffer, wakes_its_owner_for_each_message_however_posts_and_time_outs_meet) {
+TEST(MessageBuffer, loses_no_message_when_posts_and_time_outs_meet) {
     constexpr int senders = 3;
     constexpr int messages = 2000;
     MessageBuffer buffer("One");

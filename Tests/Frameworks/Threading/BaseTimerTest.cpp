@@ -21,7 +21,7 @@ constexpr std::uint32_t OneHour = 3600000;
 
 thread_local int expiriesOfThisThread = 0;
 
-// What the runs of a timer did; it outlives the timer.
+// The events of a timer's runs; they outlive the timer.
 class Notes {
 public:
     void Add(const std::string& note) {
@@ -140,7 +140,7 @@ TEST(BaseTimer, runs_again_on_a_new_thread_after_expiry) {
     EXPECT_EQ(notes.Count("expired 2"), 0);
 }
 
-TEST(BaseTimer, lets_an_earlier_run_expire_too_when_it_is_started_again) {
+TEST(BaseTimer, started_again_expires_for_the_earlier_run_too) {
     Notes notes;
     NotingTimer timer(notes);
     timer.SetDuration(100);
@@ -150,7 +150,7 @@ TEST(BaseTimer, lets_an_earlier_run_expire_too_when_it_is_started_again) {
     EXPECT_EQ(notes.Count("expired 1"), 2);
 }
 
-TEST(BaseTimer, lifts_a_Kill_for_the_earlier_run_when_it_is_started_again) {
+TEST(BaseTimer, started_again_revokes_a_Kill_of_the_earlier_run) {
     Notes notes;
     NotingTimer timer(notes);
     timer.SetDuration(1000);
@@ -161,7 +161,7 @@ TEST(BaseTimer, lifts_a_Kill_for_the_earlier_run_when_it_is_started_again) {
     EXPECT_EQ(notes.Count("expired 1"), 2);
 }
 
-TEST(BaseTimer, does_not_expire_where_Init_fails) {
+TEST(BaseTimer, does_not_expire_if_Init_fails) {
     Notes notes;
     NotingTimer timer(notes);
     timer.initResult = false;
@@ -170,7 +170,7 @@ TEST(BaseTimer, does_not_expire_where_Init_fails) {
     EXPECT_EQ(notes.Count("expired 1"), 0);
 }
 
-TEST(BaseTimer, says_so_when_the_system_refuses_a_thread_and_can_start_later) {
+TEST(BaseTimer, reports_a_refused_thread_and_can_start_later) {
     static std::string report;
     SetReportFunction([](const StdString& text, LogLevel, ControllerType) { report = text.Text(); });
     Notes notes;

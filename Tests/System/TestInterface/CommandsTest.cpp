@@ -27,7 +27,7 @@ protected:
         EXPECT_TRUE(MessageController::SendMessage(std::move(message), MEASUREMENT_ENGINE));
     }
 
-    // As the payload carries them: the result's time and its value.
+    // In the form of the payload: the result's time and its value.
     static Bytes Records(const std::vector<std::pair<double, std::int32_t>>& results) {
         Bytes bytes;
         for (const auto& [chlorine, seconds] : results) {
@@ -43,12 +43,12 @@ protected:
 
 }  // namespace
 
-TEST_F(LinkCommands, x840_tells_the_state_in_a_frame_that_echoes_nothing) {
+TEST_F(LinkCommands, x840_gives_the_state_in_a_frame_that_repeats_nothing) {
     const RawConnection peer = Connect();
     const std::int64_t before = Board().WallNanoSeconds();
     const Reply reply = Ask(peer, Frame(840).Flags(0xFFFE).Value(2, 5000));
     const std::int64_t after = Board().WallNanoSeconds();
-    // All but length and time is 0: the fixture has looked at that.
+    // All fields but length and time are 0: the fixture has checked that.
     EXPECT_EQ(NumberAt(reply.header, 14, 3), 8U + 11U + 4U);
     EXPECT_EQ(BehindStamp(reply), std::string("TEST_STATE\0", 11));
     const std::int64_t stamp = StampAt(reply.data, 0);
@@ -59,7 +59,7 @@ TEST_F(LinkCommands, x840_tells_the_state_in_a_frame_that_echoes_nothing) {
     WaitFor(Sent);
 }
 
-TEST_F(LinkCommands, are_told_from_one_another_by_their_order_alone) {
+TEST_F(LinkCommands, are_answered_in_order) {
     const RawConnection peer = Connect();
     Bytes both = Frame(30100);
     const Bytes second = Frame(30200);
@@ -141,7 +141,7 @@ TEST_F(LinkCommands, x850_shuts_down_and_closes_the_link_whatever_its_value_asks
     EXPECT_TRUE(WaitForState(SYSTEM_CONTROL, SHUTDOWN_STATE));
 }
 
-// The link is closed before the answer, which so can't be sent.
+// The link is closed before the answer, which therefore cannot be sent.
 TEST_F(LinkCommands, x860_resets_the_system_without_an_answer) {
     const RawConnection peer = Connect();
     peer.Send(Frame(860));
@@ -164,7 +164,7 @@ TEST_F(LinkCommands, of_state_control_with_any_other_number_do_nothing) {
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(LinkCommands, of_a_reserved_range_do_nothing_and_are_not_called_invalid) {
+TEST_F(LinkCommands, of_a_reserved_range_do_nothing) {
     const RawConnection peer = Connect();
     for (const int command : {11000, 11063, 20100, 20499, 21100, 22899, 42100, 42199, 46100, 46499,
                               50200, 56499, 30400, 30500, 30600, 30699, 62000, 62099, 62101, 62999}) {
@@ -173,7 +173,7 @@ TEST_F(LinkCommands, of_a_reserved_range_do_nothing_and_are_not_called_invalid) 
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(LinkCommands, beyond_every_range_are_called_invalid_and_not_answered) {
+TEST_F(LinkCommands, outside_every_range_are_invalid) {
     const RawConnection peer = Connect();
     long count = 0;
     // The range from 40100 ends before it begins.
@@ -186,7 +186,7 @@ TEST_F(LinkCommands, beyond_every_range_are_called_invalid_and_not_answered) {
     EXPECT_EQ(SettledCountOf(Invalid), count);
 }
 
-// The request comes back to the test interface alone, which takes no request for an answer.
+// The request returns to the test interface alone, which does not take a request as an answer.
 TEST_F(LinkCommands, for_the_hardware_are_published_and_not_answered) {
     const RawConnection peer = Connect();
     const struct {
@@ -209,12 +209,12 @@ TEST_F(LinkCommands, for_the_hardware_are_published_and_not_answered) {
     EXPECT_EQ(SettledCountOf(Invalid), 0);
 }
 
-TEST_F(LinkCommands, x30100_tells_the_device) {
+TEST_F(LinkCommands, x30100_gives_the_device) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("Chlorine Analyzer"));
 }
 
-TEST_F(LinkCommands, tell_of_a_device_and_a_serial_number_that_are_not_set) {
+TEST_F(LinkCommands, have_defaults_for_device_and_serial_number) {
     configuration.Remove("DeviceID").Remove("SerialNumber");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("InvalidDevice"));
@@ -252,19 +252,19 @@ TEST_F(LinkCommands, x30200_takes_zero_bytes_of_a_payload_as_they_are) {
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30200).Write(std::string("a\0b", 3)))), Text(std::string("a\0b", 3)));
 }
 
-TEST_F(LinkCommands, x30300_tells_the_hardware_address) {
+TEST_F(LinkCommands, x30300_gives_the_hardware_address) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), Text("02:1A:6C:00:3E:F5"));
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300).Flags(4))), std::string("\x02\x1A\x6C\x00\x3E\xF5", 6));
 }
 
-TEST_F(LinkCommands, x30300_tells_the_hardware_address_of_the_interface_in_the_settings) {
+TEST_F(LinkCommands, x30300_gives_the_hardware_address_of_the_interface_in_the_settings) {
     configuration.Set("EthernetInterfaceName", "lo");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), Text("00:00:00:00:00:00"));
 }
 
-TEST_F(LinkCommands, x30300_tells_nothing_of_an_interface_that_there_is_not) {
+TEST_F(LinkCommands, x30300_gives_nothing_for_an_unknown_interface) {
     configuration.Set("EthernetInterfaceName", "none");
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(30300))), "");
@@ -296,7 +296,7 @@ TEST_F(LinkCommands, x62100_answers_once_measured) {
     EXPECT_EQ(ReceiveReply(peer).data, Records({{1.25, 1356955300}}));
 }
 
-// The measuring begins a cycle in its running state alone, and the link asks in the test state.
+// A cycle begins in the running state only, and the link asks in the test state.
 TEST_F(LinkCommands, x62100_is_not_answered_while_nothing_measures) {
     const RawConnection peer = Connect();
     SendUnanswered(peer, Frame(62100));
@@ -306,7 +306,8 @@ TEST_F(LinkCommands, x62100_is_not_answered_while_nothing_measures) {
     EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), 1);
 }
 
-// An 800 that meets the end of a period on its way doesn't stop it, since that end starts the next; a reset does.
+// An 800 that comes at the end of a period does not stop the sequence, because that end starts the next period; a reset
+// does.
 TEST_F(LinkCommands, x62100_three_times_without_a_period_asks_without_pause_until_a_reset) {
     const RawConnection peer = Connect();
     peer.Send(Frame(62100).Count(3));
@@ -316,7 +317,7 @@ TEST_F(LinkCommands, x62100_three_times_without_a_period_asks_without_pause_unti
     JoinAndDestroy();
 }
 
-TEST_F(LinkCommands, x62100_three_times_gathers_gathers_three_measurements_in_one_answer) {
+TEST_F(LinkCommands, x62100_three_times_gathers_three_measurements_in_one_answer) {
     const RawConnection peer = Connect();
     const double start = Board().Seconds();
     peer.Send(Frame(62100).Count(3).Value(60));
@@ -329,14 +330,14 @@ TEST_F(LinkCommands, x62100_three_times_gathers_gathers_three_measurements_in_on
     EXPECT_GE(Board().Seconds() - start, 120.0);
     Measured(0.0, 3);
     EXPECT_EQ(ReceiveReply(peer).data, Records({{1.25, 1}, {-2.5, 2}, {0.0, 3}}));
-    // The last period's end asks for one more, whose result goes nowhere.
+    // The end of the last period asks for one more, whose result is dropped.
     WaitFor("Sending Command - COLLECT_MEASUREMENT", 4);
     Measured(9.0, 4);
     SendUnanswered(peer, Frame(999));
     EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), 4);
 }
 
-TEST_F(LinkCommands, take_no_measurement_that_nobody_asked_for) {
+TEST_F(LinkCommands, take_no_unrequested_measurement) {
     const RawConnection peer = Connect();
     Measured(1.0, 1);
     SendUnanswered(peer, Frame(999));
@@ -376,7 +377,7 @@ TEST_F(LinkCommands, x800_ends_a_sequence_of_measurements) {
     peer.Send(Frame(62100).Count(3).Value(20));
     WaitFor("Sending Command - COLLECT_MEASUREMENT");
     Measured(1.0, 1);
-    EXPECT_EQ(Ask(peer, Frame(800)).data, Bytes());  // what was gathered is gone
+    EXPECT_EQ(Ask(peer, Frame(800)).data, Bytes());  // the results so far are dropped
     const double start = Board().Seconds();
     EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > start + 40.0; }));
     EXPECT_EQ(SettledCountOf("Sending Command - COLLECT_MEASUREMENT"), 1);

@@ -1,4 +1,4 @@
-// A test interface with a router and the log, and nobody else of the system but who captures its requests.
+// A test interface with a router, the log and a controller that captures its requests.
 #pragma once
 
 #include <memory>

@@ -14,7 +14,7 @@ protected:
 
 }  // namespace
 
-TEST_F(FrameGates, let_the_next_frame_through_once_the_one_before_is_freed) {
+TEST_F(FrameGates, admit_the_next_frame_once_the_one_before_is_freed) {
     std::shared_ptr<void> first = FrameGate::Pass(gate);
     ASSERT_NE(first, nullptr);
     std::atomic<bool> isFreed{false};
@@ -27,13 +27,13 @@ TEST_F(FrameGates, let_the_next_frame_through_once_the_one_before_is_freed) {
     next.join();
 }
 
-TEST_F(FrameGates, that_are_closed_let_nobody_through) {
+TEST_F(FrameGates, that_are_closed_admit_no_frame) {
     gate->Close();
     EXPECT_TRUE(gate->IsClosed());
     EXPECT_EQ(FrameGate::Pass(gate), nullptr);
 }
 
-TEST_F(FrameGates, wake_who_waits_when_they_close) {
+TEST_F(FrameGates, wake_a_waiting_thread_when_they_close) {
     const std::shared_ptr<void> first = FrameGate::Pass(gate);
     std::thread next([&] { EXPECT_EQ(FrameGate::Pass(gate), nullptr); });
     gate->Close();

@@ -18,10 +18,10 @@ protected:
         }
     }
 
-    // Everyone idle, and the front end's link has set the name of the interface, which all links share: from then on
-    // the one of the test link stands.
+    // Every controller is idle, and the front-end link has set the interface's name, which all links share: from then
+    // on only the test link changes it.
     void StartIdle() {
-        TCPClient::SetInterfaceName("nobody's");
+        TCPClient::SetInterfaceName("none");
         Start();
         WaitForIdle();
         EXPECT_TRUE(Board().WaitUntil([] { return TCPClient::GetInterfaceName() == "lo"; }));
@@ -34,14 +34,14 @@ protected:
         return listener.Accept();
     }
 
-    // Whatever was logged before is in the log.
+    // All lines sent before are in the log.
     void Settle() {
         const std::string mark = "all of it, " + std::to_string(m_marks++);
         MessageController::LogMessage(mark, EMERGENCY_LOG_LEVEL, SYSTEM_CONTROL);
         WaitFor(mark);
     }
 
-    // Lines from before are gone, the first of the start among them, one of which is always lost.
+    // Removes the earlier lines: those of the start, one of which is always lost, too.
     void ForgetLog() {
         Settle();
         Board().ClearLog();
@@ -61,19 +61,19 @@ protected:
         });
     }
 
-    // Nanoseconds of the board's wall clock that a time stamp stands for.
+    // A time stamp in nanoseconds of the board's wall clock.
     static std::int64_t StampAt(const Bytes& bytes, std::size_t offset) {
         return std::int64_t{NumberAt(bytes, offset)} * 1000000000 + NumberAt(bytes, offset + 4);
     }
 
-    // All that the request caused has been worked on, and nothing was answered to it. Needs the test state.
+    // Waits until the request is handled, and expects no answer to it. Needs the test state.
     static void SendUnanswered(const RawConnection& peer, const Bytes& request) {
         peer.Send(request);
         EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
     }
 
     RawListener listener;
-    RawListener frontEnd;  // it lets the other link connect, so that this one alone complains
+    RawListener frontEnd;  // lets the other link connect, so that only this link logs errors
 
 private:
     int m_marks = 0;

@@ -1,4 +1,4 @@
-// How the link to the test server comes, goes and comes again, and what it stands up to.
+// The link to the test server: how it connects, ends and connects again, and what it withstands.
 #include <gmock/gmock.h>
 
 #include <random>
@@ -55,7 +55,7 @@ TEST_F(TestLink, is_made_without_any_setting_of_its_own) {
     EXPECT_GE(Board().Seconds() - start, 3.0);
 }
 
-TEST_F(TestLink, is_made_once_by_itself_where_the_settings_ask_for_the_test_state) {
+TEST_F(TestLink, is_made_once_if_the_settings_ask_for_the_test_state) {
     configuration.Set("StartInTestMode", "true");
     StartIdle();
     EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), 0);
@@ -70,7 +70,7 @@ TEST_F(TestLink, is_made_once_by_itself_where_the_settings_ask_for_the_test_stat
     EXPECT_EQ(SettledCountOf("Sending Command - MOVE_TO_TEST"), 1);
 }
 
-TEST_F(TestLink, says_how_it_comes_up_and_ends) {
+TEST_F(TestLink, logs_its_start_and_its_end) {
     {
         const RawConnection peer = Connect();
         EXPECT_TRUE(Answers(peer));
@@ -101,7 +101,7 @@ TEST_F(TestLink, that_broke_is_made_again) {
     EXPECT_TRUE(Answers(again));
 }
 
-TEST_F(TestLink, is_tried_again_and_again_while_nobody_listens) {
+TEST_F(TestLink, is_tried_again_while_no_server_listens) {
     Board().UnmapPort(1200);
     StartIdle();
     const double start = Board().Seconds();
@@ -111,7 +111,7 @@ TEST_F(TestLink, is_tried_again_and_again_while_nobody_listens) {
     WaitFor(Exiting, 2);
 }
 
-TEST_F(TestLink, is_tried_as_often_as_the_settings_say_before_it_starts_anew) {
+TEST_F(TestLink, is_tried_as_often_as_the_settings_say) {
     Board().UnmapPort(1200);
     configuration.Set("ConnectionRetryCount", "3").Set("ConnectionRetryWaitPeriod", "5");
     StartIdle();
@@ -120,7 +120,7 @@ TEST_F(TestLink, is_tried_as_often_as_the_settings_say_before_it_starts_anew) {
     const std::vector<std::string> lines = Lines();
     const auto end = std::find(lines.begin(), lines.end(), Exiting);
     EXPECT_EQ(std::count(lines.begin(), end, NotConnected), 3);
-    // What the attempt before left open was never connected.
+    // The socket of the attempt before was never connected.
     EXPECT_EQ(std::count(lines.begin(), end, "Socket::CloseConnection Failure Shutting down socket"), 2);
 }
 
@@ -134,8 +134,8 @@ TEST_F(TestLink, is_tried_once_without_a_retry_count) {
     EXPECT_EQ(std::count(lines.begin(), std::find(lines.begin(), lines.end(), Exiting), NotConnected), 1);
 }
 
-// No pause where neither attempts nor a wait are asked for: the receiver ends and is made anew at once.
-TEST_F(TestLink, without_attempts_starts_anew_without_pause) {
+// No pause if the settings give neither attempts nor a wait: the receiver ends and is created again at once.
+TEST_F(TestLink, without_attempts_starts_again_without_pause) {
     configuration.Set("ConnectionRetryCount", "0");
     StartIdle();
     Send(MOVE_TO_TEST);
@@ -162,7 +162,7 @@ TEST_F(TestLink, ends_at_once_in_the_middle_of_the_wait_between_attempts) {
     EXPECT_EQ(CountOf(Exiting), 1);
 }
 
-TEST_F(TestLink, stays_while_other_states_come_from_elsewhere_and_takes_no_command_in_them) {
+TEST_F(TestLink, stays_in_other_states_and_takes_no_command_in_them) {
     const RawConnection peer = Connect();
     EXPECT_TRUE(Answers(peer));
     Send(MOVE_TO_IDLE);
@@ -175,9 +175,9 @@ TEST_F(TestLink, stays_while_other_states_come_from_elsewhere_and_takes_no_comma
     EXPECT_TRUE(Answers(peer));
 }
 
-// The end of the link is dropped like any other message of it outside the test state, so that the receiver counts as
-// there: the way back is a reset.
-TEST_F(TestLink, that_was_lost_outside_the_test_state_comes_back_by_a_reset_alone) {
+// Outside the test state the end of the link is dropped like its other messages, so that the receiver seems to exist:
+// only a reset helps.
+TEST_F(TestLink, lost_outside_the_test_state_needs_a_reset) {
     {
         const RawConnection peer = Connect();
         EXPECT_TRUE(Answers(peer));
@@ -197,8 +197,8 @@ TEST_F(TestLink, that_was_lost_outside_the_test_state_comes_back_by_a_reset_alon
     EXPECT_TRUE(Answers(peer));
 }
 
-// A move without a period leaves its mark until a move with one.
-TEST_F(TestLink, that_was_closed_by_a_move_for_good_is_made_once_more_and_not_again) {
+// A move without a period applies until a move with one.
+TEST_F(TestLink, closed_by_a_move_for_good_is_made_once_more) {
     {
         const RawConnection peer = Connect();
         EXPECT_EQ(BehindStamp(Ask(peer, Frame(820))), Text("IDLE_STATE"));
@@ -221,7 +221,7 @@ TEST_F(TestLink, that_was_closed_by_a_move_for_good_is_made_once_more_and_not_ag
     EXPECT_TRUE(Answers(peer));
 }
 
-// The end of the first link is still on its way when the second is up.
+// The end of the first link is still queued when the second is connected.
 TEST_F(TestLink, survives_quick_moves_in_and_out) {
     const RawConnection first = Connect();
     ForgetLog();
@@ -243,7 +243,7 @@ TEST_F(TestLink, survives_quick_moves_in_and_out) {
     EXPECT_TRUE(isAnswered);
 }
 
-TEST_F(TestLink, ends_in_a_reset_from_elsewhere_while_it_waits_for_a_frame) {
+TEST_F(TestLink, ends_in_a_reset_while_it_waits_for_a_frame) {
     for (int round = 0; round < 5; ++round) {
         const RawConnection peer = Connect();
         Reset();
@@ -251,7 +251,7 @@ TEST_F(TestLink, ends_in_a_reset_from_elsewhere_while_it_waits_for_a_frame) {
     }
 }
 
-// The answers fill every buffer on the way, so that the controller hangs in sending: closing the link frees it.
+// The answers fill every buffer on the way, so that the controller blocks in sending: closing the link ends that.
 TEST_F(TestLink, ends_in_a_reset_although_the_server_reads_none_of_its_answers) {
     const RawConnection peer = Connect();
     peer.Send(Frame(30200).Write(std::string(3000, 'x')));
@@ -261,7 +261,7 @@ TEST_F(TestLink, ends_in_a_reset_although_the_server_reads_none_of_its_answers) 
     Reset();
 }
 
-TEST_F(TestLink, takes_a_count_for_no_payload_where_nothing_is_written) {
+TEST_F(TestLink, takes_a_count_as_no_payload_if_nothing_is_written) {
     const RawConnection peer = Connect();
     EXPECT_EQ(BehindStamp(Ask(peer, Frame(840).Count(5))), Text("TEST_STATE"));
     EXPECT_TRUE(Answers(peer));
@@ -279,7 +279,7 @@ TEST_F(TestLink, takes_a_header_cut_in_two_as_two_frames) {
     const Bytes whole = Frame(840);
     peer.Send({whole.begin(), whole.begin() + 13});  // command 72, all else 0
     WaitFor("Data Message (TEST_COMMAND_DATA_MESSAGE) : From - TestInterface : To - TestInterface", 2);
-    peer.Send({whole.begin() + 13, whole.end()});  // 3 in the place of the source's first byte
+    peer.Send({whole.begin() + 13, whole.end()});  // 3 as the first byte of the source
     WaitFor("Data Message (TEST_COMMAND_DATA_MESSAGE) : From - TestInterface : To - TestInterface", 3);
     EXPECT_TRUE(Answers(peer));
 }
@@ -292,7 +292,7 @@ TEST_F(TestLink, fills_a_payload_that_was_cut_short_with_zeros) {
     EXPECT_TRUE(Answers(peer));
 }
 
-TEST_F(TestLink, stands_up_to_the_longest_length_with_hardly_a_byte_behind_it) {
+TEST_F(TestLink, withstands_the_maximum_length_with_hardly_a_byte_after_it) {
     const RawConnection peer = Connect();
     Bytes frame = Frame(30200).Flags(1).Count(0xFFFFFF);
     frame.push_back('x');
@@ -312,7 +312,7 @@ TEST_F(TestLink, stands_up_to_the_longest_length_with_hardly_a_byte_behind_it) {
     EXPECT_TRUE(Answers(peer));
 }
 
-TEST_F(TestLink, outlives_a_server_that_closes_at_any_byte) {
+TEST_F(TestLink, survives_a_server_that_closes_at_any_byte) {
     StartIdle();
     Send(MOVE_TO_TEST);
     const Bytes whole = Frame(30200).Write("CL-9");
@@ -326,7 +326,7 @@ TEST_F(TestLink, outlives_a_server_that_closes_at_any_byte) {
     EXPECT_TRUE(Answers(peer));
 }
 
-TEST_F(TestLink, outlives_random_bytes) {
+TEST_F(TestLink, survives_random_bytes) {
     const unsigned seed = RandomSeed();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
@@ -339,7 +339,8 @@ TEST_F(TestLink, outlives_random_bytes) {
             for (std::uint8_t& byte : bytes) {
                 byte = static_cast<std::uint8_t>(random());
             }
-            bytes[std::min<std::size_t>(13, bytes.size() - 1)] |= 0x80;  // hardly a command that moves the state
+            bytes[std::min<std::size_t>(13, bytes.size() - 1)] |=
+                0x80;  // makes a command that moves the state unlikely
             peer.Send(bytes);
         }
     }

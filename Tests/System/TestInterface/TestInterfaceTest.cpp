@@ -20,7 +20,7 @@ constexpr char Sent[] = "CommandResponse::SendResponse  Sent information to Serv
 
 class Requests : public TestInterfaceAlone {
 protected:
-    // Everything that the request caused has been worked on, with no answer to it.
+    // Waits until the request is handled, and expects no answer to it.
     void SendUnanswered(const RawConnection& peer, const Bytes& request) {
         peer.Send(request);
         EXPECT_EQ(BehindStamp(Ask(peer, Frame(840))), Text("TEST_STATE"));
@@ -36,7 +36,7 @@ protected:
 
 }  // namespace
 
-TEST_F(TestInterfaceAlone, tells_what_it_can_not_register) {
+TEST_F(TestInterfaceAlone, logs_what_it_cannot_register) {
     Start();
     EXPECT_TRUE(WaitForState(INITIALIZING_STATE));
     Command(MOVE_TO_IDLE);
@@ -76,7 +76,7 @@ TEST_F(TestInterfaceAlone, makes_no_link_once_it_is_killed) {
     EXPECT_THAT(Board().Trace(), ElementsAre());
 }
 
-TEST_F(TestInterfaceAlone, says_so_where_the_link_can_not_have_a_thread_and_is_in_the_test_state_all_the_same) {
+TEST_F(TestInterfaceAlone, enters_the_test_state_and_logs_a_refused_thread) {
     Start();
     Command(MOVE_TO_IDLE);
     EXPECT_TRUE(WaitForState(IDLE_STATE));
@@ -84,7 +84,7 @@ TEST_F(TestInterfaceAlone, says_so_where_the_link_can_not_have_a_thread_and_is_i
         const ImpossibleStack stack;
         Command(MOVE_TO_TEST);
         EXPECT_TRUE(WaitForState(TEST_STATE));
-        Command(MOVE_TO_IDLE);  // comes behind all that the other one does
+        Command(MOVE_TO_IDLE);  // handled after everything that the other one does
         EXPECT_TRUE(WaitForState(IDLE_STATE));
     }
     EXPECT_THAT(log.Lines(),
@@ -168,7 +168,7 @@ TEST_F(Requests, for_pulses_carry_channel_function_and_value) {
     EXPECT_EQ(engine.Get<TestPWMMessage>(1).GetValue(), "");
 }
 
-TEST_F(Requests, that_memory_has_run_out_for_are_answered_with_error) {
+TEST_F(Requests, without_memory_are_answered_with_error) {
     const RawConnection peer = Connect();
     const struct {
         std::uint16_t command;
@@ -202,7 +202,7 @@ TEST_F(Requests, are_answered_with_the_readings_that_come_back) {
     answer.GetAdcStatusInfo().AddReading(1, 2, -1);
     SendUnanswered(peer, Frame(10086).Count(2));
     Send(answer);
-    EXPECT_EQ(BehindStamp(ReceiveReply(peer)).substr(19),  // behind the answer to 840
+    EXPECT_EQ(BehindStamp(ReceiveReply(peer)).substr(19),  // after the answer to 840
               std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C"
                           "\x01\x00\x00\x00\x02\x00\x00\x00\xFF\xFF\xFF\xFF",
                           24));
@@ -229,7 +229,7 @@ TEST_F(Requests, are_answered_with_the_texts_that_come_back) {
     Send(output);
     EXPECT_EQ(BehindStamp(ReceiveReply(peer)), Text("Success"));
     peer.Send(Frame(13301).Write("50"));
-    EXPECT_EQ(engine.Get<TestPWMMessage>(2).GetId(), 1);  // behind the answer, which it captures too
+    EXPECT_EQ(engine.Get<TestPWMMessage>(2).GetId(), 1);  // after the answer, which it captures too
     TestPWMMessage pulses;
     pulses.SetSubType(RESPONSE_SUB_TYPE);
     pulses.SetValue("50");
