@@ -51,7 +51,7 @@ TEST_F(WithFrontEnd, reset_button_brings_up_a_new_system_that_connects_again) {
     StartConnected();
     ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Reset));
     JoinAndDestroy();
-    EXPECT_TRUE(frontEnd->WaitForEnd(patience));
+    EXPECT_TRUE(frontEnd->WaitForEnd(timeout));
     StartConnected();
     ASSERT_TRUE(frontEnd->SendCode(Bench::FrontEnd::Running));
     EXPECT_TRUE(Wait("CMD", "-2").has_value());
@@ -75,7 +75,7 @@ TEST_F(WithFrontEnd, one_measurement_from_the_lamp_to_the_screen) {
 // No handler is installed, so that the second write to a closed front end ends the process.
 TEST_F(ProductWithFrontEnd, a_closed_front_end_ends_the_process_at_a_write) {
     const auto product = Product();
-    ASSERT_TRUE(frontEnd->WaitForConnection(patience));
+    ASSERT_TRUE(frontEnd->WaitForConnection(timeout));
     frontEnd->Disconnect();
     const int status = product->Wait();
     ASSERT_TRUE(WIFSIGNALED(status)) << status;

@@ -36,7 +36,7 @@ protected:
     }
 
     std::string StateText() {
-        const auto answer = station->Ask(Request(840), patience);
+        const auto answer = station->Ask(Request(840), timeout);
         const auto text = answer ? Bench::DecodeTestText(answer->data) : std::nullopt;
         return text ? text->text : "none";
     }
@@ -51,17 +51,17 @@ protected:
     // Both links up and in use.
     void BringUp(std::size_t generation) {
         Start();
-        ASSERT_TRUE(frontEnd->WaitForConnection(generation, patience)) << "generation " << generation;
+        ASSERT_TRUE(frontEnd->WaitForConnection(generation, timeout)) << "generation " << generation;
         ASSERT_TRUE(Board().WaitUntil([] { return IsIdle(USER_INTERFACE_DATA_CONTROL) && IsIdle(TEST_INTERFACE); }));
         Send(MOVE_TO_TEST);
-        ASSERT_TRUE(station->WaitForConnection(generation, patience)) << "generation " << generation;
+        ASSERT_TRUE(station->WaitForConnection(generation, timeout)) << "generation " << generation;
         ASSERT_EQ(StateText(), "TEST_STATE");
     }
 
     void BringDown() {
         JoinAndDestroy();
-        EXPECT_TRUE(frontEnd->WaitForEnd(patience));
-        EXPECT_TRUE(station->WaitForEnd(patience));
+        EXPECT_TRUE(frontEnd->WaitForEnd(timeout));
+        EXPECT_TRUE(station->WaitForEnd(timeout));
     }
 };
 
@@ -70,8 +70,8 @@ protected:
 TEST_F(ManyGenerations, many_resets_leak_nothing_and_both_links_connect_again) {
     BringUp(1);
     Reset();
-    EXPECT_TRUE(frontEnd->WaitForEnd(patience));
-    EXPECT_TRUE(station->WaitForEnd(patience));
+    EXPECT_TRUE(frontEnd->WaitForEnd(timeout));
+    EXPECT_TRUE(station->WaitForEnd(timeout));
     const std::size_t threads = EntriesOf("/proc/self/task");
     const std::size_t descriptors = EntriesOf("/proc/self/fd");
     for (std::size_t generation = 2; generation <= RESETS + 1; ++generation) {
@@ -90,13 +90,13 @@ TEST_F(ManyGenerations, many_resets_leak_nothing_and_both_links_connect_again) {
 TEST_F(WithBothPeers, test_station_gets_the_measurement_on_the_card) {
     StartConnected();
     Send(MOVE_TO_TEST);
-    ASSERT_TRUE(station->WaitForConnection(patience));
+    ASSERT_TRUE(station->WaitForConnection(timeout));
     ASSERT_EQ(StateText(), "TEST_STATE");
-    const auto moved = station->Ask(Request(830, 30.0), patience);
+    const auto moved = station->Ask(Request(830, 30.0), timeout);
     ASSERT_TRUE(moved.has_value());
     EXPECT_EQ(Bench::DecodeTestText(moved->data)->text, "RUNNING_STATE");
     WaitFor("Changing to TEST_STATE State for - TestInterface", 2);
-    const auto measured = station->Ask(Request(62100), 10.0 * patience);
+    const auto measured = station->Ask(Request(62100), 10.0 * timeout);
     ASSERT_TRUE(measured.has_value());
     EXPECT_TRUE(measured->crcFits);
     const auto measurements = Bench::DecodeTestMeasurements(measured->data);
