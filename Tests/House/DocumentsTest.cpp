@@ -255,6 +255,16 @@ TEST(Documents, name_existing_stages) {
     EXPECT_GT(seen, 3U);
 }
 
+TEST(Documents, describe_each_folder_in_at_most_thirty_lines) {
+    const Words folders = DescribedFolders();
+    EXPECT_GE(folders.size(), 18U);
+    for (const std::string& folder : folders) {
+        const std::string page = ReadFile(fs::path(SOURCE_FOLDER) / folder / "README.md");
+        EXPECT_GE(std::count(page.begin(), page.end(), '\n'), 5) << folder;
+        EXPECT_LE(std::count(page.begin(), page.end(), '\n'), 30) << folder;
+    }
+}
+
 TEST(Documents, name_existing_things_in_a_folder) {
     std::size_t seen = 0;
     for (const std::string& folder : DescribedFolders()) {
