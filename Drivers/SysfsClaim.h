@@ -21,7 +21,7 @@ namespace SysfsClaim {
 bool Export(const SysfsKind& kind, const std::string& directory, const std::string& number);
 // False if the directory does not exist, or if the unexport file fails.
 bool Unexport(const SysfsKind& kind, const std::string& directory, const std::string& number);
-
+// Also prints the failure. An attribute that opens but refuses the text fails only if the kind says so.
 bool Write(const SysfsKind& kind, const std::string& path, const std::string& text, const char* failure);
 
 }  // namespace SysfsClaim

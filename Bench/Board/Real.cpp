@@ -20,6 +20,7 @@ void* FindNext(const char* name) {
 }
 
 namespace Real {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is defined takes none
 #define BENCH_DEFINE(name) constinit decltype(RealOf(&::name)) name{#name};
 BENCH_REAL_FUNCTIONS(BENCH_DEFINE)
 #undef BENCH_DEFINE

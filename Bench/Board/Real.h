@@ -102,6 +102,7 @@ RealFunction<Result(Parameters..., ...)> RealOf(Result (*)(Parameters..., ...));
 // clang-format on
 
 namespace Real {
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared takes none
 #define BENCH_DECLARE(name) extern decltype(RealOf(&::name)) name;
 BENCH_REAL_FUNCTIONS(BENCH_DECLARE)
 #undef BENCH_DECLARE

@@ -29,7 +29,8 @@ bool BenchedAnalyzer::MakeBoard(const BoardSetup& setup, std::string& error) {
 bool BenchedAnalyzer::MakePeers(std::string& error) {
     m_frontEnd = FrontEnd::Listen(0, error);
     m_station = TestServer::Listen(0, error);
-    return m_frontEnd != nullptr && m_station != nullptr && m_board->MapPort(FrontEnd::DefaultPort, m_frontEnd->Port()) &&
+    return m_frontEnd != nullptr && m_station != nullptr &&
+           m_board->MapPort(FrontEnd::DefaultPort, m_frontEnd->Port()) &&
            m_board->MapPort(m_settings.testServerPort, m_station->Port());
 }
 

@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "Bench/Board/Board.h"
+#include "Bench/Common/Text.h"
 
 namespace Bench {
 
@@ -102,7 +103,7 @@ std::string CheckOptions(const Options& options) {
     for (const std::string& fault : options.faults) {
         std::string reason;
         if (!Board::CheckFault(fault, reason)) {
-            return "--fault " + fault + ": " + reason + " (see --fault list)";
+            return Format("--fault %s: %s (see --fault list)", fault.c_str(), reason.c_str());
         }
     }
     return "";
