@@ -78,7 +78,7 @@ bool FailTest(const char* text) {
 }
 
 bool IsWithinLimits(const Rail& rail, const std::list<float>& voltages) {
-    const float voltage = *std::next(voltages.begin(), rail.channel);
+    const float voltage = *std::next(voltages.begin(), static_cast<std::ptrdiff_t>(rail.channel));
     return !(voltage > rail.high || voltage < rail.low);
 }
 
