@@ -8,6 +8,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Frameworks/Messaging/LogInfoMessage.h"
@@ -25,12 +26,7 @@ public:
         SetTimeOut(timeOut);
     }
 
-    ~RecordingController() override {
-        if (GetThreadId() != 0) {
-            Kill();
-            pthread_join(GetThreadId(), nullptr);
-        }
-    }
+    ~RecordingController() override { End(); }
 
     bool DoRegistration() override { return m_type == NO_DATA_MESSAGE || RegisterForDataMessage(m_type); }
 
@@ -97,6 +93,15 @@ public:
     std::function<void(CommandMessage&)> onCommand;  // set before CreateThread
     bool commandResult = true;
 
+protected:
+    // A subclass calls this first in its destructor: until then the thread uses the subclass.
+    void End() {
+        if (GetThreadId() != 0 && !std::exchange(m_hasEnded, true)) {
+            Kill();
+            pthread_join(GetThreadId(), nullptr);
+        }
+    }
+
 private:
     void Note(const std::string& note) {
         const std::lock_guard lock(m_mutex);
@@ -105,6 +110,7 @@ private:
     }
 
     const DataMessageType m_type;
+    bool m_hasEnded = false;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<std::string> m_notes;
@@ -114,6 +120,7 @@ private:
 class CloningController : public RecordingController {
 public:
     using RecordingController::RecordingController;
+    ~CloningController() override { End(); }
 
     bool ProcessCommandMessage(CommandMessage* message) override {
         clone = message->Clone();
