@@ -43,7 +43,7 @@ CommandLine MeasureCommandLine(MeasureOptions& options) {
     line.AddNumber("--resets N", 1, Max, options.resets, "from RESET_SYSTEM to IDLE_STATE, 12 s each (7)");
     line.AddNumber("--records N", 1, Max, options.records,
                    "short cycles, from the last reading to the flushed\nrecord (25)");
-    line.AddNumber("--starts N", 1, Max, options.starts, "readings of the memory, each of its own start (5)");
+    line.AddNumber("--starts N", 1, Max, options.starts, "readings of the memory, one for each start (5)");
     line.AddText("--arm FILE", "a file", options.arm, "the stripped program for the instrument's processor");
     line.AddText("--bench DIR", "a folder", options.bench, "folder of the runs (build/measure)");
     return line;
