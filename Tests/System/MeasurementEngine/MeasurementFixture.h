@@ -111,7 +111,7 @@ protected:
     // At the speed given, and with errors only in the log.
     explicit MeasurementFixture(double speed = 1.0, const char* listenerName = "MeasurementEngine")
         : BoardTest(QuietAtSpeed(speed)), listener(listenerName) {
-        SetPumpAngle(300.0);                               // a little before both edges of the home flag
+        SetPumpAngle(200.0);  // so far before both edges of the home flag that a late start or stop misses neither
         SetReportFunction(MessageController::LogMessage);  // another test of this program may have taken it
         router.AddName(listener);
         listener.Listen();
