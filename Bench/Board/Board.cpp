@@ -172,9 +172,36 @@ void Board::Reset(const BoardSetup& setup) {
     Changed(*state);
 }
 
+bool Board::RunUntil(double seconds, double realSeconds) {
+    ExactState& exact = m_state->exact;
+    const std::int64_t stopAt = MonotonicAtStart + static_cast<std::int64_t>(seconds * 1e9);
+    if (exact.stopAt.exchange(stopAt) != stopAt &&
+        exact.phase.load() == static_cast<std::uint32_t>(ExactPhase::Paused)) {
+        exact.phase.store(static_cast<std::uint32_t>(ExactPhase::Running));
+        FutexWakeAll(exact.phase);
+    }
+    constexpr auto Running = static_cast<std::uint32_t>(ExactPhase::Running);
+    const std::int64_t end = RealNanoSeconds() + static_cast<std::int64_t>(realSeconds * 1e9);
+    for (std::int64_t left = 1; left > 0 && exact.phase.load() == Running; left = end - RealNanoSeconds()) {
+        FutexWait(exact.phase, Running, std::max<std::int64_t>(end - RealNanoSeconds(), 1));
+    }
+    return exact.phase.load() != Running;
+}
+
+bool Board::IsExact() const { return m_state->exact.wanted; }
+
+ExactView Board::Exact() const {
+    const ExactState& exact = m_state->exact;
+    const bool over = exact.phase.load() == static_cast<std::uint32_t>(ExactPhase::Over);
+    return {over, exact.quiet, exact.hash, exact.events, exact.decisions, exact.switches, exact.waits, exact.failure};
+}
+
 double Board::Speed() const { return static_cast<double>(m_state->clock.speed.load()) / 1e6; }
 
 void Board::SetSpeed(double speed) {
+    if (IsExact()) {
+        return;
+    }
     const BoardLock state(*m_state);
     SetClockSpeed(state->clock, speed);
     Changed(*state);

@@ -101,12 +101,35 @@ struct ActiveFault {
     bool active = false;  // false: its second is still to come
 };
 
+// A run in exact time: a simulation in the program's process sets the clock and chooses which thread runs (see
+// Bench/Deterministic). The speed is then of no meaning.
+struct ExactSetup {
+    std::uint64_t seed = 1;
+    std::string policy = "random";  // as Bench/Deterministic/Policy.h says
+    std::string traceFile;          // gets the events number `traceFrom` to `traceTo`; empty: none
+    std::uint64_t traceFrom = 1;
+    std::uint64_t traceTo = UINT64_MAX;
+};
+
+// Where such a run is.
+struct ExactView {
+    bool over = false;       // the program has ended, or could not go on
+    bool quiet = false;      // all threads wait, none with a deadline
+    std::uint64_t hash = 0;  // of all events so far
+    std::uint64_t events = 0;
+    std::uint64_t decisions = 0;  // of the present process, as the switches
+    std::uint64_t switches = 0;
+    std::string waits;    // a line for each thread: what it waits for
+    std::string failure;  // why the simulation could not go on; mostly empty
+};
+
 // How a run begins.
 struct BoardSetup {
     double speed = 1.0;                      // simulated seconds for one real second, 0.1 to 1000
     std::int64_t startSeconds = 1356955199;  // Unix time; 2012-12-31 11:59:59 UTC
     bool noise = true;
     std::uint32_t seed = 1;
+    std::optional<ExactSetup> exact;
 };
 
 class Board {
@@ -126,11 +149,20 @@ public:
 
     // Clock.
     double Speed() const;
-    void SetSpeed(double speed);           // limited to 0.1 to 1000; waits in progress follow within 0.2 s of real time
+    // Limited to 0.1 to 1000. Waits in progress follow within 0.2 s of real time. Without effect in exact time.
+    void SetSpeed(double speed);
     void HoldSpeed(bool hold);             // held: a wait with a timeout is one wait of the kernel, as on an instrument
     double Seconds() const;                // since the start of the run, without jumps
     std::int64_t WallNanoSeconds() const;  // CLOCK_REALTIME as the program sees it
     void JumpClock(double seconds);        // below 0 sets the wall clock back
+
+    // Exact time. The board is looked at and changed only before the program starts and after this operation: it lets
+    // the program run until that moment, in seconds of the run, and returns when it pauses there. It returns false if
+    // the program has not done so after that many real seconds, so that the caller can see whether its process still
+    // exists.
+    bool RunUntil(double seconds, double realSeconds = 1.0);
+    bool IsExact() const;
+    ExactView Exact() const;
 
     // Pins, by bank 0 to 3 and pin 0 to 31.
     PinView Pin(int bank, int pin) const;

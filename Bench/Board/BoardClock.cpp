@@ -49,6 +49,8 @@ std::int64_t SpeedMillionths(double speed) {
     return static_cast<std::int64_t>(std::clamp(speed, 0.1, 1000.0) * static_cast<double>(Million));
 }
 
+std::atomic<const TimeSource*> timeSource{nullptr};
+
 class ClockChange {
 public:
     explicit ClockChange(ClockState& clock) : m_clock(clock) { m_clock.sequence.fetch_add(1); }
@@ -72,12 +74,28 @@ std::int64_t RealNanoSeconds() {
     return NanoSecondsOf(now);
 }
 
-std::int64_t MonotonicNow(const ClockState& clock) { return MonotonicOf(ReadClock(clock)); }
+std::int64_t MonotonicNow(const ClockState& clock) {
+    return clock.exact.load(std::memory_order_relaxed) ? clock.exactNow.load(std::memory_order_relaxed)
+                                                       : MonotonicOf(ReadClock(clock));
+}
 
 std::int64_t WallNow(const ClockState& clock) {
     const ClockReading reading = ReadClock(clock);
-    const std::int64_t now = MonotonicOf(reading);
+    const std::int64_t now = MonotonicNow(clock);
     return now + reading.wallOffset + (now >= reading.jumpAt ? reading.jumpBy : 0);
+}
+
+std::int64_t MonotonicAt(const ClockState& clock, std::int64_t wall) {
+    const ClockReading reading = ReadClock(clock);
+    const std::int64_t beforeJump = wall - reading.wallOffset;
+    return beforeJump < reading.jumpAt ? beforeJump : std::max(reading.jumpAt, beforeJump - reading.jumpBy);
+}
+
+void SetTimeSource(const TimeSource* source) { timeSource.store(source); }
+
+const TimeSource* Simulated() {
+    const TimeSource* source = timeSource.load(std::memory_order_relaxed);
+    return source != nullptr && source->runs() ? source : nullptr;
 }
 
 std::int64_t ToReal(const ClockState& clock, std::int64_t simulated) {
@@ -94,6 +112,7 @@ void StartClock(ClockState& clock, double speed, std::int64_t startSeconds) {
     clock.boardAnchor.store(MonotonicAtStart);
     clock.speed.store(SpeedMillionths(speed));
     clock.held.store(false);
+    clock.exact.store(false);
     clock.wallOffset.store(startSeconds * NanoSecondsPerSecond - MonotonicAtStart);
     clock.jumpAt.store(0);
     clock.jumpBy.store(0);
@@ -122,6 +141,9 @@ void CancelJump(ClockState& clock) {
 }
 
 int FutexWait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t realNanoSeconds) {
+    if (const TimeSource* source = Simulated()) {
+        return source->wait(word, expected, realNanoSeconds);
+    }
     const timespec wait = TimespecOf(realNanoSeconds);
     const int savedErrno = errno;
     const long result = syscall(SYS_futex, &word, FUTEX_WAIT, expected, &wait, nullptr, 0);
@@ -131,6 +153,10 @@ int FutexWait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, st
 }
 
 void FutexWakeAll(const std::atomic<std::uint32_t>& word) {
+    if (const TimeSource* source = Simulated()) {
+        source->wake(word);
+        return;
+    }
     const int savedErrno = errno;
     syscall(SYS_futex, &word, FUTEX_WAKE, INT_MAX, nullptr, nullptr, 0);
     errno = savedErrno;

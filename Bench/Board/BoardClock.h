@@ -1,5 +1,6 @@
 // The board's clock: simulated time from two anchors and a factor, and waiting for it. Every time hook reads it, so it
-// neither locks nor allocates. All functions from any thread and any process of the board.
+// neither locks nor allocates. In exact time a simulation in the program's process sets it instead. All functions from
+// any thread and any process of the board.
 #pragma once
 
 #include <atomic>
@@ -22,6 +23,8 @@ struct ClockState {
     std::atomic<std::int64_t> jumpBy{0};       // ... the wall clock is ahead by this much
     std::atomic<std::uint32_t> changes{0};     // futex word: speed or wall clock set
     std::atomic<bool> held{false};             // the speed does not change, so waits need not be split
+    std::atomic<bool> exact{false};            // exact time: `exactNow` is simulated CLOCK_MONOTONIC, speed 1
+    std::atomic<std::int64_t> exactNow{0};
 };
 
 inline std::int64_t NanoSecondsOf(const timespec& time) {
@@ -36,6 +39,7 @@ inline timespec TimespecOf(std::int64_t nanoSeconds) {
 std::int64_t RealNanoSeconds();                                        // CLOCK_MONOTONIC of the machine
 std::int64_t MonotonicNow(const ClockState& clock);                    // as the program sees it
 std::int64_t WallNow(const ClockState& clock);                         // as the program sees it
+std::int64_t MonotonicAt(const ClockState& clock, std::int64_t wall);  // when the wall clock first shows that, or did
 std::int64_t ToReal(const ClockState& clock, std::int64_t simulated);  // a duration, rounded up
 
 void StartClock(ClockState& clock, double speed, std::int64_t startSeconds);
@@ -43,6 +47,16 @@ void SetClockSpeed(ClockState& clock, double speed);
 // Sets the wall clock ahead by `by` at the moment `at`. Only one jump can be pending: an earlier one happens now.
 void JumpClockAt(ClockState& clock, std::int64_t at, std::int64_t by);
 void CancelJump(ClockState& clock);  // the pending one
+
+// What runs and waits instead of the machine: the simulation in this process, for the threads that belong to it.
+struct TimeSource {
+    bool (*runs)();  // and the calling thread belongs to it
+    int (*wait)(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoSeconds);
+    void (*wake)(const std::atomic<std::uint32_t>& word);
+    void (*point)();  // another thread may run now
+};
+void SetTimeSource(const TimeSource* source);  // null: the machine. No thread may be in a hook.
+const TimeSource* Simulated();                 // null: the calling thread runs on the machine's time
 
 // Waits until a futex word of any process differs, or for that many real nanoseconds. 0, ETIMEDOUT or EINTR.
 int FutexWait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t realNanoSeconds);

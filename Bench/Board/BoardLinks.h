@@ -34,6 +34,9 @@ constexpr std::size_t SoundCallsKept = 512;
 constexpr std::size_t SoundLineLength = 256;
 constexpr std::size_t MaxPlayers = 16;
 
+// Children of a program in exact time have numbers from here on, which no process of a machine has.
+constexpr pid_t FirstVirtualProcess = 1 << 22;
+
 // A clip plays until its end, so a player that is killed leaves nothing to clean up.
 struct PlayerEntry {
     std::int64_t ends = 0;

@@ -89,8 +89,9 @@ std::string Board::PlayingClip() const { return NameOf(LastPlaying(*BoardLock(*m
 
 std::string Board::LoopingClip() const {
     const BoardLock state(*m_state);
-    return NameOf(
-        LastPlayer(*state, [](const PlayerEntry& player) { return player.loop > 0 && kill(player.loop, 0) == 0; }));
+    return NameOf(LastPlayer(*state, [](const PlayerEntry& player) {
+        return player.loop >= FirstVirtualProcess || (player.loop > 0 && kill(player.loop, 0) == 0);
+    }));
 }
 
 }  // namespace Bench

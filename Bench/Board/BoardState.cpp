@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 namespace Bench {
 
@@ -42,15 +43,46 @@ void RunTo(BoardState& state, std::int64_t until) {
     RunInstrument(state, until);
 }
 
+void Keep(char* place, std::size_t size, const std::string& text) { std::snprintf(place, size, "%s", text.c_str()); }
+
+void SetUpExactTime(BoardState& state, const BoardSetup& setup) {
+    ExactState& exact = state.exact;
+    exact.wanted = setup.exact.has_value();
+    exact.stopAt.store(MonotonicAtStart);
+    exact.phase.store(static_cast<std::uint32_t>(ExactPhase::Running));
+    exact.quiet = false;
+    exact.hash = exact.events = exact.decisions = exact.switches = 0;
+    exact.waits[0] = exact.failure[0] = '\0';
+    if (!setup.exact) {
+        return;
+    }
+    exact.seed = setup.exact->seed;
+    Keep(exact.policy, sizeof(exact.policy), setup.exact->policy);
+    Keep(exact.traceFile, sizeof(exact.traceFile), setup.exact->traceFile);
+    exact.traceFrom = setup.exact->traceFrom;
+    exact.traceTo = setup.exact->traceTo;
+    state.clock.exactNow.store(MonotonicAtStart);
+    state.clock.held.store(true);
+    state.clock.exact.store(true);
+}
+
 }  // namespace
 
 BoardLock::BoardLock(BoardState& state) : m_state(state) {
     const int savedErrno = errno;
-    if (pthread_mutex_lock(&state.mutex) == EOWNERDEAD) {
+    if (m_simulated) {
+        Simulated()->point();
+    } else if (pthread_mutex_lock(&state.mutex) == EOWNERDEAD) {
         pthread_mutex_consistent(&state.mutex);
     }
     BringUpToDate(state);
     errno = savedErrno;
+}
+
+BoardLock::~BoardLock() {
+    if (!m_simulated) {
+        pthread_mutex_unlock(&m_state.mutex);
+    }
 }
 
 void InitializeState(BoardState& state, const char* folder, const BoardSetup& setup) {
@@ -83,7 +115,8 @@ void InitializeState(BoardState& state, const char* folder, const BoardSetup& se
     state.deviceTime.store(0);
     state.traced = 0;
     state.traceStart = 0;
-    StartClock(state.clock, setup.speed, setup.startSeconds);
+    StartClock(state.clock, setup.exact ? 1.0 : setup.speed, setup.startSeconds);
+    SetUpExactTime(state, setup);
     state.instrumentTime = MonotonicAtStart;
 }
 

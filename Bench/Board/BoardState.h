@@ -13,6 +13,7 @@
 #include "Bench/Board/BoardClock.h"
 #include "Bench/Board/BoardFaults.h"
 #include "Bench/Board/BoardLinks.h"
+#include "Bench/Board/ExactState.h"
 #include "Bench/Board/OwnAllocations.h"
 
 namespace Bench {
@@ -35,6 +36,7 @@ struct BoardState {
     std::atomic<std::uint32_t> run{0};      // changes with each reset and at the end of the board
     char folder[PathLength] = {};
     ClockState clock;
+    ExactState exact;
 
     PinState pins[Banks][PinsPerBank];
     PwmState pwm[PwmChannels];
@@ -62,11 +64,11 @@ struct BoardState {
 };
 
 // Holds the board's mutex, and survives the death of another process that held it. `BoardLock(state)->x` locks for one
-// expression.
+// expression. In exact time it locks nothing: the simulation runs one thread, and none stops while it has the lock.
 class BoardLock {
 public:
     explicit BoardLock(BoardState& state);
-    ~BoardLock() { pthread_mutex_unlock(&m_state.mutex); }
+    ~BoardLock();
     BoardLock(const BoardLock&) = delete;
     BoardLock& operator=(const BoardLock&) = delete;
 
@@ -75,6 +77,7 @@ public:
 
 private:
     BoardState& m_state;
+    const bool m_simulated = Simulated() != nullptr;
     const OwnAllocations m_own;
 };
 

@@ -33,12 +33,13 @@ void* FindNext(const char* name);
 
 class RealAddress {
 public:
-    constexpr explicit RealAddress(const char* name) : m_name(name) {}
+    constexpr explicit RealAddress(const char* name, void* (*find)(const char*) = FindNext)
+        : m_name(name), m_find(find) {}
 
     void* Find() {
         void* address = m_address.load(std::memory_order_relaxed);
         if (address == nullptr) {
-            address = FindNext(m_name);
+            address = m_find(m_name);
             m_address.store(address, std::memory_order_relaxed);
         }
         return address;
@@ -46,6 +47,7 @@ public:
 
 private:
     const char* m_name;
+    void* (*m_find)(const char*);
     std::atomic<void*> m_address{nullptr};
 };
 

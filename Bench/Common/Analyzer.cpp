@@ -1,6 +1,8 @@
 #include "Bench/Common/Analyzer.h"
 
 #include <fcntl.h>
+#include <sched.h>
+#include <sys/personality.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,13 +21,7 @@ namespace {
 // The keeper's exit status if the program could not be started.
 constexpr int StartFailure = 127;
 
-struct Launch {
-    std::string program;
-    std::string output;
-    std::vector<std::string> environment;
-};
-
-std::vector<std::string> MakeEnvironment(const std::string& library, const std::string& bench) {
+std::vector<std::string> MakeEnvironment(const Analyzer::Launch& launch) {
     std::vector<std::string> environment;
     for (char** entry = environ; *entry != nullptr; ++entry) {
         const std::string text = *entry;
@@ -34,14 +30,25 @@ std::vector<std::string> MakeEnvironment(const std::string& library, const std::
             environment.push_back(text);
         }
     }
-    environment.push_back("LD_PRELOAD=" + library);
-    environment.push_back("VERNICOR_BENCH=" + bench);
+    environment.push_back("LD_PRELOAD=" + launch.library);
+    environment.push_back("VERNICOR_BENCH=" + launch.bench);
     environment.emplace_back("TZ=UTC");
     return environment;
 }
 
+// A switch from one thread to the next is then twice as fast, and an address that a program takes for a number is the
+// same in each run.
+void MakeExact() {
+    const int processor = sched_getcpu();
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(static_cast<std::size_t>(processor < 0 ? 0 : processor), &one);
+    sched_setaffinity(0, sizeof(one), &one);  // without it, the run is only slower
+    personality(ADDR_NO_RANDOMIZE);
+}
+
 // Runs in the new process until it becomes the program.
-[[noreturn]] void BecomeProgram(const Launch& launch, pid_t keeper) {
+[[noreturn]] void BecomeProgram(const Analyzer::Launch& launch, pid_t keeper) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != keeper) {
@@ -56,8 +63,12 @@ std::vector<std::string> MakeEnvironment(const std::string& library, const std::
         dup2(output, STDERR_FILENO) < 0) {
         _exit(StartFailure);
     }
+    if (launch.exact) {
+        MakeExact();
+    }
+    const std::vector<std::string> entries = MakeEnvironment(launch);
     std::vector<char*> environment;
-    for (const std::string& entry : launch.environment) {
+    for (const std::string& entry : entries) {
         environment.push_back(const_cast<char*>(entry.c_str()));
     }
     environment.push_back(nullptr);
@@ -91,7 +102,7 @@ void EndAll(pid_t program) {
 }
 
 // The keeper: waits until the program ends, or until the bench ends or asks for the end.
-[[noreturn]] void Keep(const Launch& launch, pid_t bench) {
+[[noreturn]] void Keep(const Analyzer::Launch& launch, pid_t bench) {
     sigset_t awaited;
     sigemptyset(&awaited);
     for (const int signal : {SIGTERM, SIGCHLD, SIGINT, SIGHUP}) {
@@ -134,9 +145,7 @@ void EndAll(pid_t program) {
 
 }  // namespace
 
-bool Analyzer::Start(const std::string& program, const std::string& library, const std::string& bench,
-                     const std::string& output, std::string& error) {
-    const Launch launch{program, output, MakeEnvironment(library, bench)};
+bool Analyzer::Start(const Launch& launch, std::string& error) {
     const pid_t self = getpid();
     m_endCode = -1;
     m_keeper = fork();

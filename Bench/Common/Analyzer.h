@@ -15,10 +15,17 @@ public:
     Analyzer(const Analyzer&) = delete;
     Analyzer& operator=(const Analyzer&) = delete;
 
-    // Starts `program` with the board's library preloaded, on the board in the folder `bench`. Its output goes to the
-    // file `output`. Returns false with the reason in `error` if no process could be made.
-    bool Start(const std::string& program, const std::string& library, const std::string& bench,
-               const std::string& output, std::string& error);
+    // How to start it.
+    struct Launch {
+        std::string program;
+        std::string library;  // preloaded
+        std::string bench;    // the folder of its board
+        std::string output;   // the file that gets what it prints
+        bool exact = false;   // on one processor, and with the same addresses each time
+    };
+
+    // Returns false with the reason in `error` if no process could be made.
+    bool Start(const Launch& launch, std::string& error);
 
     // Returns true once it has ended by itself; then `reason` says how.
     bool HasEnded(std::string& reason);

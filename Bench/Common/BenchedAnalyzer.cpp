@@ -3,7 +3,11 @@
 namespace Bench {
 
 Places PlacesOfBuild(const std::string& name) {
-    return {BENCH_PROGRAM, BENCH_LIBRARY, BENCH_CLIPS, BENCH_SOURCES "/configuration/analyzer.conf.xml",
+    return {BENCH_PROGRAM,
+            BENCH_LIBRARY,
+            BENCH_EXACT_TIME_LIBRARY,
+            BENCH_CLIPS,
+            BENCH_SOURCES "/configuration/analyzer.conf.xml",
             BENCH_SOURCES "/build/" + name};
 }
 
@@ -36,7 +40,9 @@ bool BenchedAnalyzer::MakePeers(std::string& error) {
 
 bool BenchedAnalyzer::Start(std::string& error) {
     m_hasEnded = false;
-    return m_analyzer.Start(m_places.program, m_places.library, m_folder.Path(), Output(), error);
+    const bool exact = m_board->IsExact();
+    const std::string library = (exact ? m_places.exactTimeLibrary + ":" : "") + m_places.library;
+    return m_analyzer.Start({m_places.program, library, m_folder.Path(), Output(), exact}, error);
 }
 
 bool BenchedAnalyzer::Restart(std::string& error) {

@@ -15,7 +15,8 @@ namespace Bench {
 
 struct Places {
     std::string program;
-    std::string library;  // preloaded
+    std::string library;           // preloaded
+    std::string exactTimeLibrary;  // preloaded before it for a run in exact time
     std::string clips;
     std::string configuration;
     std::string bench;

@@ -56,13 +56,17 @@ void AddBoardOptions(CommandLine& line, Options& options) {
              "chlorine that makes the water's state alert,\n0 to 20 (AlertLevel of the configuration)");
     line.Add("--alarm MG_PER_L", level, TakeLevel(options.alarmLevel), "chlorine that makes it alarm (AlarmLevel)");
     line.AddNumber("--speed X", 0.1, 1000.0, options.speed, "simulated seconds per real second, 0.1 to 1000\n(20)");
+    line.AddFlag("--exact", options.exact,
+                 "as fast as the processor goes, without real time:\nthe same seed gives the same lines each time");
     const auto takeStart = [&options](const std::string& value) {
         options.start = ReadDate(value);
         return options.start.has_value();
     };
-    line.Add("--start \"DATE TIME\"", "a date as in \"2026-12-31 23:57:00\", from 1970 to 2037", takeStart,
-             "initial time of the analyzer's clock, UTC, as in\n\"2026-12-31 23:57:00\" (now)");
-    line.AddNumber<std::uint32_t>("--seed N", 0, 4294967295, options.seed, "seed of the noise (1)");
+    line.Add(
+        "--start \"DATE TIME\"", "a date as in \"2026-12-31 23:57:00\", from 1970 to 2037", takeStart,
+        "initial time of the analyzer's clock, UTC, as in\n\"2026-12-31 23:57:00\" (now; with --exact 2026-01-01)");
+    line.AddNumber<std::uint32_t>("--seed N", 0, 4294967295, options.seed,
+                                  "seed of the noise, and with --exact of the order in\nwhich threads run (1)");
     const auto takeNoise = [&options](const std::string& value) {
         options.noise = value == "on";
         return options.noise || value == "off";
@@ -99,6 +103,12 @@ std::string CheckOptions(const Options& options) {
     }
     if (!options.script.empty() && !options.frontEnd && !options.testServer) {
         return "--script: only with --frontend or --test-server";
+    }
+    if (options.exact && (options.frontEnd || options.testServer || options.frontEndPort || options.testServerPort)) {
+        return "--exact: not together with a front end or a test station, which need real time";
+    }
+    if (options.exact && options.speed) {
+        return "--exact: not together with --speed";
     }
     for (const std::string& fault : options.faults) {
         std::string reason;

@@ -15,9 +15,10 @@ struct Options {
     double chlorine = 0.60;               // mg/l
     std::string alertLevel;               // mg/l, as written; empty: the configuration's
     std::string alarmLevel;
-    double speed = 20.0;                // simulated seconds for one real second
-    std::optional<std::int64_t> start;  // Unix time; the machine's own if absent
-    std::uint32_t seed = 1;
+    std::optional<double> speed;        // simulated seconds for one real second; 20 if absent
+    bool exact = false;                 // in exact time, as fast as that goes
+    std::optional<std::int64_t> start;  // Unix time; the machine's own if absent, 2026-01-01 in exact time
+    std::uint32_t seed = 1;             // of the noise, and in exact time of the order of threads
     bool noise = true;
     std::string config;               // empty: the sample configuration
     std::string bench;                // empty: build/bench of the project

@@ -18,6 +18,9 @@ constexpr double StartSeconds = 120.0;
 constexpr double CycleExtraSeconds = 60.0;
 constexpr double TimesExpected = 3.0;
 constexpr int PollMilliseconds = 50;
+constexpr double DefaultSpeed = 20.0;
+constexpr double ExactSlice = 0.5;               // simulated seconds between two looks at the board
+constexpr std::int64_t ExactStart = 1767225600;  // 2026-01-01 00:00:00 UTC
 
 std::string TimeOfDay(std::int64_t wallNanoSeconds) {
     const auto seconds = static_cast<std::time_t>(wallNanoSeconds / 1000000000);
@@ -50,10 +53,11 @@ int Runner::Run() {
     if (!Prepare(error)) {
         return Refuse("run", error);
     }
-    m_display.Line(
-        Format("The analyzer on the bench: %.4g mg/l chlorine in the water, cell constant %.6g, %.4g times "
-               "as fast as the clock",
-               m_options.chlorine, m_analyzer.Settings().cellConstant, m_options.speed));
+    m_display.Line(Format("The analyzer on the bench: %.4g mg/l chlorine in the water, cell constant %.6g, ",
+                          m_options.chlorine, m_analyzer.Settings().cellConstant) +
+                   (m_options.exact
+                        ? Format("exact time, seed %u", m_options.seed)
+                        : Format("%.4g times as fast as the clock", m_options.speed.value_or(DefaultSpeed))));
     if (!m_analyzer.Start(error)) {
         return Fail(error);
     }
@@ -91,15 +95,18 @@ bool Runner::SetLevels(std::string& error) {
 
 bool Runner::MakeBoard(std::string& error) {
     BoardSetup setup;
-    setup.speed = m_options.speed;
-    setup.startSeconds = m_options.start.value_or(std::time(nullptr));
+    setup.speed = m_options.speed.value_or(DefaultSpeed);
+    setup.startSeconds = m_options.start.value_or(m_options.exact ? ExactStart : std::time(nullptr));
+    if (m_options.exact) {
+        setup.exact.emplace().seed = m_options.seed;
+    }
     setup.seed = m_options.seed;
     setup.noise = m_options.noise;
     if (!m_analyzer.MakeBoard(setup, error)) {
         return false;
     }
     Board& board = OnBoard();
-    board.SetLoopbackOpen(true);  // for other front ends on this machine
+    board.SetLoopbackOpen(!m_options.exact);  // for other front ends on this machine
     if (m_options.frontEndPort) {
         board.MapPort(FrontEnd::DefaultPort, *m_options.frontEndPort);
     }
@@ -140,7 +147,17 @@ int Runner::Follow(const volatile std::sig_atomic_t& signal) {
             return Fail("no result in " + Duration(timeout) + " of simulated time" + card);
         }
         ShowProgress();
+        LetRun();
+    }
+}
+
+void Runner::LetRun() {
+    if (!m_options.exact) {
         SleepMilliseconds(PollMilliseconds);
+    } else if (OnBoard().Exact().over) {
+        SleepMilliseconds(1);  // its process is about to end
+    } else if (OnBoard().RunUntil(m_until)) {
+        m_until += ExactSlice;
     }
 }
 

@@ -29,6 +29,7 @@ private:
     bool SetLevels(std::string& error);
     bool MakeBoard(std::string& error);
     int Follow(const volatile std::sig_atomic_t& signal);
+    void LetRun();  // for a moment
 
     void Poll();              // shows everything new
     void ShowIndicator();     // if it has changed
@@ -57,6 +58,7 @@ private:
     double m_lastResult = 0.0;     // simulated seconds
     double m_duty = 0.0;           // percent, of the last finished cycle
     std::uint64_t m_results = 0;
+    double m_until = 0.0;  // simulated seconds, of a run in exact time
     std::set<std::string> m_shownFaults;
 };
 

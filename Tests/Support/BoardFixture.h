@@ -20,6 +20,14 @@ protected:
         return setup;
     }
 
+    // Without noise, for an ExactTime member.
+    static Bench::BoardSetup QuietInExactTime() {
+        Bench::BoardSetup setup;
+        setup.noise = false;
+        setup.exact.emplace();
+        return setup;
+    }
+
     static Bench::BoardSetup QuietAtSpeed(double speed) {
         Bench::BoardSetup setup = AtSpeed(speed);
         setup.noise = false;

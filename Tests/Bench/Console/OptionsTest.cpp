@@ -22,7 +22,8 @@ TEST(Options, defaults) {
     EXPECT_EQ(options.chlorine, 0.60);
     EXPECT_EQ(options.alertLevel, "");
     EXPECT_EQ(options.alarmLevel, "");
-    EXPECT_EQ(options.speed, 20.0);
+    EXPECT_EQ(options.speed, std::nullopt);
+    EXPECT_FALSE(options.exact);
     EXPECT_FALSE(options.start.has_value());
     EXPECT_EQ(options.seed, 1U);
     EXPECT_TRUE(options.bench.empty());

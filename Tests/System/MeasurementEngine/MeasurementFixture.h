@@ -23,6 +23,7 @@
 #include "System/Messages/TestDigitalOutputPinsMessage.h"
 #include "System/Messages/TestPWMMessage.h"
 #include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/ExactTime.h"
 #include "Tests/Support/TestRouter.h"
 
 using Texts = std::vector<std::string>;
@@ -109,8 +110,8 @@ private:
 class MeasurementFixture : public BoardTest {
 protected:
     // At the speed given, and with errors only in the log.
-    explicit MeasurementFixture(double speed = 1.0, const char* listenerName = "MeasurementEngine")
-        : BoardTest(QuietAtSpeed(speed)), listener(listenerName) {
+    explicit MeasurementFixture(double /*speed*/ = 1.0, const char* listenerName = "MeasurementEngine")
+        : BoardTest(QuietInExactTime()), listener(listenerName) {
         SetPumpAngle(200.0);  // so far before both edges of the home flag that a late start or stop misses neither
         SetReportFunction(MessageController::LogMessage);  // another test of this program may have taken it
         router.AddName(listener);
@@ -220,6 +221,7 @@ protected:
         return seconds;
     }
 
+    ExactTime exactTime;
     TestRouter router{ERROR_LOG_LEVEL};
     Listener listener;
 

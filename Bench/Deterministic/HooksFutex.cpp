@@ -1,0 +1,64 @@
+// The futexes of the C++ library: threads that meet in the initialization of a local static.
+#include <linux/futex.h>
+#include <sys/syscall.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+
+#include "Bench/Deterministic/Next.h"
+#include "Bench/Deterministic/Simulation.h"
+
+namespace Bench::Simulation {
+
+namespace {
+
+constexpr int Operations = ~(FUTEX_PRIVATE_FLAG | FUTEX_CLOCK_REALTIME);
+
+long WakeFutex(const std::uint32_t* word, std::uint32_t most) {
+    const int woken = Wake(Wait::Word, word, static_cast<int>(std::min<std::uint32_t>(most, Scheduler::MaxThreads)));
+    Point(Event::WordWake);
+    return woken;
+}
+
+long WaitForFutex(const std::uint32_t* word, std::uint32_t expected, const timespec* timeout) {
+    Point(Event::WordWait);
+    const std::int64_t deadline = timeout == nullptr ? Scheduler::Forever : Now() + NanoSecondsOf(*timeout);
+    if (__atomic_load_n(word, __ATOMIC_SEQ_CST) != expected) {
+        errno = EAGAIN;
+        return -1;
+    }
+    if (!Block(Wait::Word, word, deadline)) {
+        errno = ETIMEDOUT;
+        return -1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace Bench::Simulation
+
+using namespace Bench;
+
+extern "C" long syscall(long number, ...) noexcept {
+    va_list list;
+    va_start(list, number);
+    long values[6];
+    for (long& value : values) {
+        value = va_arg(list, long);
+    }
+    va_end(list);
+    if (number == SYS_futex && Simulation::Runs()) {
+        const auto* word = reinterpret_cast<const std::uint32_t*>(values[0]);
+        const int operation = static_cast<int>(values[1]) & Simulation::Operations;
+        if (operation == FUTEX_WAKE) {
+            return Simulation::WakeFutex(word, static_cast<std::uint32_t>(values[2]));
+        }
+        if (operation == FUTEX_WAIT) {
+            return Simulation::WaitForFutex(word, static_cast<std::uint32_t>(values[2]),
+                                            reinterpret_cast<const timespec*>(values[3]));
+        }
+    }
+    return Next::syscall(number, values[0], values[1], values[2], values[3], values[4], values[5]);
+}

@@ -1,0 +1,90 @@
+#include "Bench/Deterministic/Watchdog.h"
+
+#include <execinfo.h>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+#include "Bench/Board/ExactState.h"
+#include "Bench/Deterministic/Next.h"
+
+namespace Bench {
+
+namespace {
+
+constexpr int PatienceSeconds = 30;
+
+struct Watched {
+    const EventTrace* trace;
+    const std::atomic<std::uint32_t>* phase;
+    const std::atomic<pid_t>* holder;
+};
+
+Watched watched{};
+pthread_t watchdog{};
+bool started = false;
+std::atomic<std::uint32_t> over{0};  // futex word
+
+int HangSignal() { return SIGRTMAX - 1; }
+
+// In the thread that has the token.
+void ShowStack(int) {
+    static constexpr char Text[] =
+        "\nexact time: a thread has kept the token for 30 seconds without a call. Its stack:\n";
+    const ssize_t written = Real::write(2, Text, sizeof(Text) - 1);
+    void* frames[64];
+    backtrace_symbols_fd(frames, written < 0 ? 0 : backtrace(frames, 64), 2);
+    std::_Exit(71);
+}
+
+// A second of real time. False once the simulation is over.
+bool LookAgain() {
+    const timespec second{1, 0};
+    Next::syscall(SYS_futex, &over, FUTEX_WAIT_PRIVATE, 0, &second, nullptr, 0);
+    return over.load() == 0;
+}
+
+void* Watch(void*) {
+    std::uint32_t last = 0;
+    for (int seconds = 0; LookAgain();) {
+        const std::uint32_t beat = watched.trace->Beat();
+        const bool running = watched.phase->load() == static_cast<std::uint32_t>(ExactPhase::Running);
+        seconds = running && beat == last ? seconds + 1 : 0;
+        last = beat;
+        if (seconds == PatienceSeconds) {
+            Next::syscall(SYS_tgkill, Next::syscall(SYS_getpid), watched.holder->load(), HangSignal());
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void StartWatchdog(const EventTrace& trace, const std::atomic<std::uint32_t>& phase, const std::atomic<pid_t>& holder) {
+    watched = {&trace, &phase, &holder};
+    over.store(0);
+    void* frame[1];
+    backtrace(frame, 1);  // loads what it needs now, not in the signal
+    struct sigaction action {};
+    action.sa_handler = ShowStack;
+    sigaction(HangSignal(), &action, nullptr);
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    started = Next::pthread_create(&watchdog, nullptr, Watch, nullptr) == 0;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void StopWatchdog() {
+    over.store(1);
+    Next::syscall(SYS_futex, &over, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
+    if (started) {
+        Next::pthread_join(watchdog, nullptr);
+    }
+}
+
+}  // namespace Bench

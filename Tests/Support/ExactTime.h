@@ -1,0 +1,14 @@
+// A test in exact time: its threads run one at a time, in an order that is the same each time, and the board's clock
+// goes on only while all of them wait. So nothing depends on the machine's load, and waiting costs nothing. A member of
+// a fixture on a board with BoardSetup::exact, before all members that have threads; these end their threads first.
+#pragma once
+
+#include "Bench/Deterministic/Simulation.h"
+
+class ExactTime {
+public:
+    ExactTime() { Bench::Simulation::Begin(); }
+    ~ExactTime() { Bench::Simulation::End(); }
+    ExactTime(const ExactTime&) = delete;
+    ExactTime& operator=(const ExactTime&) = delete;
+};
