@@ -12,9 +12,16 @@ namespace {
 // 0, as at any wake-up, or ETIMEDOUT. Giving the mutex back and waiting are one step: nothing runs between them.
 int WaitForCondition(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const timespec* until) {
     Point(Event::ConditionWait);
-    UnlockMutex(mutex);
+    if (const int error = UnlockMutex(mutex); error != 0) {
+        return error;
+    }
     const std::int64_t deadline = until == nullptr ? Scheduler::Forever : MomentOf(clock, *until);
-    const bool woken = deadline > Now() && Block(Wait::Condition, condition, deadline);
+    bool woken = false;
+    if (deadline > Now()) {
+        woken = Block(Wait::Condition, condition, deadline);
+    } else {
+        Point(Event::Yield);  // who waits for the mutex can get it, also if this thread asks again and again
+    }
     const int error = LockMutex(mutex, CLOCK_REALTIME, nullptr);
     return error == 0 && !woken ? ETIMEDOUT : error;
 }
