@@ -11,6 +11,7 @@ namespace {
 // As sem_clockwait; a null moment waits without end.
 int WaitForSemaphore(sem_t* semaphore, clockid_t clock, const timespec* until) {
     Point(Event::SemaphoreWait);
+    const int savedErrno = errno;
     while (Next::sem_trywait(semaphore) != 0) {
         const std::int64_t deadline = until == nullptr ? Scheduler::Forever : MomentOf(clock, *until);
         if (deadline <= Now()) {
@@ -19,6 +20,7 @@ int WaitForSemaphore(sem_t* semaphore, clockid_t clock, const timespec* until) {
         }
         Block(Wait::Semaphore, semaphore, deadline);
     }
+    errno = savedErrno;
     return 0;
 }
 

@@ -85,7 +85,7 @@ std::int64_t Scheduler::FirstDeadline() const {
     return first;
 }
 
-std::optional<int> Scheduler::Next(int running) {
+std::optional<int> Scheduler::Next(int running, bool yields) {
     Expire();
     const bool goesOn = At(running).ordinal >= 0 && At(running).wait == Wait::None;
     if (m_ready == 0) {
@@ -99,7 +99,7 @@ std::optional<int> Scheduler::Next(int running) {
     for (int i = 0; i < m_living; ++i) {
         Thread& thread = Of(NumberOf(i));
         if (thread.wait == Wait::None) {
-            own = NumberOf(i) == running ? count : own;
+            own = NumberOf(i) == running && !yields ? count : own;
             m_candidates[count++] = {NumberOf(i), &thread.priority};
         }
     }

@@ -11,9 +11,10 @@
 
 namespace Bench {
 
-enum class Wait : std::uint8_t { None, Mutex, Semaphore, Condition, Word, Thread, Stall, Peer };
+enum class Wait : std::uint8_t { None, Mutex, Semaphore, Condition, Futex, Word, Thread, Stall, Peer };
 
-constexpr const char* WaitNames[] = {"ready", "mutex", "semaphore", "condition", "word", "thread", "stall", "peer"};
+constexpr const char* WaitNames[] = {"ready", "mutex",  "semaphore", "condition", "futex",
+                                     "word",  "thread", "stall",     "peer"};
 
 class Scheduler {
 public:
@@ -45,8 +46,9 @@ public:
     int Wake(Wait wait, const void* object, int most = MaxThreads);
     bool TimedOut(int thread) const { return m_threads[static_cast<std::size_t>(thread)].timedOut; }
 
-    // The thread that runs next, after all whose deadline has been reached are ready. Nothing if all wait.
-    std::optional<int> Next(int running);
+    // The thread that runs next, after all whose deadline has been reached are ready. Nothing if all wait. One that
+    // yields is chosen as if it had not been running.
+    std::optional<int> Next(int running, bool yields = false);
     std::int64_t FirstDeadline() const;  // of those that wait; Forever: they wait for each other
     std::int64_t Stall() { return m_policy.Stall(); }
 

@@ -120,8 +120,8 @@ void SetPhase(ExactPhase phase) {
 void WakeTimed() {
     for (int i = 0; i < run->scheduler.Living(); ++i) {
         const Scheduler::Thread& thread = run->scheduler.At(run->scheduler.NumberOf(i));
-        const bool lock =
-            thread.wait == Wait::Mutex || thread.wait == Wait::Semaphore || thread.wait == Wait::Condition;
+        const bool lock = thread.wait == Wait::Mutex || thread.wait == Wait::Semaphore ||
+                          thread.wait == Wait::Condition || thread.wait == Wait::Futex;
         if (lock && thread.deadline != Scheduler::Forever) {
             run->scheduler.Wake(thread.wait, thread.object);
         }
@@ -154,7 +154,7 @@ void Pause(bool quiet) {
 
 // ---- Who runs next.
 
-int Choose(int running) {
+int Choose(int running, bool yields) {
     Scheduler& scheduler = run->scheduler;
     for (;;) {
         const std::int64_t stopAt = board->exact.stopAt.load(std::memory_order_relaxed);
@@ -162,7 +162,7 @@ int Choose(int running) {
             Pause(false);
             continue;
         }
-        if (const std::optional<int> next = scheduler.Next(running)) {
+        if (const std::optional<int> next = scheduler.Next(running, yields)) {
             return *next;
         }
         const std::int64_t first = scheduler.FirstDeadline();
@@ -179,16 +179,15 @@ int Choose(int running) {
 
 // Gives the token to the thread that runs next. Returns when the calling thread has it again, or at once if it has
 // ended.
-void Dispatch(Native& self, int number) {
+void Dispatch(Native& self, int number, bool yields = false) {
     const int savedErrno = errno;
-    const int next = Choose(number);
-    if (run->byNumber[next] == &self) {
-        return;
-    }
-    ++run->switches;
-    Give(*run->byNumber[next]);
-    if (!self.ended) {
-        Park(self);
+    Native& next = *run->byNumber[Choose(number, yields)];
+    if (&next != &self) {
+        ++run->switches;
+        Give(next);
+        if (!self.ended) {
+            Park(self);
+        }
     }
     errno = savedErrno;
 }
@@ -240,6 +239,7 @@ void* Body(void* argument) {
     Native& self = *static_cast<Native*>(argument);
     self.kernelId = static_cast<pid_t>(Next::syscall(SYS_gettid));
     Park(self);
+    errno = 0;
     current = &self;
     const Ender ender(self);
     run->trace.Add(Event::Begin, Now(), OrdinalOf(self.number), 0);
@@ -344,7 +344,7 @@ void Point(Event event, std::int64_t cost, std::int64_t result) {
         run->trace.Add(Event::Stall, scheduler.Now(), OrdinalOf(number), held);
         scheduler.Block(number, Wait::Stall, nullptr, scheduler.Now() + held);
     }
-    Dispatch(self, number);
+    Dispatch(self, number, event == Event::Yield);
 }
 
 bool Block(Wait wait, const void* object, std::int64_t deadline) {
