@@ -3,6 +3,8 @@
 // a fixture on a board with BoardSetup::exact, before all members that have threads; these end their threads first.
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include "Bench/Deterministic/Simulation.h"
 
 class ExactTime {
@@ -12,3 +14,8 @@ public:
     ExactTime(const ExactTime&) = delete;
     ExactTime& operator=(const ExactTime&) = delete;
 };
+
+// A time in seconds that is a wait of that many, with no more than the cost of the calls around it.
+inline auto IsWaitOf(double seconds) {
+    return testing::AllOf(testing::Ge(seconds - 1e-9), testing::Lt(seconds + 0.001));
+}

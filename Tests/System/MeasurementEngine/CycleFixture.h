@@ -12,7 +12,6 @@ inline const std::string Aborted = "Aborted Measurement Cycle";
 
 class Cycle : public MeasurementFixture {
 protected:
-    explicit Cycle(double speed = 20.0) : MeasurementFixture(speed) {}
     ~Cycle() override {
         control.reset();
         RemoveSettings();

@@ -14,8 +14,6 @@ const std::string NullMessage = "Attempt to send NULL message";
 
 class Lift : public MeasurementFixture {
 protected:
-    explicit Lift(double speed = 1.0) : MeasurementFixture(speed) {}
-
     std::vector<AdcReading> Read(std::uint32_t id, std::uint32_t count, const TimeSpec& interval = TimeSpec(0, 0)) {
         AdcStatusMessage request;
         request.GetAdcStatusInfo().SetSignalId(id);
@@ -71,10 +69,7 @@ protected:
 
 // A channel stays claimed to the end of the process, and a fresh board knows nothing of it: each test has its own
 // channel.
-class LiftPwmAtSpeed : public Lift {
-protected:
-    LiftPwmAtSpeed() : Lift(20.0) {}
-};
+using LiftPwm = Lift;
 
 double SecondsOf(const AdcReading& reading) { return reading.seconds + reading.nanoSeconds / 1e9; }
 
@@ -145,13 +140,13 @@ TEST_F(Lift, a_voltage_that_cannot_be_read_is_zero) {
 TEST_F(Lift, readings_are_an_interval_apart) {
     const std::vector<AdcReading> readings = Read(10084, 3, TimeSpec(1, 200000000));
     ASSERT_EQ(readings.size(), 3U);
-    EXPECT_GE(SecondsOf(readings[1]) - SecondsOf(readings[0]), 1.2 - 1e-6);
-    EXPECT_GE(SecondsOf(readings[2]) - SecondsOf(readings[1]), 1.2 - 1e-6);
+    EXPECT_THAT(SecondsOf(readings[1]) - SecondsOf(readings[0]), IsWaitOf(1.2));
+    EXPECT_THAT(SecondsOf(readings[2]) - SecondsOf(readings[1]), IsWaitOf(1.2));
 }
 
 TEST_F(Lift, an_interval_below_one_second_is_not_waited_for) {
     const std::vector<AdcReading> readings = Read(10084, 2, TimeSpec(0, 999000000));
-    EXPECT_LT(SecondsOf(readings[1]) - SecondsOf(readings[0]), 0.999);
+    EXPECT_THAT(SecondsOf(readings[1]) - SecondsOf(readings[0]), IsWaitOf(0.0));
 }
 
 TEST_F(Lift, an_interval_out_of_range_is_not_waited_for) {
@@ -242,10 +237,10 @@ TEST_F(Lift, an_output_answer_without_memory_is_reported) {
               (Texts{NullMessage, "MeasurementEngineControl - sending digital output pins message failed"}));
 }
 
-TEST_F(LiftPwmAtSpeed, an_empty_value_makes_the_channel_changes_nothing_else_and_takes_a_second) {
+TEST_F(LiftPwm, an_empty_value_makes_the_channel_changes_nothing_else_and_takes_a_second) {
     const double began = Board().Seconds();
     EXPECT_EQ(SetPwm(0, 1, ""), "");
-    EXPECT_GE(Board().Seconds() - began, 1.0);
+    EXPECT_THAT(Board().Seconds() - began, IsWaitOf(1.0));
     EXPECT_EQ(Board().Pwm(0).period, 1000000U);
     EXPECT_EQ(Board().Pwm(0).duty, 500000U);
     EXPECT_TRUE(Board().Pwm(0).enabled);
@@ -254,14 +249,14 @@ TEST_F(LiftPwmAtSpeed, an_empty_value_makes_the_channel_changes_nothing_else_and
     EXPECT_EQ(Board().Trace(), Texts{});
 }
 
-TEST_F(LiftPwmAtSpeed, function_0_switches_by_a_flag) {
+TEST_F(LiftPwm, function_0_switches_by_a_flag) {
     EXPECT_EQ(SetPwm(1, 0, "off"), "off");
     EXPECT_FALSE(Board().Pwm(1).enabled);
     EXPECT_EQ(SetPwm(1, 0, "Yes"), "Yes");
     EXPECT_TRUE(Board().Pwm(1).enabled);
 }
 
-TEST_F(LiftPwmAtSpeed, functions_1_and_2_set_frequency_and_duty) {
+TEST_F(LiftPwm, functions_1_and_2_set_frequency_and_duty) {
     EXPECT_EQ(SetPwm(2, 1, "500.0"), "500.0");
     EXPECT_EQ(Board().Pwm(2).period, 2000000U);
     EXPECT_EQ(Board().Pwm(2).duty, 1000000U);
@@ -270,7 +265,7 @@ TEST_F(LiftPwmAtSpeed, functions_1_and_2_set_frequency_and_duty) {
     EXPECT_EQ(Board().Pwm(2).duty, 500000U);
 }
 
-TEST_F(LiftPwmAtSpeed, a_channel_that_refuses_is_reported_by_function_and_answered) {
+TEST_F(LiftPwm, a_channel_that_refuses_is_reported_by_function_and_answered) {
     EXPECT_EQ(SetPwm(3, 0, ""), "");
     std::ofstream(Pwm + "unexport") << "3";  // without its knowledge
     ASSERT_FALSE(Board().Pwm(3).exported);
@@ -286,17 +281,17 @@ TEST_F(LiftPwmAtSpeed, a_channel_that_refuses_is_reported_by_function_and_answer
                                  "MeasurementEngine::LIFTPWM - failed to set PWM duty cycle"}));
 }
 
-TEST_F(LiftPwmAtSpeed, a_channel_that_the_board_does_not_have_is_answered_and_takes_a_second) {
+TEST_F(LiftPwm, a_channel_that_the_board_does_not_have_is_answered_and_takes_a_second) {
     for (const int channel : {4, 51, 52, 21844}) {
         const double began = Board().Seconds();
         EXPECT_EQ(SetPwm(channel, 0, "on"), "on");
-        EXPECT_GE(Board().Seconds() - began, 1.0);
+        EXPECT_THAT(Board().Seconds() - began, IsWaitOf(1.0));
     }
     EXPECT_EQ(Board().Trace(), Texts{});
     EXPECT_EQ(LogLines(), Texts{});
 }
 
-TEST_F(LiftPwmAtSpeed, an_answer_without_memory_is_reported) {
+TEST_F(LiftPwm, an_answer_without_memory_is_reported) {
     TestPWMMessage request;
     request.SetId(4 * 3);
     const FailingAllocation failing(1);

@@ -46,17 +46,10 @@ std::atomic<bool> mutexesFail{false};
 
 class SampleConfigurationCycle : public Cycle {
 protected:
-    SampleConfigurationCycle() : Cycle(40.0) {}
-
     void SetUp() override { ASSERT_TRUE(InstallSettings(SOURCE_FOLDER "/configuration/analyzer.conf.xml")); }
 
-    // The pump's home flag passes fast, so the first step is slow.
-    void Run() {
-        Board().SetSpeed(2.0);
-        ASSERT_TRUE(control->StartMeasurement());
-        WaitForStatus(Executing(1));
-        Board().SetSpeed(40.0);
-        WaitForCycles(1);
+    void RunToEnd() {
+        Run();
         End();
     }
 };
@@ -163,7 +156,8 @@ TEST_F(Cycle, an_abort_waits_for_the_step_and_runs_no_other) {
     Texts expected = ExecutingUpTo(3);
     expected.push_back(Aborted);
     EXPECT_EQ(StatusTexts(), expected);
-    EXPECT_GE(TimeOf("/sys/class/pwm/pwmchip0/pwm2/enable=0") - TimeOf("/sys/class/pwm/pwmchip0/pwm2/enable=1"), 20.0);
+    EXPECT_THAT(Between("/sys/class/pwm/pwmchip0/pwm2/enable=1", "/sys/class/pwm/pwmchip0/pwm2/enable=0"),
+                IsWaitOf(20.0));
     EXPECT_TRUE(Results().empty());
     EXPECT_EQ(LogLines(), Texts{NotSent});
 
@@ -306,7 +300,8 @@ TEST_F(Cycle, priming_takes_the_configured_revolutions_and_homes_the_pump) {
     settings.keys["PrimeCycleCount"] = "4";
     Install();
     EXPECT_TRUE(control->PrimeSystem());
-    EXPECT_GE(TimeOf("/sys/class/pwm/pwmchip0/pwm1/enable=0") - TimeOf("/sys/class/pwm/pwmchip0/pwm1/enable=1"), 4.0);
+    EXPECT_THAT(Between("/sys/class/pwm/pwmchip0/pwm1/enable=1", "/sys/class/pwm/pwmchip0/pwm1/enable=0"),
+                IsWaitOf(4.0));
     EXPECT_EQ(TraceOf("gpio/export=50").size(), 1U);
     EXPECT_TRUE(control->PrimeSystem());  // the count stays
     EXPECT_EQ(TraceOf("gpio/export=50").size(), 2U);
@@ -355,7 +350,7 @@ TEST_F(Cycle, a_priming_that_fails_reads_the_settings_again) {
 TEST_F(Cycle, priming_without_settings_fails) { EXPECT_FALSE(control->PrimeSystem()); }
 
 TEST_F(SampleConfigurationCycle, gives_the_chlorine_that_is_in_the_water) {
-    Run();
+    RunToEnd();
     const std::vector<MeasurementResults> results = Results();
     ASSERT_EQ(results.size(), 1U);
     EXPECT_NEAR(results[0].GetChlorine(), Board().Settings().chlorine, 0.02 * Board().Settings().chlorine);
@@ -364,9 +359,8 @@ TEST_F(SampleConfigurationCycle, gives_the_chlorine_that_is_in_the_water) {
 
 TEST_F(SampleConfigurationCycle, gives_no_chlorine_if_no_reagent_comes) {
     SetFault("reagent-empty");
-    Board().SetSpeed(3.0);
     EXPECT_TRUE(control->PrimeSystem());  // draws the line empty
-    Run();
+    RunToEnd();
     const std::vector<MeasurementResults> results = Results();
     ASSERT_EQ(results.size(), 1U);
     EXPECT_NEAR(results[0].GetChlorine(), 0.0, 0.02);
@@ -377,7 +371,7 @@ TEST_P(FaultyCycle, ends_with_a_result) {
     SetFault(GetParam());
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    Run();
+    RunToEnd();
     testing::internal::GetCapturedStdout();
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(Results().size(), 1U);

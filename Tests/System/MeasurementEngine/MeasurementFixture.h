@@ -61,7 +61,7 @@ public:
         Wait([this] { return m_listens; });
     }
 
-    // Without a deadline, since the clock may run fast: the test program's time-out ends a hang.
+    // A wait that cannot end ends the process.
     void Wait(const std::function<bool()>& condition) {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, condition);
@@ -109,10 +109,10 @@ private:
 
 class MeasurementFixture : public BoardTest {
 protected:
-    // At the speed given, and with errors only in the log.
-    explicit MeasurementFixture(double /*speed*/ = 1.0, const char* listenerName = "MeasurementEngine")
+    // With errors only in the log.
+    explicit MeasurementFixture(const char* listenerName = "MeasurementEngine")
         : BoardTest(QuietInExactTime()), listener(listenerName) {
-        SetPumpAngle(200.0);  // so far before both edges of the home flag that a late start or stop misses neither
+        SetPumpAngle(200.0);                               // before both edges of the home flag
         SetReportFunction(MessageController::LogMessage);  // another test of this program may have taken it
         router.AddName(listener);
         listener.Listen();
@@ -205,6 +205,9 @@ protected:
         }
         return lines;
     }
+
+    // Seconds of the run from the one line to the other.
+    double Between(const std::string& first, const std::string& second) const { return TimeOf(second) - TimeOf(first); }
 
     // Seconds of the run at which the line was traced first, or last.
     double TimeOf(const std::string& line, bool last = false) const {

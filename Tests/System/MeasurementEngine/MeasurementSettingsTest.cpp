@@ -78,7 +78,7 @@ TEST_F(CycleSettings, valve_drops_to_its_hold_duty_after_its_delay) {
     Run();
     End();
     EXPECT_EQ(TraceOf("pwm3/duty_cycle="), OpenedAndHeld);
-    EXPECT_GE(TimeOf(Pwm + "pwm3/duty_cycle=350000") - TimeOf(Pwm + "pwm3/duty_cycle=1000000"), 0.9);
+    EXPECT_THAT(Between(Pwm + "pwm3/duty_cycle=1000000", Pwm + "pwm3/duty_cycle=350000"), IsWaitOf(0.9));
 }
 
 TEST_F(CycleSettings, each_count_is_trimmed_by_its_own_two_numbers) {
@@ -134,11 +134,11 @@ TEST_F(CycleSettings, priming_takes_its_revolutions_and_the_homing_its_speed) {
     settings.keys["LEDSettleTime"] = "0";
     Install();
     EXPECT_TRUE(control->PrimeSystem());
-    EXPECT_GE(TimeOf(Pwm + "pwm1/enable=0") - TimeOf(Pwm + "pwm1/enable=1"), 7.0);
+    EXPECT_THAT(Between(Pwm + "pwm1/enable=1", Pwm + "pwm1/enable=0"), IsWaitOf(7.0));
     const Texts periods = TraceOf("pwm1/period=");
     ASSERT_GE(periods.size(), 2U);
     EXPECT_EQ(periods[0], Pwm + "pwm1/period=625000");
-    EXPECT_EQ(periods[1], Pwm + "pwm1/period=38461540");  // 6 degrees a second are 26 whole steps
+    EXPECT_EQ(periods[1], Pwm + "pwm1/period=7518797");  // 30 degrees a second are 133 whole steps
 }
 
 // The valve takes the word as signed, and a negative delay is no wait.

@@ -25,7 +25,7 @@ TestSettings::TestSettings() {
         {"ColorimeterCellConstant", "2.4"},
         {"SampleSwitchDelay", "0"},
         {"SampleSwitchDutyCycle", "40.0"},
-        {"FindHomeSpeed", "6.0"},  // so slow that a busy machine sees each edge of the flag
+        {"FindHomeSpeed", "30.0"},
         {"DarkHighRejectNum", "0"},
         {"DarkLowRejectNum", "0"},
         {"RefHighRejectNum", "0"},
