@@ -68,6 +68,7 @@ void RememberFile(int file, Node node, int access) {
         open->access.store(access, std::memory_order_relaxed);
         open->cut.store(Cut::Whole, std::memory_order_relaxed);
         open->received.store(0, std::memory_order_relaxed);
+        open->connection.store(0, std::memory_order_relaxed);
         open->node.store(node, std::memory_order_release);
     }
 }

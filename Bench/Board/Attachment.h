@@ -39,7 +39,8 @@ struct OpenFile {
     std::atomic<std::uint32_t> seenEdges{0};
     std::atomic<int> access{0};  // O_RDONLY, O_WRONLY or O_RDWR
     std::atomic<Cut> cut{Cut::Whole};
-    std::atomic<std::uint64_t> received{0};  // bytes since the connection
+    std::atomic<std::uint64_t> received{0};    // bytes since the connection
+    std::atomic<std::uint32_t> connection{0};  // of its wire; 0: none
 };
 
 // The board and its file of a descriptor. Converts to false if the file is not the board's; the call is then passed on.

@@ -175,8 +175,8 @@ void Board::Reset(const BoardSetup& setup) {
 bool Board::RunUntil(double seconds, double realSeconds) {
     ExactState& exact = m_state->exact;
     const std::int64_t stopAt = MonotonicAtStart + static_cast<std::int64_t>(seconds * 1e9);
-    if (exact.stopAt.exchange(stopAt) != stopAt &&
-        exact.phase.load() == static_cast<std::uint32_t>(ExactPhase::Paused)) {
+    exact.stopAt.store(stopAt);
+    if (exact.phase.load() == static_cast<std::uint32_t>(ExactPhase::Paused) && MonotonicNow(m_state->clock) < stopAt) {
         exact.phase.store(static_cast<std::uint32_t>(ExactPhase::Running));
         FutexWakeAll(exact.phase);
     }
@@ -186,6 +186,15 @@ bool Board::RunUntil(double seconds, double realSeconds) {
         FutexWait(exact.phase, Running, std::max<std::int64_t>(end - RealNanoSeconds(), 1));
     }
     return exact.phase.load() != Running;
+}
+
+void Board::BeginProgram() {
+    const BoardLock state(*m_state);
+    state->exact.stopAt.store(MonotonicNow(state->clock));
+    state->exact.phase.store(static_cast<std::uint32_t>(ExactPhase::Running));
+    for (Wire& wire : state->wires) {
+        wire.open = false;
+    }
 }
 
 bool Board::IsExact() const { return m_state->exact.wanted; }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Bench/Instrument/Instrument.h"
@@ -123,6 +124,13 @@ struct ExactView {
     std::string failure;  // why the simulation could not go on; mostly empty
 };
 
+// The peer's end of a link in exact time.
+struct WireView {
+    std::uint32_t connections = 0;  // so far
+    bool connected = false;
+    std::string bytes;  // that the program has sent on the newest connection since the last look
+};
+
 // How a run begins.
 struct BoardSetup {
     double speed = 1.0;                      // simulated seconds for one real second, 0.1 to 1000
@@ -157,12 +165,21 @@ public:
     void JumpClock(double seconds);        // below 0 sets the wall clock back
 
     // Exact time. The board is looked at and changed only before the program starts and after this operation: it lets
-    // the program run until that moment, in seconds of the run, and returns when it pauses there. It returns false if
-    // the program has not done so after that many real seconds, so that the caller can see whether its process still
-    // exists.
+    // the program run until that moment, in seconds of the run, and returns when it pauses there, or earlier because of
+    // a wire. It returns false if the program has not paused after that many real seconds, so that the caller can see
+    // whether its process still exists.
     bool RunUntil(double seconds, double realSeconds = 1.0);
     bool IsExact() const;
+    void BeginProgram();  // before each start of a program: it pauses at once, and no wire is connected
     ExactView Exact() const;
+
+    // The links of a run in exact time, by the program's port. A peer acts in a pause; each connection, piece or end
+    // from the program makes one. What it gives arrives that many simulated seconds later, in the same order. The last
+    // two return false without a connection or if too much is unread.
+    bool LayWire(int port);  // the peer listens; false if there are four wires
+    WireView TakeFromWire(int port);
+    bool GiveToWire(int port, std::string_view bytes, double seconds = 0.0);
+    bool EndWire(int port, bool abort, double seconds = 0.0);
 
     // Pins, by bank 0 to 3 and pin 0 to 31.
     PinView Pin(int bank, int pin) const;
@@ -266,6 +283,7 @@ public:
 
 private:
     Board(std::string folder, BoardState* state);
+    bool Deliver(int port, int kind, std::string_view bytes, double seconds);
 
     std::string m_folder;
     BoardState* m_state;

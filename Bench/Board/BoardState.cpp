@@ -50,7 +50,7 @@ void SetUpExactTime(BoardState& state, const BoardSetup& setup) {
     exact.wanted = setup.exact.has_value();
     exact.stopAt.store(MonotonicAtStart);
     exact.phase.store(static_cast<std::uint32_t>(ExactPhase::Running));
-    exact.quiet = false;
+    exact.quiet = exact.pauseAsked = false;
     exact.hash = exact.events = exact.decisions = exact.switches = 0;
     exact.waits[0] = exact.failure[0] = '\0';
     if (!setup.exact) {
@@ -105,6 +105,7 @@ void InitializeState(BoardState& state, const char* folder, const BoardSetup& se
     state.audioPlaying = false;
     state.sound = SoundState{};
     state.network = NetworkState{};
+    std::memset(static_cast<void*>(state.wires), 0, sizeof(state.wires));
     state.run.fetch_add(1);
     std::fill(std::begin(state.faults), std::end(state.faults), FaultEntry{});
     for (CallState& call : state.calls) {

@@ -13,6 +13,7 @@
 #include "Bench/Board/BoardClock.h"
 #include "Bench/Board/BoardFaults.h"
 #include "Bench/Board/BoardLinks.h"
+#include "Bench/Board/BoardWire.h"
 #include "Bench/Board/ExactState.h"
 #include "Bench/Board/OwnAllocations.h"
 
@@ -50,6 +51,7 @@ struct BoardState {
     bool audioPlaying = false;  // as set; SoundPlays adds the players
     SoundState sound;
     NetworkState network;
+    Wire wires[Wires];
 
     FaultEntry faults[MaxFaults];
     CallState calls[std::size(CallNames)];

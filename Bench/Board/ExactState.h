@@ -22,6 +22,7 @@ struct ExactState {
     std::uint64_t traceTo = 0;
     std::atomic<std::int64_t> stopAt{0};  // simulated CLOCK_MONOTONIC, nanoseconds
     std::atomic<std::uint32_t> phase{0};  // futex word: an ExactPhase
+    bool pauseAsked = false;              // by a call of the program that the bench reacts to
     bool quiet = false;                   // all threads wait, none with a deadline
     std::uint64_t hash = 0;               // of all events
     std::uint64_t events = 0;

@@ -176,6 +176,11 @@ ssize_t WriteFile(const BoardFile& file, const void* data, std::size_t size) {
 }
 
 int CloseFile(int file) {
+    if (const BoardFile socket = FindSocket(file); socket && socket.state->exact.wanted) {
+        const int savedErrno = errno;
+        ShutDownWire(socket);
+        errno = savedErrno;
+    }
     ForgetFile(file);
     return Real::close(file);
 }

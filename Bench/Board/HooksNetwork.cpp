@@ -27,9 +27,13 @@ int CutError(const BoardFile& socket) {
     return socket.open->cut.compare_exchange_strong(pending, Cut::Reported) ? ECONNRESET : 0;
 }
 
+int ShutDown(const BoardFile& socket, int how) {
+    return socket.state->exact.wanted ? ShutDownWire(socket) : Real::shutdown(socket.file, how);
+}
+
 void CutLink(const BoardFile& socket) {
     socket.open->cut.store(Cut::Pending);
-    Real::shutdown(socket.file, SHUT_RDWR);
+    ShutDown(socket, SHUT_RDWR);
 }
 
 // Replaces the port in `address` by the connection's port on this machine. 0 or an error number.
@@ -52,11 +56,14 @@ int Connect(BoardState& state, int file, const sockaddr_in& asked) {
         error = CountCall(state, "connect");
         error = error == 0 ? Redirect(state, address) : error;
     }
-    if (error == 0 && Real::connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        error = errno;
-    }
     const int port = ntohs(asked.sin_port);
     RememberFile(file, SocketNode(port), O_RDWR);
+    Wire* wire = state.exact.wanted ? FindWire(state, port) : nullptr;
+    if (wire != nullptr && (error == 0 || error == ECONNREFUSED)) {
+        error = ConnectWire(FindSocket(file), *wire);
+    } else if (error == 0 && Real::connect(file, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        error = errno;
+    }
     char text[INET_ADDRSTRLEN] = {};
     inet_ntop(AF_INET, &asked.sin_addr, text, sizeof(text));
     Trace(*BoardLock(state), error, "connect %s:%d", text, port);
@@ -81,7 +88,8 @@ ssize_t ReceiveBytes(const BoardFile& socket, Call call, void* data, std::size_t
     }
     const bool cut = socket.open->cut.load() != Cut::Whole;
     const std::size_t most = cut ? size : static_cast<std::size_t>(std::min<std::uint64_t>(size, length - before));
-    const ssize_t got = Real::recv(socket.file, data, most, flags);
+    const ssize_t got = socket.state->exact.wanted ? ReceiveFromWire(socket, data, most, flags)
+                                                   : Real::recv(socket.file, data, most, flags);
     if (got > 0 && (flags & MSG_PEEK) == 0) {
         socket.open->received.fetch_add(static_cast<std::uint64_t>(got));
         if (socket.open->received.load() >= length) {
@@ -96,7 +104,11 @@ ssize_t SendBytes(const BoardFile& socket, Call call, const void* data, std::siz
         return -1;
     }
     const int error = CutError(socket);
-    return error == 0 ? Real::send(socket.file, data, size, flags) : Answer<ssize_t>(error);
+    if (error != 0) {
+        return Answer<ssize_t>(error);
+    }
+    return socket.state->exact.wanted ? SendToWire(socket, data, size, flags)
+                                      : Real::send(socket.file, data, size, flags);
 }
 
 }  // namespace Bench
@@ -152,7 +164,11 @@ ssize_t __recv_chk(int file, void* data, size_t size, size_t space, int flags) {
 }
 
 int shutdown(int file, int how) noexcept {
-    return FailsByRequest(FindSocket(file), "shutdown") ? -1 : Real::shutdown(file, how);
+    const BoardFile found = FindSocket(file);
+    if (FailsByRequest(found, "shutdown")) {
+        return -1;
+    }
+    return found ? ShutDown(found, how) : Real::shutdown(file, how);
 }
 
 int setsockopt(int file, int level, int option, const void* value, socklen_t size) noexcept {

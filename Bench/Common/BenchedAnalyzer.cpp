@@ -1,6 +1,28 @@
 #include "Bench/Common/BenchedAnalyzer.h"
 
+#include "Bench/Common/Text.h"
+
 namespace Bench {
+
+namespace {
+
+class BoardWire final : public PeerWire {
+public:
+    BoardWire(Board& board, int port) : m_board(board), m_port(port) { m_board.LayWire(port); }
+
+    View Take() override {
+        WireView view = m_board.TakeFromWire(m_port);
+        return {view.connections, view.connected, std::move(view.bytes)};
+    }
+    bool Send(std::string_view bytes) override { return m_board.GiveToWire(m_port, bytes); }
+    void End(bool abort) override { m_board.EndWire(m_port, abort); }
+
+private:
+    Board& m_board;
+    const int m_port;
+};
+
+}  // namespace
 
 Places PlacesOfBuild(const std::string& name) {
     return {BENCH_PROGRAM,
@@ -31,6 +53,11 @@ bool BenchedAnalyzer::MakeBoard(const BoardSetup& setup, std::string& error) {
 }
 
 bool BenchedAnalyzer::MakePeers(std::string& error) {
+    if (m_board->IsExact()) {
+        m_frontEnd = FrontEnd::On(std::make_unique<BoardWire>(*m_board, FrontEnd::DefaultPort));
+        m_station = TestServer::On(std::make_unique<BoardWire>(*m_board, m_settings.testServerPort));
+        return true;
+    }
     m_frontEnd = FrontEnd::Listen(0, error);
     m_station = TestServer::Listen(0, error);
     return m_frontEnd != nullptr && m_station != nullptr &&
@@ -40,9 +67,28 @@ bool BenchedAnalyzer::MakePeers(std::string& error) {
 
 bool BenchedAnalyzer::Start(std::string& error) {
     m_hasEnded = false;
+    m_board->BeginProgram();
     const bool exact = m_board->IsExact();
     const std::string library = (exact ? m_places.exactTimeLibrary + ":" : "") + m_places.library;
     return m_analyzer.Start({m_places.program, library, m_folder.Path(), Output(), exact}, error);
+}
+
+void BenchedAnalyzer::LetPass(double seconds) {
+    constexpr double Patience = 0.05;  // real seconds between two looks at the process
+    constexpr double Rounding = 1e-6;
+    const double end = m_board->Seconds() + seconds;
+    std::string reason;
+    while (m_board->Seconds() + Rounding < end) {
+        const bool over = m_board->RunUntil(end, Patience) && m_board->Exact().over;
+        m_frontEnd->Poll();
+        m_station->Poll();
+        if (HasEnded(reason)) {
+            return;
+        }
+        if (over) {
+            SleepMilliseconds(1);  // the process is about to end
+        }
+    }
 }
 
 bool BenchedAnalyzer::Restart(std::string& error) {

@@ -34,6 +34,9 @@ public:
     bool MakePeers(std::string& error);                           // on free ports
 
     bool Start(std::string& error);
+    // Exact time with peers: lets so many simulated seconds pass, and the peers take what comes. Returns earlier if the
+    // program ends.
+    void LetPass(double seconds);
     // As a supervisor restarts it: board, card and peers stay.
     bool Restart(std::string& error);
     void Stop() { m_analyzer.Stop(); }

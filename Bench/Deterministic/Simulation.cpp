@@ -9,7 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <optional>
+#include <utility>
 
 #include "Bench/Board/Attachment.h"
 #include "Bench/Deterministic/Next.h"
@@ -137,18 +139,20 @@ void WakeWord(const std::atomic<std::uint32_t>& word) {
 
 // The bench looks at the board and changes it, and sets the next moment to stop at.
 void Pause(bool quiet) {
-    const std::uint32_t changes = board->changes.load();
-    const std::uint32_t clockChanges = board->clock.changes.load();
+    const std::atomic<std::uint32_t>* const words[] = {&board->changes,       &board->clock.changes,
+                                                       &board->wires[0].word, &board->wires[1].word,
+                                                       &board->wires[2].word, &board->wires[3].word};
+    std::uint32_t seen[std::size(words)];
+    std::transform(std::begin(words), std::end(words), std::begin(seen), [](const auto* word) { return word->load(); });
     Report(quiet);
     SetPhase(ExactPhase::Paused);
     while (board->exact.phase.load() != static_cast<std::uint32_t>(ExactPhase::Running)) {
         Futex(board->exact.phase, FUTEX_WAIT, static_cast<std::uint32_t>(ExactPhase::Paused));
     }
-    if (board->changes.load() != changes) {
-        WakeWord(board->changes);
-    }
-    if (board->clock.changes.load() != clockChanges) {
-        WakeWord(board->clock.changes);
+    for (std::size_t i = 0; i < std::size(words); ++i) {
+        if (words[i]->load() != seen[i]) {
+            WakeWord(*words[i]);
+        }
     }
 }
 
@@ -158,7 +162,8 @@ int Choose(int running, bool yields) {
     Scheduler& scheduler = run->scheduler;
     for (;;) {
         const std::int64_t stopAt = board->exact.stopAt.load(std::memory_order_relaxed);
-        if (scheduler.Now() >= stopAt) {
+        if (scheduler.Now() >= stopAt ||
+            (stopAt != Scheduler::Forever && std::exchange(board->exact.pauseAsked, false))) {
             Pause(false);
             continue;
         }

@@ -55,6 +55,12 @@ std::unique_ptr<FrontEnd> FrontEnd::Listen(std::uint16_t port, std::string& erro
     return frontEnd;
 }
 
+std::unique_ptr<FrontEnd> FrontEnd::On(std::unique_ptr<PeerWire> wire) {
+    std::unique_ptr<FrontEnd> frontEnd(new FrontEnd);
+    frontEnd->Use(std::move(wire));
+    return frontEnd;
+}
+
 bool FrontEnd::SendCode(int code, const std::string& text) { return Send(std::to_string(code) + NameEnd + text); }
 
 std::size_t FrontEnd::FrameCount() const {

@@ -43,6 +43,7 @@ public:
 
     // Returns null with the reason in `error` if the port is not available. Port 0: any free port.
     static std::unique_ptr<FrontEnd> Listen(std::uint16_t port, std::string& error);
+    static std::unique_ptr<FrontEnd> On(std::unique_ptr<PeerWire> wire);
     ~FrontEnd() override { Stop(); }
 
     bool SendCode(int code, const std::string& text = "");

@@ -78,6 +78,9 @@ std::string LinkServer::CutReason() const {
 
 bool LinkServer::Send(std::string_view bytes) {
     const std::lock_guard lock(m_mutex);
+    if (m_wire != nullptr) {
+        return m_connection >= 0 && m_wire->Send(bytes);
+    }
     return m_connection >= 0 && send(m_connection, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) ==
                                     static_cast<ssize_t>(bytes.size());
 }
@@ -87,10 +90,28 @@ void LinkServer::Abort() { CloseSoon(true); }
 
 void LinkServer::CloseSoon(bool aborts) {
     const std::lock_guard lock(m_mutex);
+    if (m_wire != nullptr) {
+        m_wire->End(aborts);
+        return;
+    }
     const linger drop{aborts ? 1 : 0, 0};
     setsockopt(m_connection, SOL_SOCKET, SO_LINGER, &drop, sizeof drop);
     m_closes = true;
     shutdown(m_connection, SHUT_RD);  // wakes the thread; the peer does not notice
+}
+
+void LinkServer::Poll() {
+    const std::lock_guard lock(m_mutex);
+    const PeerWire::View view = m_wire->Take();
+    if (view.connections != m_connections) {
+        m_connections = view.connections;
+        m_cutReason.clear();
+        Begin();
+    }
+    m_connection = view.connected ? 0 : -1;
+    if (!view.bytes.empty() && !Receive(view.bytes, m_cutReason)) {
+        m_wire->End(false);
+    }
 }
 
 void LinkServer::Serve() {
@@ -141,7 +162,7 @@ void LinkServer::Read() {
 
 void LinkServer::Close() {
     const std::lock_guard lock(m_mutex);
-    if (m_connection >= 0) {
+    if (m_connection >= 0 && m_wire == nullptr) {
         close(m_connection);
     }
     m_connection = -1;

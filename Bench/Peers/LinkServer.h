@@ -1,16 +1,21 @@
 // One end of a link: a TCP server on the loopback interface that serves one connection at a time, the newest. Its
 // thread reads the connection. Every public operation may be called from any thread. Seconds are those of this
-// process's clock. A derived class calls Start when it is ready and Stop in its destructor.
+// process's clock. On a wire instead, it has no thread: Poll takes what has come, and nothing waits. A derived class
+// calls Start when it is ready and Stop in its destructor.
 #pragma once
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
+
+#include "Bench/Peers/PeerWire.h"
 
 namespace Bench {
 
@@ -28,6 +33,9 @@ public:
     // Sends all bytes at once. Returns false without a connection, or if the peer has left so much unread that they do
     // not fit.
     bool Send(std::string_view bytes);
+
+    // On a wire: takes what has come. It must not be called by another thread at the same time.
+    void Poll();
 
     void Disconnect();  // as a program that ends
     void Abort();       // as a program that is cut off: the peer's read fails
@@ -48,6 +56,7 @@ protected:
     bool Listen(std::uint16_t port, std::string& error);
     void Start();
     void Stop();
+    void Use(std::unique_ptr<PeerWire> wire) { m_wire = std::move(wire); }  // instead of Listen and Start
 
     // Both are called on the server's thread with the lock held. Receive gets the bytes in pieces; if it returns false,
     // with the reason, the connection is cut.
@@ -58,6 +67,9 @@ protected:
     template <typename Condition>
     bool WaitFor(double seconds, Condition condition) const {
         std::unique_lock lock(m_mutex);
+        if (m_wire != nullptr) {
+            return condition();
+        }
         return m_changed.wait_for(lock, std::chrono::duration<double>(seconds), condition);
     }
 
@@ -72,6 +84,7 @@ private:
 
     mutable std::condition_variable m_changed;
     std::thread m_thread;
+    std::unique_ptr<PeerWire> m_wire;
     std::atomic<bool> m_stops{false};
     std::uint16_t m_port = 0;
     int m_listener = -1;

@@ -11,6 +11,12 @@ std::unique_ptr<TestServer> TestServer::Listen(std::uint16_t port, std::string& 
     return server;
 }
 
+std::unique_ptr<TestServer> TestServer::On(std::unique_ptr<PeerWire> wire) {
+    std::unique_ptr<TestServer> server(new TestServer);
+    server->Use(std::move(wire));
+    return server;
+}
+
 std::optional<TestAnswer> TestServer::TakeAnswer(double seconds) {
     std::optional<TestAnswer> answer;
     WaitFor(seconds, [this, &answer] {

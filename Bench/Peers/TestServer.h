@@ -18,6 +18,7 @@ public:
 
     // Returns null with the reason in `error` if the port is not available. Port 0: any free port.
     static std::unique_ptr<TestServer> Listen(std::uint16_t port, std::string& error);
+    static std::unique_ptr<TestServer> On(std::unique_ptr<PeerWire> wire);
     ~TestServer() override { Stop(); }
 
     bool SendRequest(const TestRequest& request) { return Send(EncodeTestRequest(request)); }

@@ -8,6 +8,10 @@ namespace Bench {
 
 namespace {
 
+// Real time.
+constexpr int TickMilliseconds = 10;
+constexpr double FootprintSeconds = 1.0;
+
 // Random bytes contain the code of a reset about once in a hundred reads. After so long without one, it is requested.
 constexpr double SecondsWithoutReset = 900.0;
 constexpr double SecondsOfReset = 120.0;

@@ -11,10 +11,14 @@ namespace {
 
 constexpr double SecondsOfDay = 86400.0;
 
-// Real seconds until a record is on the card and until a reset is done: both depend on the machine.
-constexpr double RecordTimeout = 10.0;
-constexpr double ResetTimeout = 2.0;
-constexpr int SoakResetRequests = 30;  // one together with another button is lost
+// Simulated seconds.
+constexpr double Tick = 1.0;
+constexpr double FootprintInterval = 60.0;
+constexpr double RecordTimeout = 60.0;  // until a record is on the card
+constexpr double ResetTimeout = 200.0;  // until a reset is done: a running step ends first
+constexpr double CardFaultMargin = 60.0;
+constexpr double RestAfterReset = 40.0;  // both links are connected, and the first priming is still to come
+constexpr int SoakResetRequests = 30;    // one together with another button is lost
 
 // Simulated seconds without a result until the analyzer is set to running, is reset, and has failed.
 constexpr double RunAgain = 1500.0;
@@ -46,30 +50,49 @@ bool Soak::IsDone() const {
 }
 
 bool Soak::Run(const volatile int& stop, std::string& trouble) {
+    if (!AtRest(m_first, trouble)) {
+        return false;
+    }
     while (!IsDone() && stop == 0) {
-        if (!Tick(trouble)) {
+        if (!Step(trouble)) {
             return false;
         }
-        SleepMilliseconds(TickMilliseconds);
+        m_system.LetPass(Tick);
     }
-    if (!SettleResults(trouble) || !SavedHours(trouble)) {
-        return false;
-    }
-    const bool isLong = m_goals.cycles >= 50 || m_goals.resets >= 50 || m_goals.days >= 1.0;
-    if (isLong && m_series.Size() >= ReadingsToJudge && !m_series.IsFlat()) {
-        trouble = "the program grew";
-        return false;
-    }
-    return true;
+    return SettleResults(trouble) && SavedHours(trouble) && AtRest(m_last, trouble) && JudgeGrowth(trouble);
 }
 
-bool Soak::Tick(std::string& trouble) {
+// What the program holds depends on what it does at that moment. After a reset it does the same each time.
+bool Soak::AtRest(std::optional<Footprint>& footprint, std::string& trouble) {
+    for (const ActiveFault& fault : m_system.OnBoard().Faults()) {
+        m_system.OnBoard().ClearFault(fault.text.substr(0, fault.text.find_first_of("=@")), trouble);
+    }
+    m_system.LetPass(RestAfterReset);
+    if (!Reset(false, trouble)) {
+        return false;
+    }
+    m_system.LetPass(RestAfterReset);
+    footprint = m_system.Measure();
+    return m_system.StaysUp(trouble);
+}
+
+bool Soak::JudgeGrowth(std::string& trouble) const {
+    if (m_first && m_last && (m_last->threads != m_first->threads || m_last->descriptors != m_first->descriptors)) {
+        trouble = Format("after a reset it had %lld threads and %lld descriptors, at the end %lld and %lld",
+                         static_cast<long long>(m_first->threads), static_cast<long long>(m_first->descriptors),
+                         static_cast<long long>(m_last->threads), static_cast<long long>(m_last->descriptors));
+    } else if (m_series.Size() >= ReadingsToJudge && !m_series.Courses().front().IsFlat()) {
+        trouble = "the memory of the program grew";
+    }
+    return trouble.empty();
+}
+
+bool Soak::Step(std::string& trouble) {
     Measure();
     Poll();
     if (!m_system.StaysUp(trouble) || !JudgeResults(trouble) || !KeepGoing(trouble)) {
         return false;
     }
-    // A slow machine makes the plan longer, not denser.
     const double now = m_system.OnBoard().Seconds();
     if (m_next.second + m_delay > now) {
         return true;
@@ -82,11 +105,11 @@ bool Soak::Tick(std::string& trouble) {
 }
 
 void Soak::Measure() {
-    const double elapsed = std::chrono::duration<double>(Clock::now() - m_start).count();
-    if (elapsed < m_nextReading) {
+    const double now = m_system.OnBoard().Seconds();
+    if (now < m_nextReading) {
         return;
     }
-    m_nextReading = elapsed + FootprintSeconds;
+    m_nextReading = now + FootprintInterval;
     if (const std::optional<Footprint> footprint = m_system.Measure()) {
         m_series.Add(*footprint);
     }
@@ -169,7 +192,12 @@ bool Soak::TryReset(bool byStation) {
     if (!byStation || !m_system.AtStation().SendRequest(request)) {
         frontEnd.SendCode(FrontEnd::Reset);
     }
-    return frontEnd.WaitForConnection(generation + 1, ResetTimeout);
+    const double end = m_system.OnBoard().Seconds() + ResetTimeout;
+    std::string reason;
+    while (frontEnd.Connections() == generation && m_system.OnBoard().Seconds() < end && !m_system.HasEnded(reason)) {
+        m_system.LetPass(Tick);
+    }
+    return frontEnd.Connections() > generation;
 }
 
 bool Soak::KeepGoing(std::string& trouble) {
@@ -193,16 +221,14 @@ bool Soak::KeepGoing(std::string& trouble) {
 }
 
 bool Soak::IsExcused(const ResultLedger::Missing& result) const {
-    const double margin = 60.0 + m_system.OnBoard().Speed();
-    return m_cardFaults > 0 || result.seconds < m_cardFaultEnd + margin;
+    return m_cardFaults > 0 || result.seconds < m_cardFaultEnd + CardFaultMargin;
 }
 
 bool Soak::JudgeResults(std::string& trouble) {
     const double now = m_system.OnBoard().Seconds();
     while (!m_ledger.Pending().empty()) {
         const ResultLedger::Missing& oldest = m_ledger.Pending().front();
-        const double timeout = 60.0 + RecordTimeout * m_system.OnBoard().Speed();
-        if (now - oldest.seconds < timeout) {
+        if (now - oldest.seconds < RecordTimeout) {
             break;
         }
         if (oldest.seconds >= m_resetBegin && oldest.seconds <= m_resetEnd) {
@@ -229,7 +255,7 @@ bool Soak::SettleResults(std::string& trouble) {
         if (!JudgeResults(trouble)) {
             return false;
         }
-        SleepMilliseconds(TickMilliseconds);
+        m_system.LetPass(Tick);
         Poll();
     }
     return true;
@@ -253,19 +279,27 @@ bool Soak::SavedHours(std::string& trouble) {
     return true;
 }
 
+std::string Soak::DescribeFootprints() const {
+    const Course memory = m_series.Courses().front();
+    const Footprint first = m_first.value_or(Footprint{});
+    const Footprint last = m_last.value_or(first);
+    return Format("after a reset %lld threads and %lld descriptors, at the end %lld and %lld; memory %lld to %lld KiB",
+                  static_cast<long long>(first.threads), static_cast<long long>(first.descriptors),
+                  static_cast<long long>(last.threads), static_cast<long long>(last.descriptors),
+                  static_cast<long long>(memory.first), static_cast<long long>(memory.last));
+}
+
 std::string Soak::Describe() const {
     return Format(
-               "soak: %.2f simulated days in %.0f s, %llu results reported, %llu of them in the day files, %llu "
+               "soak: %.2f simulated days, %llu results reported, %llu of them in the day files, %llu "
                "without a card, %llu cut by a reset; %llu resets, %llu commands, %zu answers, %llu faults, %llu ends "
                "by a broken pipe, %.1f hours saved; ",
-               m_system.OnBoard().Seconds() / SecondsOfDay,
-               std::chrono::duration<double>(Clock::now() - m_start).count(),
-               static_cast<unsigned long long>(m_ledger.Reported()),
+               m_system.OnBoard().Seconds() / SecondsOfDay, static_cast<unsigned long long>(m_ledger.Reported()),
                static_cast<unsigned long long>(m_ledger.Recorded()), static_cast<unsigned long long>(m_excused),
                static_cast<unsigned long long>(m_cut), static_cast<unsigned long long>(m_resets),
                static_cast<unsigned long long>(m_commands), m_answers, static_cast<unsigned long long>(m_faults),
                static_cast<unsigned long long>(m_system.BrokenPipes()), m_hours) +
-           m_series.Describe();
+           DescribeFootprints();
 }
 
 }  // namespace Bench

@@ -1,8 +1,8 @@
-// The analyzer under the commands and faults of a plan, until so many cycles, resets or simulated days have passed. It
-// must not end or grow, must obey each reset, and must record every result that it sends to the front end.
+// The analyzer in exact time under the commands and faults of a plan, until so many cycles, resets or simulated days
+// have passed. It must not end or grow, must obey each reset, and must record every result that it sends to the front
+// end.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <optional>
@@ -34,10 +34,8 @@ public:
     std::string Describe() const;
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     bool IsDone() const;
-    bool Tick(std::string& trouble);
+    bool Step(std::string& trouble);
     bool Perform(const SoakEvent& event, std::string& trouble);
     bool Reset(bool byStation, std::string& trouble);
     bool TryReset(bool byStation);
@@ -45,6 +43,9 @@ private:
     bool JudgeResults(std::string& trouble);
     bool IsExcused(const ResultLedger::Missing& result) const;
     bool SettleResults(std::string& trouble);
+    bool AtRest(std::optional<Footprint>& footprint, std::string& trouble);
+    bool JudgeGrowth(std::string& trouble) const;
+    std::string DescribeFootprints() const;
     bool SavedHours(std::string& trouble);
     void Poll();
     void Measure();
@@ -56,8 +57,9 @@ private:
     double m_delay = 0.0;  // of the plan, in seconds
     ResultLedger m_ledger;
     FootprintSeries m_series;
+    std::optional<Footprint> m_first;  // after a reset, at rest: at the start and at the end
+    std::optional<Footprint> m_last;
     std::ofstream m_events;  // those so far, in the bench folder
-    Clock::time_point m_start = Clock::now();
     double m_nextReading = 0.0;
     std::size_t m_frames = 0;  // read
     std::uint64_t m_resets = 0;

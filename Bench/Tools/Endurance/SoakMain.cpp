@@ -14,7 +14,7 @@ constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
 struct SoakOptions {
     SoakGoals goals;
     FloodPlan flood{0.0, 1, 50.0};
-    double speed = 0.0;   // 0: the default of a flood or of the rest
+    double speed = 20.0;  // of a flood; the rest runs in exact time
     std::string bench;    // empty: build/soak
     std::string program;  // empty: the analyzer of this build
 
@@ -37,7 +37,7 @@ CommandLine SoakCommandLine(SoakOptions& options) {
     line.AddNumber<std::uint32_t>("--seed N", 0, 4294967295, options.flood.seed,
                                   "seed of all random buttons, commands, faults,\nbytes and moments (1)");
     line.AddNumber("--speed X", 0.1, 1000.0, options.speed,
-                   "simulated seconds per real second, 0.1 to 1000\n(20 for a flood, else 200)");
+                   "simulated seconds per real second of a flood, 0.1 to\n1000 (20); the rest is in exact time");
     line.AddText("--bench DIR", "a folder", options.bench, "folder of the run (build/soak)");
     line.AddProgram(options.program);
     line.AddCheck([&options] {
@@ -56,7 +56,10 @@ int Run(const SoakOptions& options) {
     places.program = options.program.empty() ? places.program : options.program;
     places.bench = options.bench.empty() ? places.bench : options.bench;
     BoardSetup setup;
-    setup.speed = options.speed > 0.0 ? options.speed : options.IsFlood() ? 20.0 : 200.0;
+    setup.speed = options.speed;
+    if (!options.IsFlood()) {
+        setup.exact.emplace().seed = options.flood.seed;
+    }
     setup.startSeconds = StartSeconds;
     setup.seed = options.flood.seed;
     SystemUnderTest system;

@@ -14,9 +14,7 @@ namespace Bench {
 
 using SettingList = std::vector<std::pair<std::string, std::string>>;  // value by name
 
-// Poll period of a long run in real time, period of its footprints, and how much of the analyzer's output is kept.
-inline constexpr int TickMilliseconds = 10;
-inline constexpr double FootprintSeconds = 1.0;
+// How much of the analyzer's output is kept.
 inline constexpr std::uintmax_t MaxOutputBytes = 64U << 20U;
 
 class SystemUnderTest : public BenchedAnalyzer {

@@ -47,6 +47,14 @@ TEST_F(SoakProgram, fails_if_the_analyzer_ends_by_itself) {
     EXPECT_THAT(run.text, EndsWith(": FAILED, the analyzer ended with status 1\n"));
 }
 
+TEST_F(SoakProgram, is_the_same_run_with_the_same_seed) {
+    const ProgramRun first = Run("--cycles 4 --resets 1 --seed 11");
+    EXPECT_EQ(first.status, 0) << first.text;
+    EXPECT_THAT(first.text, HasSubstr(" days, 4 results reported"));
+    EXPECT_EQ(Run("--cycles 4 --resets 1 --seed 11").text, first.text);
+    EXPECT_NE(Run("--cycles 4 --resets 1 --seed 12").text, first.text);
+}
+
 TEST_F(SoakProgram, floods_both_links_of_the_shipped_analyzer) {
     const ProgramRun run = Run("--flood 2 --speed 100 --seed 5");
     EXPECT_EQ(run.status, 0) << run.text;
