@@ -28,8 +28,11 @@ pid_t getppid() noexcept { return InForkedChild() ? ProgramProcess : Next::getpp
 pid_t fork() noexcept { return Simulation::Runs() ? ForkPlayer() : Next::fork(); }
 
 int kill(pid_t process, int signal) noexcept {
-    return Simulation::Runs() && process >= FirstVirtualProcess ? KillPlayer(process, signal)
-                                                                : Next::kill(process, signal);
+    if (Simulation::Runs() && process >= FirstVirtualProcess) {
+        return KillPlayer(process, signal);
+    }
+    const bool own = Simulation::Runs() && process == ProgramProcess;
+    return Next::kill(own ? Next::getpid() : process, signal);
 }
 
 pid_t waitpid(pid_t process, int* status, int options) {
