@@ -284,7 +284,7 @@ void Fail(const char* reason) {
     std::_Exit(70);
 }
 
-void Begin(Stops stops) {
+void Begin(Stops stops, int patienceSeconds) {
     Next::FindAll();
     board = AttachedState();
     ExactState& exact = board->exact;
@@ -309,7 +309,7 @@ void Begin(Stops stops) {
     current->kernelId = static_cast<pid_t>(Next::syscall(SYS_gettid));
     holder.store(current->kernelId);
     SetTimeSource(&Source);
-    StartWatchdog(run->trace, board->exact.phase, holder);
+    StartWatchdog(run->trace, exact.phase, holder, patienceSeconds);
 }
 
 void End() {

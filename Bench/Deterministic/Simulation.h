@@ -17,7 +17,8 @@ constexpr std::int64_t ClockCost = 10000;  // of reading a clock, so that a busy
 // Starts with the calling thread alone, on the board that this process is attached to. Other threads that exist stay
 // outside. Ends the process with a sentence if the board's policy or trace file is no good.
 enum class Stops { Never, WhenAsked };  // for the bench, by Board::RunUntil
-void Begin(Stops stops = Stops::Never);
+constexpr int Patience = 30;            // seconds of real time that a thread may keep the token without a call
+void Begin(Stops stops = Stops::Never, int patienceSeconds = Patience);
 // From now on all calls pass through. The calling thread is the last one.
 void End();
 

@@ -5,6 +5,7 @@
 #include <sys/syscall.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -15,12 +16,11 @@ namespace Bench {
 
 namespace {
 
-constexpr int PatienceSeconds = 30;
-
 struct Watched {
     const EventTrace* trace;
     const std::atomic<std::uint32_t>* phase;
     const std::atomic<pid_t>* holder;
+    int patience;  // seconds
 };
 
 Watched watched{};
@@ -30,13 +30,22 @@ std::atomic<std::uint32_t> over{0};  // futex word
 
 int HangSignal() { return SIGRTMAX - 1; }
 
+// May be called in a signal handler.
+void Say(const char* rest) {
+    char text[128];
+    const int length =
+        std::snprintf(text, sizeof(text), "\nexact time: a thread has kept the token for %d s without a call. %s\n",
+                      watched.patience, rest);
+    if (Real::write(2, text, static_cast<std::size_t>(length)) < 0) {
+        std::_Exit(71);
+    }
+}
+
 // In the thread that has the token.
 void ShowStack(int) {
-    static constexpr char Text[] =
-        "\nexact time: a thread has kept the token for 30 seconds without a call. Its stack:\n";
-    const ssize_t written = Real::write(2, Text, sizeof(Text) - 1);
+    Say("Its stack:");
     void* frames[64];
-    backtrace_symbols_fd(frames, written < 0 ? 0 : backtrace(frames, 64), 2);
+    backtrace_symbols_fd(frames, backtrace(frames, 64), 2);
     std::_Exit(71);
 }
 
@@ -54,8 +63,11 @@ void* Watch(void*) {
         const bool running = watched.phase->load() == static_cast<std::uint32_t>(ExactPhase::Running);
         seconds = running && beat == last ? seconds + 1 : 0;
         last = beat;
-        if (seconds == PatienceSeconds) {
+        if (seconds == watched.patience) {
             Next::syscall(SYS_tgkill, Next::syscall(SYS_getpid), watched.holder->load(), HangSignal());
+        } else if (seconds > watched.patience) {
+            Say("It has no stack to show: it takes no signal, or has ended without handing on the token.");
+            std::_Exit(71);
         }
     }
     return nullptr;
@@ -63,8 +75,9 @@ void* Watch(void*) {
 
 }  // namespace
 
-void StartWatchdog(const EventTrace& trace, const std::atomic<std::uint32_t>& phase, const std::atomic<pid_t>& holder) {
-    watched = {&trace, &phase, &holder};
+void StartWatchdog(const EventTrace& trace, const std::atomic<std::uint32_t>& phase, const std::atomic<pid_t>& holder,
+                   int patienceSeconds) {
+    watched = {&trace, &phase, &holder, patienceSeconds};
     over.store(0);
     void* frame[1];
     backtrace(frame, 1);  // loads what it needs now, not in the signal

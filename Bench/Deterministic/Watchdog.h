@@ -11,8 +11,9 @@
 
 namespace Bench {
 
-// A thread outside the simulation looks once a second of real time, but not during a pause. 30 seconds are a hang.
-void StartWatchdog(const EventTrace& trace, const std::atomic<std::uint32_t>& phase, const std::atomic<pid_t>& holder);
+// A thread outside the simulation looks once a second of real time, but not during a pause.
+void StartWatchdog(const EventTrace& trace, const std::atomic<std::uint32_t>& phase, const std::atomic<pid_t>& holder,
+                   int patienceSeconds);
 void StopWatchdog();
 
 }  // namespace Bench
