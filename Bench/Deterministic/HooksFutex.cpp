@@ -1,4 +1,4 @@
-// The futexes of the C++ library: threads that meet in the initialization of a local static.
+// The futexes of the C++ library: local statics, futures, waits for an atomic.
 #include <linux/futex.h>
 #include <sys/syscall.h>
 

@@ -6,9 +6,6 @@
 
 namespace Bench {
 
-namespace {
-
-// As FindNext of the board, but after this library.
 void* FindAfter(const char* name) {
     void* address = dlsym(RTLD_NEXT, name);
     if (address == nullptr) {
@@ -16,8 +13,6 @@ void* FindAfter(const char* name) {
     }
     return address;
 }
-
-}  // namespace
 
 namespace Next {
 // NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is defined takes none

@@ -9,6 +9,9 @@
 
 namespace Bench {
 
+// As FindNext of the board, but after this library.
+void* FindAfter(const char* name);
+
 // clang-format off
 #define BENCH_NEXT_FUNCTIONS(ROW)                                                                                   \
     ROW(pthread_create) ROW(pthread_join) ROW(pthread_detach)                                                       \
