@@ -5,6 +5,7 @@
 #include <semaphore.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <thread>
@@ -40,7 +41,7 @@ protected:
         std::thread holder;
         pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
         if (kind == Kind::Mutex) {
-            bool held = false;
+            std::atomic<bool> held{false};
             holder = std::thread([&] {
                 pthread_mutex_lock(&mutex);
                 held = true;
@@ -141,20 +142,20 @@ TEST_F(ClockInExactTime, ends_a_busy_wait) {
 }
 
 TEST_F(ClockInExactTime, is_common_to_threads_that_sleep_at_the_same_time) {
-    std::vector<double> ends;
+    constexpr double Seconds[] = {30.0, 10.0, 20.0};
+    double ends[3] = {};
     std::vector<std::thread> threads;
-    for (const double seconds : {30.0, 10.0, 20.0}) {
-        threads.emplace_back([this, seconds, &ends] {
+    for (const std::size_t i : {0U, 1U, 2U}) {
+        threads.emplace_back([this, &ends, seconds = Seconds[i], i] {
             Rest(seconds);
-            ends.push_back(Board().Seconds());
+            ends[i] = Board().Seconds();
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    ASSERT_EQ(ends.size(), 3U);
     for (const std::size_t i : {0U, 1U, 2U}) {
-        EXPECT_NEAR(ends[i], 10.0 * static_cast<double>(i + 1), Accuracy);
+        EXPECT_NEAR(ends[i], Seconds[i], Accuracy);
     }
 }
 

@@ -1,6 +1,7 @@
 // Condition variables of a program in exact time.
 #include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <condition_variable>
 #include <mutex>
@@ -48,7 +49,7 @@ protected:
     pthread_cond_t condition = PTHREAD_COND_INITIALIZER;
     pthread_cond_t steady{};
     int waiting = 0;
-    int woken = 0;
+    std::atomic<int> woken{0};
 
 private:
     std::vector<std::thread> m_waiters;

@@ -1,6 +1,7 @@
 // Mutexes of a program in exact time.
 #include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <mutex>
 #include <thread>
@@ -32,7 +33,7 @@ class MutexInExactTime : public ExactTest {
 protected:
     // A thread that has the mutex from now on for so many seconds.
     std::thread Holder(Mutex& mutex, double seconds) {
-        bool held = false;
+        std::atomic<bool> held{false};
         std::thread holder([&mutex, &held, seconds] {
             EXPECT_EQ(pthread_mutex_lock(mutex), 0);
             held = true;

@@ -1,6 +1,7 @@
 // Whole runs in exact time: what the seed decides, and pauses.
 #include <semaphore.h>
 
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -129,7 +130,7 @@ TEST(RunInExactTime, ends_a_wait_for_another_thread_by_yields_under_each_policy)
     for (const char* policy : Policies) {
         const TemporaryBoard board(ExactBoard(5, policy));
         const ExactTime time;
-        bool done = false;
+        std::atomic<bool> done{false};
         std::thread other([&done] { done = true; });
         int yields = 0;
         for (; !done && yields < 100000; ++yields) {

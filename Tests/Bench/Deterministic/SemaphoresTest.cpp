@@ -1,6 +1,7 @@
 // Semaphores of a program in exact time.
 #include <semaphore.h>
 
+#include <atomic>
 #include <cerrno>
 #include <thread>
 
@@ -40,7 +41,7 @@ TEST_F(SemaphoreInExactTime, is_waited_for_until_it_is_posted) {
 }
 
 TEST_F(SemaphoreInExactTime, lets_through_as_many_threads_as_it_is_posted_times) {
-    int through = 0;
+    std::atomic<int> through{0};
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([this, &through] {

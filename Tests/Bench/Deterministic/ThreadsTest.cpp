@@ -88,7 +88,7 @@ TEST_F(ThreadInExactTime, ends_by_pthread_exit_from_any_depth) {
 }
 
 TEST_F(ThreadInExactTime, that_is_detached_goes_on_to_its_end) {
-    int ended = 0;
+    std::atomic<int> ended{0};
     auto action = [&ended]() -> void* {
         Rest(10.0);
         ++ended;
@@ -117,7 +117,7 @@ TEST_F(ThreadInExactTime, gives_its_place_back) {
 }
 
 TEST_F(ThreadInExactTime, that_yields_lets_others_run) {
-    bool done = false;
+    std::atomic<bool> done{false};
     std::thread other([&done] { done = true; });
     int yields = 0;
     for (; !done && yields < 10000; ++yields) {
@@ -179,7 +179,7 @@ TEST_F(ThreadInExactTime, keeps_its_error_number_in_calls_that_succeed) {
     sem_t semaphore{};
     sem_init(&semaphore, 0, 0);
     timespec now{};
-    bool over = false;
+    std::atomic<bool> over{false};
     const std::vector<std::pair<const char*, std::function<void()>>> calls = {
         {"pthread_mutex_lock", [&] { pthread_mutex_lock(&mutex); }},
         {"pthread_cond_timedwait",
