@@ -47,6 +47,13 @@ TEST(StrTokenizer, an_empty_delimiter_appends_the_whole_text) {
     EXPECT_EQ(Tokens(tokenizer), (Expected{"a", "b", "c,d"}));
 }
 
+TEST(StrTokenizer, another_text_replaces_the_tokens) {
+    StrTokenizer tokenizer;
+    tokenizer.Tokenize("a,b", ",");
+    tokenizer.Tokenize("c;d;e", ";");
+    EXPECT_EQ(Tokens(tokenizer), (Expected{"c", "d", "e"}));
+}
+
 TEST(StrTokenizer, readers_convert_and_give_nothing_out_of_range) {
     StrTokenizer tokenizer;
     tokenizer.Tokenize("12,0x1F", ",");

@@ -85,6 +85,13 @@ TEST(TimeInfo, adds_milliseconds_without_carrying_into_seconds) {
     EXPECT_EQ(time.GetNanoSeconds(), 1400000000);
 }
 
+TEST(TimeInfo, adds_the_most_milliseconds_exactly) {
+    TimeInfo time = At(0, 0);
+    time.AddMilliSeconds(4294967295U);
+    EXPECT_EQ(time.GetSeconds(), 4294967);
+    EXPECT_EQ(time.GetNanoSeconds(), 295000000);
+}
+
 TEST(TimeInfo, orders_by_seconds_then_nanoseconds) {
     EXPECT_TRUE(At(1, 9) < At(2, 0));
     EXPECT_TRUE(At(2, 1) > At(2, 0));
