@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include <atomic>
 #include <cerrno>
 #include <string>
 
@@ -22,6 +23,21 @@ public:
     void Kill() override {}
 
     pthread_t idSeenInside = 0;
+};
+
+class WaitingThread : public ThreadBase {
+public:
+    std::int32_t Run() override {
+        while (!mayEnd) {
+            sched_yield();
+        }
+        hasEnded = true;
+        return 0;
+    }
+    void Kill() override {}
+
+    std::atomic<bool> mayEnd{false};
+    std::atomic<bool> hasEnded{false};
 };
 
 std::string lastReport;
@@ -66,4 +82,15 @@ TEST(ThreadBase, reports_a_thread_that_the_system_refuses) {
     EXPECT_EQ(lastOrigin, 2);
     EXPECT_EQ(thread.GetThreadId(), pthread_t{0});
     thread.ReleaseThread();
+}
+
+TEST(ThreadBase, a_released_thread_is_joined_by_none) {
+    static WaitingThread thread;  // until after its last instruction
+    ASSERT_TRUE(thread.CreateThread());
+    thread.ReleaseThread();
+    EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), EINVAL);
+    thread.mayEnd = true;
+    while (!thread.hasEnded) {
+        sched_yield();
+    }
 }
