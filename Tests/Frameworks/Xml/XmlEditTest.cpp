@@ -326,6 +326,25 @@ TEST_F(XmlEdit, an_end_tag_longer_than_its_field_is_kept) {
     EXPECT_EQ(Text(), "<r><" + name + ">\n<x/>\n</" + name + "><c/></r>");
 }
 
+TEST_F(XmlEdit, tags_that_just_fill_their_fields_are_kept) {
+    for (const std::size_t length : {1022U, 1023U, 1024U}) {
+        const std::string name(length - 3, 'n');
+        Inside(("<r><" + name + "></" + name + "><c/></r>").c_str());
+        ASSERT_TRUE(m_document.FindElement(name.c_str()));
+        ASSERT_TRUE(m_document.AddElement("x", nullptr, XmlDocument::ChildFlag));
+        EXPECT_EQ(Text(), "<r><" + name + ">\n<x/>\n</" + name + "><c/></r>");
+    }
+    for (const std::size_t length : {4'194'302U, 4'194'303U, 4'194'304U}) {
+        const std::string value(length - 9, 'v');
+        Inside(("<r><a n=\"" + value + "\"/><c/></r>").c_str());
+        ASSERT_TRUE(m_document.FindElement("a"));
+        ASSERT_TRUE(m_document.SetAttribute("n", "1"));
+        EXPECT_EQ(Text(), "<r><a n=\"1\"/><c/></r>");
+        ASSERT_TRUE(m_document.SetAttribute("n", value.c_str()));
+        EXPECT_TRUE(Text() == "<r><a n=\"" + value + "\"/><c/></r>");
+    }
+}
+
 TEST_F(XmlEdit, an_empty_parent_with_a_long_name_is_opened) {
     const std::string name(2000, 'n');
     Inside(("<" + name + "/>").c_str());

@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#include "Frameworks/Utilities/CRC32.h"
 #include "Frameworks/Xml/XmlEncoding.h"
 #include "Frameworks/Xml/XmlEncodingNames.h"
 #include "Frameworks/Xml/XmlEncodingTable.h"
@@ -48,6 +49,15 @@ TEST(XmlEncoding, the_table_finds_each_of_its_365_names) {
     EXPECT_EQ(count, 365U);
 }
 
+// The sum of the rows after they were compared with the registry.
+TEST(XmlEncoding, the_table_has_the_registered_code_pages) {
+    std::string rows;
+    for (const XmlTableRow& row : XmlEncodingRows) {
+        rows.append(row.name).append(" ").append(std::to_string(row.number)).append("\n");
+    }
+    EXPECT_EQ(CRC32().Compute({rows.begin(), rows.end()}), 0x5EFE80ACU);
+}
+
 TEST(XmlEncoding, a_surrogate_pair_is_one_character) {
     std::size_t lost = 9;
     EXPECT_EQ(ToUtf8(u"a\u00E4\u20AC\U0001F600z", lost), "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z");
@@ -69,6 +79,22 @@ TEST(XmlEncoding, a_high_surrogate_takes_the_next_unit_with_it) {
               "\xF0\x9F\x91\x81"
               "b");
     EXPECT_EQ(lost, 0U);
+}
+
+TEST(XmlEncoding, only_a_unit_from_d800_to_dbff_begins_a_pair) {
+    const char16_t pairs[] = {0xD800, 0xDC00, 0xDBFF, 0xDFFF};
+    const char16_t others[] = {0xD7FF, u'a', 0xDC00, u'b'};
+    std::size_t lost = 0;
+    EXPECT_EQ(ToUtf8({pairs, 4}, lost), "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+    EXPECT_EQ(lost, 0U);
+    EXPECT_EQ(ToUtf8({others, 4}, lost), std::string("\xED\x9F\xBF") + "a\xED\xB0\x80" + "b");
+    EXPECT_EQ(lost, 0U);
+}
+
+TEST(XmlEncoding, half_a_unit_at_the_end_is_left_out) {
+    std::string text;
+    EXPECT_EQ(Utf16ToUtf8(Native(u"ab") + "x", text), 0U);
+    EXPECT_EQ(text, "ab");
 }
 
 TEST(XmlEncoding, utf_8_becomes_utf_16_with_pairs) {

@@ -103,17 +103,20 @@ TEST(XmlParse, the_flags_say_where_the_document_is_ill_formed) {
     XmlDocument document;
     document.SetDocumentText("<r><s><a><b></a></s></r>");
     const XmlIndex& index = document.GetIndex();
+    constexpr std::uint32_t HasNoEndTag = 1U << 20;
+    constexpr std::uint32_t IsIllFormedInside = 1U << 21;
+    constexpr std::uint32_t IsIllFormed = 1U << 23;
     const auto flagsAt = [&](std::uint32_t start) {
         std::uint32_t at = 0;
         do {
             at = NextInIndex(index, at);
         } while (index.At(at).start != start);
-        return index.At(at).flags & (XmlIndex::NoEndTagFlag | XmlIndex::IllFormedInsideFlag | XmlIndex::IllFormedFlag);
+        return index.At(at).flags & (HasNoEndTag | IsIllFormedInside | IsIllFormed);
     };
-    EXPECT_EQ(flagsAt(9), XmlIndex::NoEndTagFlag);
-    EXPECT_EQ(flagsAt(6), XmlIndex::IllFormedFlag);
-    EXPECT_EQ(flagsAt(3), XmlIndex::IllFormedInsideFlag);
-    EXPECT_EQ(flagsAt(0), XmlIndex::IllFormedInsideFlag);
+    EXPECT_EQ(flagsAt(9), HasNoEndTag);
+    EXPECT_EQ(flagsAt(6), IsIllFormed);
+    EXPECT_EQ(flagsAt(3), IsIllFormedInside);
+    EXPECT_EQ(flagsAt(0), IsIllFormedInside);
     EXPECT_NE(index.At(0).flags & XmlIndex::IllFormedFlag, 0U);
 }
 
