@@ -235,6 +235,14 @@ TEST(StepDefinition, loads_fewer_than_nineteen_steps_without_complaint) {
     EXPECT_THAT(lines.Texts(), testing::IsEmpty());
 }
 
+TEST(StepDefinition, loads_no_item_without_a_name) {
+    InfoContainer steps;
+    ASSERT_TRUE(steps.AddItemContainer(StepItems({{"Step", "Light"}}), ""));
+    StepDefinition table;
+    EXPECT_FALSE(table.Load(steps));
+    EXPECT_EQ(table.GetSize(), 0U);
+}
+
 TEST(StepDefinition, asking_for_a_step_that_is_not_configured_gives_null_and_makes_an_entry) {
     InfoContainer steps;
     Add(steps, "Light");

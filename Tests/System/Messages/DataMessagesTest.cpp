@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 #include "System/Messages/AckTimerExpiredMessage.h"
 #include "System/Messages/AdcStatusMessage.h"
@@ -107,6 +108,22 @@ TEST(DataMessages, have_a_clear_payload_when_they_are_made) {
     EXPECT_EQ(UserInterfaceDataMessage().GetText(), "");
 }
 
+TEST(DataMessages, have_payloads_with_fixed_numbers) {
+    EXPECT_EQ((std::vector<int>{BOARD_VOLTAGES_TEST, AUDIO_AMPLIFIER_TEST, REAGENT_MOTOR_TEST, STIR_MOTOR_TEST,
+                                ALL_HARDWARE_TESTS}),
+              (std::vector<int>{1, 2, 3, 4, 5}));
+    EXPECT_EQ((std::vector<int>{WHOLE_INDICATOR_TEST, BLUE_ANALYZER_LED_TEST, AMBER_ANALYZER_LED_TEST,
+                                RED_ANALYZER_LED_TEST, BLUE_WATER_LED_TEST, AMBER_WATER_LED_TEST, RED_WATER_LED_TEST}),
+              (std::vector<int>{0, 1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ((std::vector<int>{STOP_AUDIO, PLAY_AUDIO, RESTART_AUDIO}), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ((std::vector<int>{OFF_STATUS, NORMAL_STATUS, ALERT_STATUS, ALARM_STATUS}),
+              (std::vector<int>{0, 1, 2, 3}));
+    EXPECT_EQ((std::vector<int>{BOTH_STATUSES, ANALYZER_STATUS, WATER_STATUS}), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ((std::vector<int>{ENABLE_PWM_FUNCTION, FREQUENCY_PWM_FUNCTION, DUTY_CYCLE_PWM_FUNCTION}),
+              (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ((std::vector<int>{ENTERED_IDLE, ENTERED_RUNNING}), (std::vector<int>{-1, -2}));
+}
+
 TEST(MeasurementMessage, is_made_with_results_that_were_never_filled) {
     EXPECT_EQ(MeasurementMessage().GetMeasurementResults().GetChlorine(), 99999.9);
 }
@@ -122,6 +139,15 @@ TEST(MeasurementMessage, clones_its_results) {
     EXPECT_EQ(clone->GetMeasurementResults().GetChlorine(), 0.75);
     EXPECT_EQ(clone->GetMeasurementResults().GetMeasurementIndex(), 7U);
     EXPECT_EQ(clone->GetMeasurementResults().GetTime(), TimeAt(1356955199, 5));
+}
+
+TEST(StepParameters, that_were_never_filled_do_nothing) {
+    const StepParameters step;
+    EXPECT_EQ(step.stepType, NO_STEP);
+    EXPECT_EQ(step.duration, 0U);
+    EXPECT_FALSE(step.ledOn || step.stirringOn || step.adcMonitorOn || step.findStartPosition || step.sampleValveOn);
+    EXPECT_EQ(step.motorAngle, 0.0F);
+    EXPECT_EQ(step.motorSpeed, 0U);
 }
 
 TEST(MeasurementStepDataMessage, stays_without_results_in_a_clone) {
