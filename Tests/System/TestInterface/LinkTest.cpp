@@ -91,6 +91,7 @@ TEST_F(TestLink, that_was_closed_is_made_again) {
     EXPECT_TRUE(Answers(again));
     EXPECT_EQ(SettledCountOf(Disconnected), 1);
     EXPECT_EQ(SettledCountOf(Exiting), 1);
+    EXPECT_EQ(SettledCountOf("TestInterface::ProcessCommandMessage  Unable to transistion into \"TEST_STATE\""), 0);
 }
 
 TEST_F(TestLink, that_broke_is_made_again) {
