@@ -85,7 +85,7 @@ void EventTrace::AddLine(Event event, std::int64_t now, std::int64_t thread, std
     m_used += static_cast<std::size_t>(length);
 }
 
-void EventTrace::Flush() {
+bool EventTrace::Flush() {
     for (std::size_t written = 0; written < m_used;) {
         const ssize_t moved = Real::write(m_file, m_text + written, m_used - written);
         if (moved <= 0) {
@@ -95,6 +95,7 @@ void EventTrace::Flush() {
         written += static_cast<std::size_t>(moved);
     }
     m_used = 0;
+    return !m_lost;
 }
 
 }  // namespace Bench

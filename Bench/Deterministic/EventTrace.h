@@ -42,6 +42,8 @@ public:
 
     // The events number `from` up to and including `to` go to the file, a line each. False if it can't be made.
     bool Open(const char* path, std::uint64_t from, std::uint64_t to);
+    // Writes what there is to the file. False if that could not take all events so far.
+    bool Flush();
     // Writes what is left. False if the file could not take all of its events.
     bool Close();
 
@@ -57,7 +59,6 @@ public:
 
 private:
     void AddLine(Event event, std::int64_t now, std::int64_t thread, std::int64_t result);
-    void Flush();
 
     std::uint64_t m_hash = 14695981039346656037U;
     std::uint64_t m_count = 0;

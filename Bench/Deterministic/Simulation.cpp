@@ -145,6 +145,9 @@ void Pause(bool quiet) {
     std::uint32_t seen[std::size(words)];
     std::transform(std::begin(words), std::end(words), std::begin(seen), [](const auto* word) { return word->load(); });
     Report(quiet);
+    if (!run->trace.Flush()) {
+        Fail("the trace file could not take all events");
+    }
     SetPhase(ExactPhase::Paused);
     while (board->exact.phase.load() != static_cast<std::uint32_t>(ExactPhase::Running)) {
         Futex(board->exact.phase, FUTEX_WAIT, static_cast<std::uint32_t>(ExactPhase::Paused));

@@ -66,51 +66,51 @@ std::optional<Footprint> ReadFootprint(pid_t process) {
     return footprint;
 }
 
-std::vector<Course> FootprintSeries::Courses() const {
+std::vector<Growth> FootprintSeries::Growths() const {
     constexpr double Tenth = 0.1;
     return {
-        CourseOf("memory", &Footprint::memory, Tenth, 2048),
-        CourseOf("descriptors", &Footprint::descriptors, 0.0, 1),
-        CourseOf("threads", &Footprint::threads, 0.0, 1),
-        CourseOf("zombies", &Footprint::zombies, 0.0, 1),
+        GrowthOf("memory", &Footprint::memory, Tenth, 2048),
+        GrowthOf("descriptors", &Footprint::descriptors, 0.0, 1),
+        GrowthOf("threads", &Footprint::threads, 0.0, 1),
+        GrowthOf("zombies", &Footprint::zombies, 0.0, 1),
     };
 }
 
-Course FootprintSeries::CourseOf(const char* name, std::int64_t Footprint::*field, double share,
+Growth FootprintSeries::GrowthOf(const char* name, std::int64_t Footprint::*field, double share,
                                  std::int64_t extra) const {
-    Course course;
-    course.name = name;
+    Growth growth;
+    growth.name = name;
     std::vector<std::int64_t> values;
     for (const Footprint& footprint : m_footprints) {
         values.push_back(footprint.*field);
-        course.max = std::max(course.max, values.back());
+        growth.max = std::max(growth.max, values.back());
     }
     const auto warm = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 5);
     const std::ptrdiff_t third = (values.end() - warm) / 3;
     if (third == 0) {
-        return course;
+        return growth;
     }
     const std::vector<std::int64_t> first(warm, warm + third);
     const std::vector<std::int64_t> last(values.end() - third, values.end());
-    course.first = MedianOf(first);
-    course.last = MedianOf(last);
-    course.minFirst = *std::min_element(first.begin(), first.end());
-    course.minLast = *std::min_element(last.begin(), last.end());
-    course.allowed = static_cast<std::int64_t>(static_cast<double>(course.first) * share) + extra;
-    return course;
+    growth.first = MedianOf(first);
+    growth.last = MedianOf(last);
+    growth.minFirst = *std::min_element(first.begin(), first.end());
+    growth.minLast = *std::min_element(last.begin(), last.end());
+    growth.allowed = static_cast<std::int64_t>(static_cast<double>(growth.first) * share) + extra;
+    return growth;
 }
 
 bool FootprintSeries::IsFlat() const {
-    const std::vector<Course> courses = Courses();
-    return std::all_of(courses.begin(), courses.end(), [](const Course& course) { return course.IsFlat(); });
+    const std::vector<Growth> growths = Growths();
+    return std::all_of(growths.begin(), growths.end(), [](const Growth& growth) { return growth.IsFlat(); });
 }
 
 std::string FootprintSeries::Describe() const {
     std::string text;
-    for (const Course& course : Courses()) {
-        text += (text.empty() ? "" : ", ") + course.name + " " + std::to_string(course.first) + " to " +
-                std::to_string(course.last) + (course.name == "memory" ? " KiB" : "") + " (peak " +
-                std::to_string(course.max) + ")" + (course.IsFlat() ? "" : " GREW");
+    for (const Growth& growth : Growths()) {
+        text += (text.empty() ? "" : ", ") + growth.name + " " + std::to_string(growth.first) + " to " +
+                std::to_string(growth.last) + (growth.name == "memory" ? " KiB" : "") + " (peak " +
+                std::to_string(growth.max) + ")" + (growth.IsFlat() ? "" : " GREW");
     }
     return text;
 }

@@ -21,7 +21,7 @@ struct Footprint {
 std::optional<Footprint> ReadFootprint(pid_t process);
 
 // One of the four figures over a run: medians and minimums of the first third after the warm-up and of the last third.
-struct Course {
+struct Growth {
     std::string name;
     std::int64_t first = 0;
     std::int64_t last = 0;
@@ -44,13 +44,13 @@ public:
 
     // In the order of the fields. The first fifth is warm-up. Memory may grow by a tenth and 2 MiB, which allocator
     // arenas need; the others by one, which may be in use during a reading.
-    std::vector<Course> Courses() const;
+    std::vector<Growth> Growths() const;
     bool IsFlat() const;
     // "memory 5120 to 5184 KiB (peak 9000), descriptors 30 to 30 (peak 33), ..."
     std::string Describe() const;
 
 private:
-    Course CourseOf(const char* name, std::int64_t Footprint::*field, double share, std::int64_t extra) const;
+    Growth GrowthOf(const char* name, std::int64_t Footprint::*field, double share, std::int64_t extra) const;
 
     std::vector<Footprint> m_footprints;
 };

@@ -48,6 +48,8 @@ void ResultLedger::ReadLine(const DayFileTail::Line& line) {
     const auto column = std::find(fields.begin(), fields.end(), "Seconds");
     if (column != fields.end()) {
         m_secondsColumn = static_cast<std::size_t>(column - fields.begin());
+        m_chlorineColumn =
+            static_cast<std::size_t>(std::find(fields.begin(), fields.end(), "Chlorine") - fields.begin());
         return;
     }
     if (m_secondsColumn == 0 || m_secondsColumn >= fields.size()) {
@@ -55,6 +57,7 @@ void ResultLedger::ReadLine(const DayFileTail::Line& line) {
         return;
     }
     const std::int64_t seconds = std::strtoll(fields[m_secondsColumn].c_str(), nullptr, 10);
+    m_chlorine = m_chlorineColumn < fields.size() ? std::strtod(fields[m_chlorineColumn].c_str(), nullptr) : -1.0;
     ++m_records[FrontEndDate(seconds)];
 }
 

@@ -32,6 +32,7 @@ public:
     std::uint64_t Reported() const { return m_reported; }
     std::uint64_t Recorded() const { return m_recorded; }  // of those reported
     const std::deque<Missing>& Pending() const { return m_pending; }
+    double LastChlorine() const { return m_chlorine; }  // of the last record, mg/l
     void DropOldest() { m_pending.pop_front(); }
     // Why a line of a day file is not a record; empty if all are.
     const std::string& Trouble() const { return m_trouble; }
@@ -43,6 +44,8 @@ private:
     std::deque<Missing> m_pending;
     std::map<std::string, int> m_records;  // not reported, or not yet
     std::size_t m_secondsColumn = 0;
+    std::size_t m_chlorineColumn = 0;
+    double m_chlorine = 0.0;
     std::uint64_t m_reported = 0;
     std::uint64_t m_recorded = 0;
     std::string m_trouble;

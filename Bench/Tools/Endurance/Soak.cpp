@@ -1,7 +1,9 @@
 #include "Bench/Tools/Endurance/Soak.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include "Bench/Common/Text.h"
 
@@ -17,30 +19,26 @@ constexpr double FootprintInterval = 60.0;
 constexpr double RecordTimeout = 60.0;  // until a record is on the card
 constexpr double ResetTimeout = 200.0;  // until a reset is done: a running step ends first
 constexpr double CardFaultMargin = 60.0;
-constexpr double RestAfterReset = 40.0;  // both links are connected, and the first priming is still to come
-constexpr int SoakResetRequests = 30;    // one together with another button is lost
+constexpr double TimeToMeasure = 1500.0;
+constexpr std::uint64_t CyclesToMeasure = 3;  // the reagent is back at the cell by then
+constexpr double MaxError = 0.001;            // mg/l
+constexpr double RestAfterReset = 40.0;       // both links are connected, and the first priming is still to come
+constexpr int SoakResetRequests = 30;         // one together with another button is lost
 
 // Simulated seconds without a result until the analyzer is set to running, is reset, and has failed.
 constexpr double RunAgain = 1500.0;
 constexpr double ResetAgain = 6000.0;
 constexpr double GiveUp = 60000.0;
 
-SoakPace PaceOf(const SoakGoals& goals) {
-    if (goals.days > 0.0) {
-        return {600.0, 43200.0, 1200.0};
-    }
-    return goals.cycles > 0 ? SoakPace{60.0, 7200.0, 400.0} : SoakPace{10.0, 40.0, 60.0};
-}
-
 bool IsCardFault(const std::string& fault) { return fault.starts_with("card-"); }
 
 }  // namespace
 
-Soak::Soak(SystemUnderTest& system, std::uint32_t seed, const SoakGoals& goals)
+Soak::Soak(SystemUnderTest& system, Draw draw, const SoakGoals& goals)
     : m_system(system),
       m_goals(goals),
-      m_plan(seed, PaceOf(goals)),
-      m_next(m_plan.Next()),
+      m_draw(std::move(draw)),
+      m_next(m_draw()),
       m_ledger(system.Card(), system.Settings().measurementFileName),
       m_events(system.Folder() + "/events") {}
 
@@ -76,12 +74,36 @@ bool Soak::AtRest(std::optional<Footprint>& footprint, std::string& trouble) {
     return m_system.StaysUp(trouble);
 }
 
+bool Soak::EndsWell(std::string& trouble) {
+    const std::uint64_t before = m_ledger.Recorded();
+    const double end = m_system.OnBoard().Seconds() + TimeToMeasure;
+    while (m_ledger.Recorded() < before + CyclesToMeasure) {
+        m_system.AtFrontEnd().SendCode(FrontEnd::Running);  // without effect if it is
+        m_system.LetPass(RestAfterReset);
+        Poll();
+        if (!m_system.StaysUp(trouble) || !JudgeResults(trouble)) {
+            return false;
+        }
+        if (m_system.OnBoard().Seconds() > end) {
+            trouble = Format("no %llu results in the %.0f s after all faults",
+                             static_cast<unsigned long long>(CyclesToMeasure), TimeToMeasure);
+            return false;
+        }
+    }
+    const double error = m_ledger.LastChlorine() - m_system.OnBoard().Settings().chlorine;
+    if (std::abs(error) > MaxError) {
+        trouble = Format("chlorine %.4f after all faults, in the water %.4f", m_ledger.LastChlorine(),
+                         m_system.OnBoard().Settings().chlorine);
+    }
+    return trouble.empty();
+}
+
 bool Soak::JudgeGrowth(std::string& trouble) const {
     if (m_first && m_last && (m_last->threads != m_first->threads || m_last->descriptors != m_first->descriptors)) {
         trouble = Format("after a reset it had %lld threads and %lld descriptors, at the end %lld and %lld",
                          static_cast<long long>(m_first->threads), static_cast<long long>(m_first->descriptors),
                          static_cast<long long>(m_last->threads), static_cast<long long>(m_last->descriptors));
-    } else if (m_series.Size() >= ReadingsToJudge && !m_series.Courses().front().IsFlat()) {
+    } else if (m_series.Size() >= ReadingsToJudge && !m_series.Growths().front().IsFlat()) {
         trouble = "the memory of the program grew";
     }
     return trouble.empty();
@@ -94,13 +116,13 @@ bool Soak::Step(std::string& trouble) {
         return false;
     }
     const double now = m_system.OnBoard().Seconds();
-    if (m_next.second + m_delay > now) {
+    if (!m_next || m_next->second + m_delay > now) {
         return true;
     }
-    m_delay = now - m_next.second;
-    const bool isWell = Perform(m_next, trouble);
-    m_delay += m_next.action == SoakAction::Reset ? m_system.OnBoard().Seconds() - now : 0.0;
-    m_next = m_plan.Next();
+    m_delay = now - m_next->second;
+    const bool isWell = Perform(*m_next, trouble);
+    m_delay += m_next->action == SoakAction::Reset ? m_system.OnBoard().Seconds() - now : 0.0;
+    m_next = m_draw();
     return isWell;
 }
 
@@ -280,7 +302,7 @@ bool Soak::SavedHours(std::string& trouble) {
 }
 
 std::string Soak::DescribeFootprints() const {
-    const Course memory = m_series.Courses().front();
+    const Growth memory = m_series.Growths().front();
     const Footprint first = m_first.value_or(Footprint{});
     const Footprint last = m_last.value_or(first);
     return Format("after a reset %lld threads and %lld descriptors, at the end %lld and %lld; memory %lld to %lld KiB",

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,12 +25,15 @@ struct SoakGoals {
 // One thread; once.
 class Soak {
 public:
-    // `system` has been started.
-    Soak(SystemUnderTest& system, std::uint32_t seed, const SoakGoals& goals);
+    // `system` has been started. `draw` gives the events in order; nothing: there are no more.
+    using Draw = std::function<std::optional<SoakEvent>()>;
+    Soak(SystemUnderTest& system, Draw draw, const SoakGoals& goals);
 
     // Runs until all goals are met, `stop` is not 0 or something is wrong: then returns false with the reason in
     // `trouble`.
     bool Run(const volatile int& stop, std::string& trouble);
+    // After a run in which all was well: set to running, the analyzer measures what is in the water, without noise.
+    bool EndsWell(std::string& trouble);
     // The line of figures.
     std::string Describe() const;
 
@@ -52,9 +56,9 @@ private:
 
     SystemUnderTest& m_system;
     const SoakGoals m_goals;
-    SoakPlan m_plan;
-    SoakEvent m_next;
-    double m_delay = 0.0;  // of the plan, in seconds
+    Draw m_draw;
+    std::optional<SoakEvent> m_next;
+    double m_delay = 0.0;  // of the events, in seconds
     ResultLedger m_ledger;
     FootprintSeries m_series;
     std::optional<Footprint> m_first;  // after a reset, at rest: at the start and at the end

@@ -50,6 +50,13 @@ CommandLine SoakCommandLine(SoakOptions& options) {
 // After a reset the analyzer enters the test state, in which the test link works. The log needs only severe errors.
 const SettingList Settings = {{"StartInTestMode", "true"}, {"LoggingLevel", "CRITICAL_LOG_LEVEL"}};
 
+SoakPace PaceOf(const SoakGoals& goals) {
+    if (goals.days > 0.0) {
+        return {600.0, 43200.0, 1200.0};
+    }
+    return goals.cycles > 0 ? SoakPace{60.0, 7200.0, 400.0} : SoakPace{10.0, 40.0, 60.0};
+}
+
 int Run(const SoakOptions& options) {
     const volatile std::sig_atomic_t& signal = CatchSignals();
     Places places = PlacesOfBuild("soak");
@@ -74,7 +81,12 @@ int Run(const SoakOptions& options) {
                     isWell ? "" : trouble.c_str());
         return isWell ? ExitSuccess : ExitFailure;
     };
-    return options.IsFlood() ? run(Flood(system, options.flood)) : run(Soak(system, options.flood.seed, options.goals));
+    if (options.IsFlood()) {
+        return run(Flood(system, options.flood));
+    }
+    SoakPlan plan(options.flood.seed, PaceOf(options.goals));
+    return run(Soak(
+        system, [&plan] { return plan.Next(); }, options.goals));
 }
 
 }  // namespace

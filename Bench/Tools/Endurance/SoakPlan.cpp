@@ -24,6 +24,14 @@ constexpr StationCommand StationCommands[] = {
 
 constexpr std::size_t FaultsAtOnce = 2;
 
+std::string DataOf(const TestRequest& request) {
+    std::string text = request.data ? " data " : "";
+    for (const char byte : request.data.value_or("")) {
+        text += Format("%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+    }
+    return text;
+}
+
 std::string NameOf(const std::string& fault) { return fault.substr(0, fault.find('=')); }
 
 }  // namespace
@@ -140,7 +148,8 @@ std::string SoakEvent::Describe() const {
             return Format("%.3f button %d", second, code);
         case SoakAction::Station:
             return Format("%.3f station %u count %u value %.0f", second, static_cast<unsigned>(request.command),
-                          static_cast<unsigned>(request.count), request.value);
+                          static_cast<unsigned>(request.count), request.value) +
+                   DataOf(request);
         case SoakAction::FaultOn:
             return Format("%.3f fault %s", second, fault.c_str());
         case SoakAction::FaultOff:
