@@ -10,6 +10,7 @@ namespace {
 using Names = std::set<std::string>;
 
 constexpr const char* Library = BINARY_FOLDER "/Bench/libboard.so";
+constexpr const char* ExactTimeLibrary = BINARY_FOLDER "/Bench/libdeterministic.so";
 constexpr const char* Product = BINARY_FOLDER "/vernicor";
 
 // One name a line; "#" begins a remark.
@@ -69,6 +70,18 @@ Names Uncovered(const Names& needed, const Names& covered, const Names& harmless
 Names Covered() { return ReadNames(SOURCE_FOLDER "/Bench/Board/Covered.txt"); }
 Names Harmless() { return ReadNames(SOURCE_FOLDER "/Bench/Board/Harmless.txt"); }
 
+Names CoveredInExactTime() { return ReadNames(SOURCE_FOLDER "/Bench/Deterministic/Covered.txt"); }
+// All that are needed of Bench/Deterministic/Waits.txt and are not in the other list.
+Names UnseenInExactTime(const Names& needed, const Names& covered) {
+    Names unseen;
+    for (const std::string& name : ReadNames(SOURCE_FOLDER "/Bench/Deterministic/Waits.txt")) {
+        if (needed.count(name) != 0 && covered.count(name) == 0) {
+            unseen.insert(name);
+        }
+    }
+    return unseen;
+}
+
 TEST(Symbols, the_list_of_covered_functions_is_what_the_library_offers) {
     EXPECT_EQ(Symbols("--defined-only", Library), Covered());
 }
@@ -87,6 +100,25 @@ TEST(Symbols, each_libc_function_of_the_product_is_covered_or_harmless) {
 
 TEST(Symbols, a_function_of_neither_list_is_found) {
     EXPECT_EQ(Uncovered({"open", "strlen", "open_by_handle_at"}, Covered(), Harmless()), Names{"open_by_handle_at"});
+}
+
+TEST(SymbolsInExactTime, are_those_that_the_library_offers) {
+    EXPECT_EQ(Symbols("--defined-only", ExactTimeLibrary), CoveredInExactTime());
+}
+
+TEST(SymbolsInExactTime, include_each_function_with_which_the_product_waits) {
+    const Names needed = Symbols("--undefined-only", Product);
+    EXPECT_EQ(needed.count("sem_wait"), 1U);
+    EXPECT_EQ(UnseenInExactTime(needed, CoveredInExactTime()), Names{});
+}
+
+TEST(SymbolsInExactTime, do_not_include_a_wait_that_the_product_does_not_need) {
+    EXPECT_EQ(UnseenInExactTime({"sem_wait", "strlen", "pthread_once"}, CoveredInExactTime()), Names{"pthread_once"});
+}
+
+// A wrong name in the list of waits would find nothing.
+TEST(SymbolsInExactTime, are_of_functions_that_the_board_knows) {
+    EXPECT_EQ(Uncovered(ReadNames(SOURCE_FOLDER "/Bench/Deterministic/Waits.txt"), Covered(), Harmless()), Names{});
 }
 
 }  // namespace

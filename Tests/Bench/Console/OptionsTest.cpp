@@ -82,6 +82,18 @@ TEST(Options, script_without_a_peer_is_refused) {
     EXPECT_EQ(Refusal({"--script", "a.txt"}), "--script: only with --frontend or --test-server");
 }
 
+TEST(Options, exact_time_has_no_speed_and_no_peers) {
+    EXPECT_TRUE(Read({"--exact", "--seed", "9"}).exact);
+    EXPECT_EQ(Refusal({"--exact", "--speed", "20"}), "--exact: not together with --speed");
+    for (const std::vector<std::string>& peer : std::vector<std::vector<std::string>>{
+             {"--frontend"}, {"--test-server"}, {"--frontend-port", "3111"}, {"--test-server-port", "3112"}}) {
+        std::vector<std::string> arguments = peer;
+        arguments.emplace_back("--exact");
+        EXPECT_EQ(Refusal(arguments), "--exact: not together with a front end or a test station, which need real time")
+            << peer[0];
+    }
+}
+
 TEST(Options, limits_are_included) {
     EXPECT_EQ(Read({"--cycles", "1"}).cycles, 1U);
     EXPECT_EQ(Read({"--cycles", "1000000"}).cycles, 1000000U);

@@ -88,6 +88,11 @@ TEST_F(RunProgram, wrong_value_ends_with_a_sentence) {
     ExpectRefused({"--cycles", "0"}, "--cycles: invalid value \"0\" (expected a whole number from 1 to 1000000)");
 }
 
+TEST_F(RunProgram, exact_time_with_a_speed_is_refused_before_the_folder_is_touched) {
+    ExpectRefused({"--exact", "--speed", "5", "--bench", Bench()}, "--exact: not together with --speed");
+    EXPECT_FALSE(std::filesystem::exists(Bench()));
+}
+
 TEST_F(RunProgram, unknown_fault_is_refused) {
     ExpectRefused({"--fault", "moonlight@3"}, "--fault moonlight@3: unknown fault \"moonlight\" (see --fault list)");
 }
