@@ -24,7 +24,7 @@ bool IsNewest(const BoardFile& socket, const Wire& wire) {
 
 void CopyOut(Wire& wire, const char* data, std::size_t size) {
     for (std::size_t done = 0; done < size;) {
-        const std::size_t place = wire.sent % WireLength;
+        const auto place = static_cast<std::size_t>(wire.sent % WireLength);
         const std::size_t piece = std::min(size - done, WireLength - place);
         std::memcpy(wire.outbound + place, data + done, piece);
         wire.sent += piece;
@@ -152,7 +152,8 @@ ssize_t SendToWire(const BoardFile& socket, const void* data, std::size_t size, 
         Wire* wire = FindWire(*state, PortOf(socket.node));
         if (wire != nullptr && socket.open->connection.load() != 0 &&
             !IsBroken(socket, *wire, MonotonicNow(state->clock))) {
-            const std::size_t piece = std::min<std::size_t>(size, WireLength - (wire->sent - wire->taken));
+            const auto unread = static_cast<std::size_t>(wire->sent - wire->taken);
+            const std::size_t piece = std::min(size, WireLength - unread);
             CopyOut(*wire, static_cast<const char*>(data), wire->ended ? 0 : piece);
             state->exact.pauseAsked = true;
             WireChanged(*wire);

@@ -6,6 +6,8 @@ namespace Bench {
 
 namespace {
 
+constexpr double Patience = 0.05;  // real seconds between two looks at the process
+
 class BoardWire final : public PeerWire {
 public:
     BoardWire(Board& board, int port) : m_board(board), m_port(port) { m_board.LayWire(port); }
@@ -70,22 +72,33 @@ bool BenchedAnalyzer::Start(std::string& error) {
     m_board->BeginProgram();
     const bool exact = m_board->IsExact();
     const std::string library = (exact ? m_places.exactTimeLibrary + ":" : "") + m_places.library;
-    return m_analyzer.Start({m_places.program, library, m_folder.Path(), Output(), exact}, error);
+    return m_analyzer.Start({m_places.program, library, m_folder.Path(), Output(), exact}, error) &&
+           (!exact || AwaitFirstPause());
+}
+
+// From here on the board's clock is read in pauses alone. A program that ends before is found by HasEnded.
+bool BenchedAnalyzer::AwaitFirstPause() {
+    std::string reason;
+    while (!m_board->RunUntil(m_board->Seconds(), Patience) && !HasEnded(reason)) {
+    }
+    return true;
 }
 
 void BenchedAnalyzer::LetPass(double seconds) {
-    constexpr double Patience = 0.05;  // real seconds between two looks at the process
     constexpr double Rounding = 1e-6;
     const double end = m_board->Seconds() + seconds;
     std::string reason;
     while (m_board->Seconds() + Rounding < end) {
-        const bool over = m_board->RunUntil(end, Patience) && m_board->Exact().over;
-        m_frontEnd->Poll();
-        m_station->Poll();
+        const bool paused = m_board->RunUntil(end, Patience);
         if (HasEnded(reason)) {
             return;
         }
-        if (over) {
+        if (!paused) {
+            continue;
+        }
+        m_frontEnd->Poll();
+        m_station->Poll();
+        if (m_board->Exact().over) {
             SleepMilliseconds(1);  // the process is about to end
         }
     }

@@ -57,6 +57,8 @@ public:
     std::string Log() const { return m_folder.Path() + "/log"; }
 
 private:
+    bool AwaitFirstPause();
+
     Places m_places;
     AnalyzerSettings m_settings;
     BenchFolder m_folder;

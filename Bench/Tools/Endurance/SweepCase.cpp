@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -18,19 +17,17 @@ namespace Bench {
 namespace {
 
 constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
-constexpr int PollMilliseconds = 5;
 
-// Timeouts in simulated seconds, many times what each takes; none expires before as many real seconds.
+// Timeouts in simulated seconds, many times what each takes.
 constexpr double StartTimeout = 200.0;
 constexpr double ResultTimeout = 900.0;
 constexpr double SweepResetTimeout = 200.0;
-constexpr double RealTimeout = 30.0;
-constexpr double RealResultTimeout = 10.0;  // no outcome depends on a result
+constexpr double Interval = 1.0;  // between two looks
 constexpr int SweepResetRequests = 3;
 
 // After a lost part of an answer the station does not find the next one: it closes the link, and the analyzer connects
 // again.
-constexpr double AnswerTimeout = 0.2;  // real seconds
+constexpr double AnswerTimeout = 2.0;
 constexpr int RequestsPerConnection = 12;
 
 // An existing day file, with a record of an hour before.
@@ -93,19 +90,16 @@ std::optional<std::string> ShortDuration(const SettingsItem& item) {
     return item.name == "Duration" ? std::optional(std::to_string(milliseconds)) : std::nullopt;
 }
 
-// Waits for the condition, the end of the program or both timeouts.
+// Waits for the condition, the end of the program or the timeout.
 template <typename Condition>
-bool WaitFor(SystemUnderTest& system, double seconds, Condition condition, double realTimeout = RealTimeout) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point begin = Clock::now();
+bool WaitFor(SystemUnderTest& system, double seconds, Condition condition) {
     const double last = system.OnBoard().Seconds() + seconds;
     std::string end;
     while (!condition()) {
-        const double real = std::chrono::duration<double>(Clock::now() - begin).count();
-        if ((system.OnBoard().Seconds() > last && real > realTimeout) || system.HasEnded(end)) {
+        if (system.OnBoard().Seconds() > last || system.HasEnded(end)) {
             return condition();
         }
-        SleepMilliseconds(PollMilliseconds);
+        system.LetPass(Interval);
     }
     return true;
 }
@@ -129,6 +123,18 @@ TestRequest RequestOf(std::uint16_t command) {
     return request;
 }
 
+// The station's next answer. Earlier ones that arrived late are dropped.
+std::optional<TestAnswer> Ask(SystemUnderTest& system, std::uint16_t command) {
+    TestServer& station = system.AtStation();
+    while (station.TakeAnswer(0.0)) {
+    }
+    if (!station.SendRequest(RequestOf(command))) {
+        return std::nullopt;
+    }
+    WaitFor(system, AnswerTimeout, [&] { return station.Waiting() > 0; });
+    return station.TakeAnswer(0.0);
+}
+
 }  // namespace
 
 const char* NameOf(SweepOutcome outcome) {
@@ -144,7 +150,7 @@ bool IsAllowed(SweepOutcome outcome) { return outcome < SweepOutcome::Crashed; }
 
 bool SweepCase::Prepare(SystemUnderTest& system, std::string& trouble) const {
     BoardSetup setup;
-    setup.speed = m_speed;
+    setup.exact.emplace();
     setup.startSeconds = StartSeconds;
     setup.noise = false;
     // Any value raises an alert, so there is a sound.
@@ -171,13 +177,12 @@ bool SweepCase::RunBaseline(SweepBaseline& baseline, std::string& trouble) {
         trouble = "the run without a failure fails: " + course.end;
         return false;
     }
-    // By then the threads that end after a start have ended.
-    const double settled = system.OnBoard().Seconds() + 100.0;
-    WaitFor(system, 101.0, [&] { return system.OnBoard().Seconds() > settled; });
-    baseline.footprint = system.Measure().value_or(Footprint{});
     for (const std::string& kind : Board::CallKinds()) {
         baseline.calls[kind] = system.OnBoard().CallCount(kind);
     }
+    // By then the threads that end after a start have ended.
+    system.LetPass(100.0);
+    baseline.footprint = system.Measure().value_or(Footprint{});
     const std::set<std::string> lines = Lines(system);
     baseline.lines.insert(lines.begin(), lines.end());
     return true;
@@ -221,14 +226,14 @@ SweepCase::Course SweepCase::Live(SystemUnderTest& system) const {
         // The automatic start takes 65 seconds, in which the top controller reads no command.
         for (int request = 0; request < SweepResetRequests && !course.hasResult; ++request) {
             system.AtFrontEnd().SendCode(FrontEnd::Running);
-            course.hasResult = WaitFor(system, ResultTimeout / SweepResetRequests, hasValue, RealResultTimeout);
+            course.hasResult = WaitFor(system, ResultTimeout / SweepResetRequests, hasValue);
         }
     }
     const auto hasRecord = [&] {
         std::error_code problem;
         return std::filesystem::file_size(system.Card() + DayFile, problem) > written && !problem;
     };
-    course.hasRecord = WaitFor(system, course.hasResult ? 60.0 : 1.0, hasRecord, RealResultTimeout);
+    course.hasRecord = WaitFor(system, course.hasResult ? 60.0 : 1.0, hasRecord);
     course.records = WholeLines(ReadWholeFile(system.Card() + DayFile).value_or(""));
     course.hasEnded = system.HasEnded(course.end);
     return course;
@@ -240,7 +245,7 @@ bool SweepCase::ReachTestState(SystemUnderTest& system, std::size_t generation, 
         if (system.AtStation().Connections() < generation || !system.AtStation().IsConnected()) {
             return false;
         }
-        const auto answer = system.AtStation().Ask(RequestOf(840), AnswerTimeout);
+        const auto answer = Ask(system, 840);
         const auto text = answer ? DecodeTestText(answer->data) : std::nullopt;
         if (!answer && ++unanswered % RequestsPerConnection == 0) {
             system.AtStation().Disconnect();
@@ -268,7 +273,7 @@ bool SweepCase::Reset(SystemUnderTest& system) const {
 bool SweepCase::Settles(SystemUnderTest& system, const Footprint& wanted, Footprint& seen) const {
     return WaitFor(system, StartTimeout, [&] {
         // The link of the last request stays open until the next one.
-        system.AtStation().Ask(RequestOf(840), AnswerTimeout);
+        Ask(system, 840);
         seen = system.Measure().value_or(Footprint{});
         return seen.descriptors <= wanted.descriptors && seen.threads <= wanted.threads &&
                seen.zombies <= wanted.zombies && seen.threads > 0;

@@ -1,4 +1,4 @@
-// One start, cycle, reset and stop of the analyzer on a fresh board, with one failed call.
+// One start, cycle, reset and stop of the analyzer on a fresh board in exact time, with one failed call.
 #pragma once
 
 #include <map>
@@ -43,7 +43,7 @@ struct SweepBaseline {
 // One thread; a run at a time.
 class SweepCase {
 public:
-    SweepCase(const Places& places, double speed) : m_places(places), m_speed(speed) {}
+    explicit SweepCase(const Places& places) : m_places(places) {}
 
     // Returns false with the reason in `trouble` if that run fails.
     bool RunBaseline(SweepBaseline& baseline, std::string& trouble);
@@ -71,7 +71,6 @@ private:
     static std::set<std::string> NewLines(const SystemUnderTest& system, const SweepBaseline& baseline);
 
     const Places m_places;
-    const double m_speed;
 };
 
 }  // namespace Bench

@@ -18,18 +18,15 @@ namespace {
 
 using namespace Bench;
 
-constexpr int Baselines = 3;
-constexpr std::uint64_t JobsOfACore = 3;  // a run waits for most of its time
 constexpr double SecondsOfAMinute = 60.0;
 constexpr std::size_t MaxDetail = 400;
 
 struct Options {
     SweepChoice choice;
-    std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency()) * JobsOfACore;
+    std::uint64_t jobs = std::max(1U, std::thread::hardware_concurrency());
     double minutes = 0.0;  // after which no other trial is begun; 0: no such limit
-    double speed = 200.0;
-    std::string bench;    // empty: build/sweep
-    std::string program;  // empty: the analyzer of this build
+    std::string bench;     // empty: build/sweep
+    std::string program;   // empty: the analyzer of this build
 };
 
 std::string Joined(const std::vector<std::string>& words) {
@@ -59,8 +56,7 @@ CommandLine SweepCommandLine(Options& options) {
                                   "only the Nth call of each kind (all)");
     line.AddNumber("--minutes X", 0.001, 100000.0, options.minutes, "start no further run after X minutes (no limit)");
     line.AddNumber<std::uint64_t>("--seed N", 0, 4294967295, options.choice.seed, "seed of the order of the calls (1)");
-    line.AddNumber<std::uint64_t>("--jobs N", 1, 64, options.jobs, "runs at a time, 1 to 64 (3 per core)");
-    line.AddNumber("--speed X", 0.1, 1000.0, options.speed, "simulated seconds per real second, 0.1 to 1000\n(200)");
+    line.AddNumber<std::uint64_t>("--jobs N", 1, 64, options.jobs, "runs at a time, 1 to 64 (one per core)");
     line.AddText("--bench DIR", "a folder", options.bench, "folder of the runs (build/sweep)");
     line.AddProgram(options.program);
     return line;
@@ -76,7 +72,7 @@ void RunJob(const Options& options, Places places, const SweepBaseline& baseline
         return options.minutes <= 0.0 || seconds < options.minutes * SecondsOfAMinute;
     };
     places.bench += "/" + std::to_string(job);
-    SweepCase runner(places, options.speed);
+    SweepCase runner(places);
     while (hasTime()) {
         const std::optional<std::size_t> at = ledger.Begin();
         if (!at) {
@@ -155,19 +151,9 @@ int main(int count, char** arguments) {
     first.bench += "/baseline";
     SweepBaseline baseline;
     std::string trouble;
-    // Three times, because the lines of a start vary.
-    std::map<std::string, std::vector<double>> counts;
-    for (int time = 0; time < Baselines; ++time) {
-        if (!SweepCase(first, options.speed).RunBaseline(baseline, trouble)) {
-            std::printf("sweep: FAILED, %s\n", trouble.c_str());
-            return ExitFailure;
-        }
-        for (const auto& [kind, calls] : baseline.calls) {
-            counts[kind].push_back(static_cast<double>(calls));
-        }
-    }
-    for (const auto& [kind, calls] : counts) {
-        baseline.calls[kind] = static_cast<std::uint64_t>(Median(calls));
+    if (!SweepCase(first).RunBaseline(baseline, trouble)) {
+        std::printf("sweep: FAILED, %s\n", trouble.c_str());
+        return ExitFailure;
     }
     const std::vector<SweepTrial> trials = PlanSweep(baseline.calls, options.choice);
     SweepLedger ledger(trials.size());
