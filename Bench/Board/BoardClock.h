@@ -53,7 +53,8 @@ struct TimeSource {
     bool (*runs)();  // and the calling thread belongs to it
     int (*wait)(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t nanoSeconds);
     void (*wake)(const std::atomic<std::uint32_t>& word);
-    void (*point)();  // another thread may run now
+    void (*point)();            // another thread may run now
+    void (*hide)(bool begins);  // from now on the thread sanitizer does not watch the calling thread, or does again
 };
 void SetTimeSource(const TimeSource* source);  // null: the machine. No thread may be in a hook.
 const TimeSource* Simulated();                 // null: the calling thread runs on the machine's time

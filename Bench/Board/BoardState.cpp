@@ -72,6 +72,7 @@ BoardLock::BoardLock(BoardState& state) : m_state(state) {
     const int savedErrno = errno;
     if (m_simulated) {
         Simulated()->point();
+        Simulated()->hide(true);
     } else if (pthread_mutex_lock(&state.mutex) == EOWNERDEAD) {
         pthread_mutex_consistent(&state.mutex);
     }
@@ -80,7 +81,9 @@ BoardLock::BoardLock(BoardState& state) : m_state(state) {
 }
 
 BoardLock::~BoardLock() {
-    if (!m_simulated) {
+    if (m_simulated) {
+        Simulated()->hide(false);
+    } else {
         pthread_mutex_unlock(&m_state.mutex);
     }
 }

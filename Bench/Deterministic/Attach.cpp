@@ -21,14 +21,29 @@ Dl_info PlaceOf(const void* address) {
     return info;
 }
 
+constexpr char Variable[] = "LD_PRELOAD";
+
+// Programs that this one starts are no simulation.
+void LeaveChildrenOut(const std::string& own) {
+    const char* list = std::getenv(Variable);
+    if (list == nullptr || std::string(list).rfind(own, 0) != 0) {
+        return;
+    }
+    if (const char* others = list + own.size(); *others == ':') {
+        setenv(Variable, std::string(others + 1).c_str(), 1);
+    } else {
+        unsetenv(Variable);
+    }
+}
+
 // The runtime of the thread sanitizer starts a thread in two steps, and the program must not see it between them. So
 // this library comes before it, and a program that is linked otherwise starts again.
 void ComeFirst(char** arguments) {
-    static constexpr char Variable[] = "LD_PRELOAD";
     static const int here = 0;
     const Dl_info own = PlaceOf(&here);
     const bool sanitized = dlsym(RTLD_DEFAULT, "__tsan_init") != nullptr;
     if (!sanitized || PlaceOf(dlsym(RTLD_DEFAULT, "pthread_create")).dli_fbase == own.dli_fbase) {
+        LeaveChildrenOut(own.dli_fname);
         return;
     }
     const char* others = std::getenv(Variable);

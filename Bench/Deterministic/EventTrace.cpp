@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "Bench/Board/Real.h"
+#include "Bench/Deterministic/Unwatched.h"
 
 namespace Bench {
 
@@ -78,6 +79,7 @@ void EventTrace::AddLine(Event event, std::int64_t now, std::int64_t thread, std
     if (m_used + MaxLine > sizeof(m_text)) {
         Flush();
     }
+    const Unwatched unwatched;
     const int length = std::snprintf(m_text + m_used, MaxLine, "%llu %lld.%09lld thread %lld %s %lld\n",
                                      static_cast<unsigned long long>(m_count), static_cast<long long>(now / 1000000000),
                                      static_cast<long long>(now % 1000000000), static_cast<long long>(thread),

@@ -15,6 +15,7 @@
 
 #include "Bench/Board/Attachment.h"
 #include "Bench/Deterministic/Next.h"
+#include "Bench/Deterministic/Unwatched.h"
 #include "Bench/Deterministic/Watchdog.h"
 
 namespace Bench::Simulation {
@@ -93,6 +94,7 @@ void Park(Native& native) {
 // ---- Pauses.
 
 void Report(bool quiet) {
+    const Unwatched unwatched;
     ExactState& exact = board->exact;
     exact.quiet = quiet;
     exact.hash = run->trace.Hash();
@@ -272,7 +274,7 @@ int WaitForWord(const std::atomic<std::uint32_t>& word, std::uint32_t expected, 
     return Block(Wait::Word, &word, Now() + nanoSeconds) ? 0 : ETIMEDOUT;
 }
 
-constexpr TimeSource Source{Runs, WaitForWord, WakeWord, [] { Point(Event::Device); }};
+constexpr TimeSource Source{Runs, WaitForWord, WakeWord, [] { Point(Event::Device); }, Unwatched::Set};
 
 }  // namespace
 
@@ -289,6 +291,7 @@ void Fail(const char* reason) {
 
 void Begin(Stops stops, int patienceSeconds) {
     Next::FindAll();
+    Unwatched::FindAll();
     board = AttachedState();
     ExactState& exact = board->exact;
     if (stops == Stops::Never) {

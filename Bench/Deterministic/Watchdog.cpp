@@ -30,20 +30,24 @@ std::atomic<std::uint32_t> over{0};  // futex word
 
 int HangSignal() { return SIGRTMAX - 1; }
 
-// May be called in a signal handler.
-void Say(const char* rest) {
-    char text[128];
-    const int length =
-        std::snprintf(text, sizeof(text), "\nexact time: a thread has kept the token for %d s without a call. %s\n",
-                      watched.patience, rest);
-    if (Real::write(2, text, static_cast<std::size_t>(length)) < 0) {
+void Write(const char* text, std::size_t length) {
+    if (Real::write(2, text, length) < 0) {
         std::_Exit(71);
     }
 }
 
+// May be called in a signal handler.
+void Say(const char* rest) {
+    char text[128];
+    const int length = std::snprintf(
+        text, sizeof(text), "\nexact time: a thread has kept the token for %d s without a call. ", watched.patience);
+    Write(text, static_cast<std::size_t>(length));
+    Write(rest, std::strlen(rest));
+}
+
 // In the thread that has the token.
 void ShowStack(int) {
-    Say("Its stack:");
+    Say("Its stack:\n");
     void* frames[64];
     backtrace_symbols_fd(frames, backtrace(frames, 64), 2);
     std::_Exit(71);
@@ -66,7 +70,7 @@ void* Watch(void*) {
         if (seconds == watched.patience) {
             Next::syscall(SYS_tgkill, Next::syscall(SYS_getpid), watched.holder->load(), HangSignal());
         } else if (seconds > watched.patience) {
-            Say("It has no stack to show: it takes no signal, or has ended without handing on the token.");
+            Say("It has no stack to show: it takes no signal, or has ended without handing on the token.\n");
             std::_Exit(71);
         }
     }
