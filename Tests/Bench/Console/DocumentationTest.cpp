@@ -81,7 +81,7 @@ TEST(Documentation, every_option_has_its_row) {
             ++options;
         }
     }
-    EXPECT_EQ(options, 19);
+    EXPECT_EQ(options, 20);
 }
 
 TEST(Documentation, every_field_of_the_instrument_is_described) {
