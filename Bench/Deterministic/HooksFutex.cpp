@@ -53,22 +53,22 @@ using namespace Bench;
 extern "C" long syscall(long number, ...) noexcept {
     va_list list;
     va_start(list, number);
-    long values[6];
-    for (long& value : values) {
-        value = va_arg(list, long);
+    void* values[6];
+    for (void*& value : values) {
+        value = va_arg(list, void*);
     }
     va_end(list);
     if (number == SYS_futex && Simulation::Runs()) {
-        const auto* word = reinterpret_cast<const std::uint32_t*>(values[0]);
-        const auto operation = static_cast<int>(values[1]);
+        const auto* word = static_cast<const std::uint32_t*>(values[0]);
+        const auto operation = static_cast<int>(reinterpret_cast<std::intptr_t>(values[1]));
+        const auto count = static_cast<std::uint32_t>(reinterpret_cast<std::intptr_t>(values[2]));
         switch (operation & Simulation::Operations) {
             case FUTEX_WAKE:
             case FUTEX_WAKE_BITSET:
-                return Simulation::WakeFutex(word, static_cast<std::uint32_t>(values[2]));
+                return Simulation::WakeFutex(word, count);
             case FUTEX_WAIT:
             case FUTEX_WAIT_BITSET:
-                return Simulation::WaitForFutex(word, operation, static_cast<std::uint32_t>(values[2]),
-                                                reinterpret_cast<const timespec*>(values[3]));
+                return Simulation::WaitForFutex(word, operation, count, static_cast<const timespec*>(values[3]));
             default:
                 Simulation::Fail("a futex operation is neither a wait nor a wake-up");
         }
