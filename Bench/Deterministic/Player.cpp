@@ -15,6 +15,7 @@
 #include "Bench/Board/BoardState.h"
 #include "Bench/Deterministic/Next.h"
 #include "Bench/Deterministic/Simulation.h"
+#include "Bench/Deterministic/Unwatched.h"
 #include "Bench/Sound/Clip.h"
 
 namespace Bench {
@@ -64,6 +65,7 @@ void PlayOnce(BoardState& state, const Player& player) {
 }
 
 void* Repeat(void* argument) {
+    const Unwatched unwatched;
     Player& player = *static_cast<Player*>(argument);
     while (!player.ended) {
         PlayOnce(*AttachedState(), player);
@@ -78,6 +80,7 @@ void* Repeat(void* argument) {
 
 // Reads what the forked child noted until it ended.
 bool ReadNotes(int file, pid_t child, Player& player) {
+    const Unwatched unwatched;
     std::size_t used = 0;
     ssize_t moved = 0;
     while ((moved = Real::read(file, player.command + used, sizeof(player.command) - 1 - used)) > 0) {

@@ -66,7 +66,7 @@ std::size_t Policy::Choose(std::span<const Candidate> ready, std::optional<std::
         return *running;
     }
     if (m_kind != Kind::Priority) {
-        return m_random.Below(ready.size());
+        return static_cast<std::size_t>(m_random.Below(ready.size()));
     }
     if (running && m_random.Fraction() < m_probability) {
         *ready[*running].priority = --m_lowest;

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 
 #include "Bench/Tools/Endurance/Soak.h"
 
 namespace Bench {
 
 namespace {
-
-constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
 
 // Two findings are of one kind if they differ in numbers alone.
 std::string KindOf(const Finding& finding) {
@@ -34,8 +33,9 @@ Course Without(const Course& course, std::size_t from, std::size_t count) {
 
 std::optional<Finding> Explorer::Run(const Course& course, const std::string& traceFile) {
     static const int stop = 0;
+    setenv("TSAN_OPTIONS", "halt_on_error=1", 0);  // a race that a sanitizer reports is then an end of the program
     BoardSetup setup;
-    setup.startSeconds = StartSeconds;
+    setup.startSeconds = LongRunStart;
     setup.noise = false;
     setup.exact = ExactSetup{course.seed, course.policy, traceFile, 1, UINT64_MAX};
     SystemUnderTest system;

@@ -9,8 +9,6 @@ namespace {
 
 using namespace Bench;
 
-constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
-
 struct SoakOptions {
     SoakGoals goals;
     FloodPlan flood{0.0, 1, 50.0};
@@ -67,7 +65,7 @@ int Run(const SoakOptions& options) {
     if (!options.IsFlood()) {
         setup.exact.emplace().seed = options.flood.seed;
     }
-    setup.startSeconds = StartSeconds;
+    setup.startSeconds = LongRunStart;
     setup.seed = options.flood.seed;
     SystemUnderTest system;
     std::string trouble;

@@ -16,8 +16,6 @@ namespace Bench {
 
 namespace {
 
-constexpr std::int64_t StartSeconds = 1798758000;  // 2026-12-31 23:00:00 UTC
-
 // Timeouts in simulated seconds, many times what each takes.
 constexpr double StartTimeout = 200.0;
 constexpr double ResultTimeout = 900.0;
@@ -151,7 +149,7 @@ bool IsAllowed(SweepOutcome outcome) { return outcome < SweepOutcome::Crashed; }
 bool SweepCase::Prepare(SystemUnderTest& system, std::string& trouble) const {
     BoardSetup setup;
     setup.exact.emplace();
-    setup.startSeconds = StartSeconds;
+    setup.startSeconds = LongRunStart;
     setup.noise = false;
     // Any value raises an alert, so there is a sound.
     const SettingList settings = {

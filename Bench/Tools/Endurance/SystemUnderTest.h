@@ -14,6 +14,8 @@ namespace Bench {
 
 using SettingList = std::vector<std::pair<std::string, std::string>>;  // value by name
 
+// When a long run begins, by the analyzer's clock: 2026-12-31 23:00:00 UTC.
+inline constexpr std::int64_t LongRunStart = 1798758000;
 // How much of the analyzer's output is kept.
 inline constexpr std::uintmax_t MaxOutputBytes = 64U << 20U;
 
