@@ -334,6 +334,21 @@ void End() {
     run = nullptr;
 }
 
+void EndAfterThreads() {
+    if (!Runs()) {
+        return;
+    }
+    for (const Native& native : run->natives) {
+        while (native.taken && native.detached && !native.ended) {
+            Block(Wait::Thread, &native);
+        }
+    }
+    if (run->scheduler.Living() > 1) {
+        Fail("the test is over and has threads that have not ended");
+    }
+    End();
+}
+
 void Leave() {
     SetTimeSource(nullptr);
     current = nullptr;

@@ -21,6 +21,9 @@ constexpr int Patience = 30;            // seconds of real time that a thread ma
 void Begin(Stops stops = Stops::Never, int patienceSeconds = Patience);
 // From now on all calls pass through. The calling thread is the last one.
 void End();
+// For a test: waits first until the detached threads have ended, those of clips among them. Ends the process with a
+// sentence if another thread is left, since the next simulation would find it parked.
+void EndAfterThreads();
 
 bool Runs();  // and the calling thread belongs to it
 std::int64_t Now();
