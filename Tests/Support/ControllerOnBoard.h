@@ -13,17 +13,18 @@
 #include "Frameworks/Configuration/SingletonBase.h"
 #include "Frameworks/Messaging/LogInfoMessage.h"
 #include "Frameworks/Messaging/MessageController.h"
-#include "Tests/Support/BoardFixture.h"
 #include "Tests/Support/CapturingController.h"
+#include "Tests/Support/ExactTime.h"
 #include "Tests/Support/SampleConfiguration.h"
 #include "Tests/Support/TestRouter.h"
 
-template <typename Controller, ControllerType Type>
-class ControllerOnBoard : public BoardTest {
+// In exact time, unless the fixture of the board is another.
+template <typename Controller, ControllerType Type, typename OnBoard = ExactBoardTest>
+class ControllerOnBoard : public OnBoard {
 protected:
     using Texts = std::vector<std::string>;
 
-    explicit ControllerOnBoard(double speed = 50.0) : BoardTest(QuietAtSpeed(speed)) { BeginGeneration(); }
+    ControllerOnBoard() { BeginGeneration(); }
 
     ~ControllerOnBoard() override { EndGeneration(); }
 
@@ -31,7 +32,7 @@ protected:
     ControllerOnBoard& operator=(const ControllerOnBoard&) = delete;
 
     void LoadSettings() {
-        configuration.LayInto(Folder());
+        configuration.LayInto(this->Folder());
         auto file = std::make_unique<SystemConfigurationFile>();
         ASSERT_TRUE(file->Load("/usr/share/vorn/bin/configuration/analyzer.conf.xml"));
         ASSERT_TRUE(SingletonBase::SetSystemConfiguration(std::move(file)));

@@ -107,7 +107,7 @@ struct RowNames {
 template <typename AnyRow>
 class Controllers : public ControllerOnBoard<typename AnyRow::Controller, AnyRow::Type> {
 protected:
-    Controllers() : ControllerOnBoard<typename AnyRow::Controller, AnyRow::Type>(200.0) {
+    Controllers() {
         this->configuration.Set("LoggingLevel", "DEBUG_LOG_LEVEL");
         this->LoadSettings();
         // SystemControl reads the file itself, and ends without it before it creates the other controllers.

@@ -1,4 +1,4 @@
-// A DeviceMonitor on its own board without noise, with a router and a witness.
+// A DeviceMonitor on its own board, with a router and a witness.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,14 +12,13 @@
 #include "Frameworks/Messaging/MessageController.h"
 #include "System/DeviceMonitor/DeviceMonitor.h"
 #include "System/Messages/PeriodicHardwareTestMessage.h"
-#include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/ExactTime.h"
 #include "Tests/Support/TestRouter.h"
 #include "Tests/System/DeviceMonitor/Witness.h"
 
-class DeviceMonitorFixture : public BoardTest {
+class DeviceMonitorFixture : public ExactBoardTest {
 protected:
-    explicit DeviceMonitorFixture(double speed)
-        : BoardTest(QuietAtSpeed(speed)), witness("Witness", HeardTypes, &Board()) {
+    DeviceMonitorFixture() : witness("Witness", HeardTypes, &Board()) {
         router.AddName(m_systemControl);
         router.AddName(m_remoteIndicator);
         EXPECT_TRUE(witness.CreateThread());

@@ -14,16 +14,11 @@ namespace {
 
 constexpr double TwoHours = 7200.0;
 
-class DeviceMonitorTest : public DeviceMonitorFixture {
-protected:
-    DeviceMonitorTest() : DeviceMonitorFixture(100.0) {}
-};
+using DeviceMonitorTest = DeviceMonitorFixture;
 
 // The counters are process-wide. The test runner starts a process for each test, which these tests need.
 class Counters : public DeviceMonitorFixture {
 protected:
-    Counters() : DeviceMonitorFixture(100.0) {}
-
     void Run() {
         MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
         Start();
@@ -111,8 +106,7 @@ TEST_F(DeviceMonitorTest, logs_a_refused_registration_with_the_origin_RemoteIndi
 TEST_F(DeviceMonitorTest, does_not_tick_before_it_has_been_running) {
     MessageController::SetLogLevel(DEBUG_LOG_LEVEL);
     Start();
-    const double end = Board().Seconds() + 5.0;
-    EXPECT_TRUE(Board().WaitUntil([&] { return Board().Seconds() > end; }));
+    LetPass(5.0);
     EXPECT_EQ(Ticks(), 0);
 }
 

@@ -8,7 +8,6 @@
 #include "System/DeviceMonitor/AudioRoutines.h"
 #include "Tests/Support/FailingAllocation.h"
 #include "Tests/System/DeviceMonitor/DeviceMonitorFixture.h"
-#include "Tests/System/DeviceMonitor/SleepTimes.h"
 
 namespace {
 
@@ -27,7 +26,13 @@ constexpr int FullScale = 1024;
 
 class HardwareTest : public DeviceMonitorFixture {
 protected:
-    explicit HardwareTest(double speed = 100.0) : DeviceMonitorFixture(speed) { Start(); }
+    HardwareTest() { Start(); }
+
+    double SecondsOf(bool (*action)(), bool result = true) const {
+        const double start = Board().Seconds();
+        EXPECT_EQ(action(), result);
+        return Board().Seconds() - start;
+    }
 
     // The lines about these, from there on.
     Texts TraceOf(const Texts& parts) const {
@@ -42,12 +47,6 @@ protected:
         }
         return lines;
     }
-};
-
-// The sound must play within two seconds of its request; a low speed leaves a busy machine enough time.
-class AmplifierTest : public HardwareTest {
-protected:
-    AmplifierTest() : HardwareTest(2.0) {}
 };
 
 struct RailRow {
@@ -120,14 +119,14 @@ TEST_F(HardwareTest, without_the_converter_the_voltages_fail_without_amber) {
                      "log 3 DeviceMonitor::CheckBoardVoltages - Reading voltages failed! from DeviceMonitor", Failed}));
 }
 
-TEST_F(AmplifierTest, a_good_amplifier_passes) { EXPECT_EQ(Test(2), (Texts{Silence, Play, Restart, Passed})); }
+TEST_F(HardwareTest, a_good_amplifier_passes) { EXPECT_EQ(Test(2), (Texts{Silence, Play, Restart, Passed})); }
 
 TEST_F(HardwareTest, a_dead_amplifier_fails) {
     SetFault("amplifier-dead");
     EXPECT_EQ(Test(2), (Texts{Silence, Play, AmplifierFailed, Amber, Restart, Failed}));
 }
 
-TEST_F(AmplifierTest, a_rise_of_exactly_a_microvolt_passes) {
+TEST_F(HardwareTest, a_rise_of_exactly_a_microvolt_passes) {
     Board().SetIioScale("2e-6");
     SetSettings([](auto& settings) {
         settings.supplyIdle = 0.0;
@@ -136,7 +135,7 @@ TEST_F(AmplifierTest, a_rise_of_exactly_a_microvolt_passes) {
     EXPECT_EQ(Test(2), (Texts{Silence, Play, Restart, Passed}));
 }
 
-TEST_F(AmplifierTest, a_rise_of_less_than_a_microvolt_fails) {
+TEST_F(HardwareTest, a_rise_of_less_than_a_microvolt_fails) {
     Board().SetIioScale("2e-6");
     SetSettings([](auto& settings) {
         settings.supplyIdle = 0.0;
@@ -151,31 +150,19 @@ TEST_F(HardwareTest, an_amplifier_that_cannot_be_measured_fails) {
 }
 
 TEST_F(HardwareTest, each_request_for_sound_is_followed_by_its_wait) {
-    const struct {
-        bool (*request)();
-        unsigned seconds;
-    } rows[] = {{TurnOffAudio, 3}, {[] { return PlayAudio("alert.wav"); }, 1}, {RestartAudio, 3}};
-    for (const auto& row : rows) {
-        SleepTimes().clear();
-        EXPECT_TRUE(row.request());
-        EXPECT_EQ(SleepTimes(), std::vector{row.seconds});
-    }
+    EXPECT_THAT(SecondsOf(TurnOffAudio), IsWaitOf(3.0));
+    EXPECT_THAT(SecondsOf([] { return PlayAudio("alert.wav"); }), IsWaitOf(1.0));
+    EXPECT_THAT(SecondsOf(RestartAudio), IsWaitOf(3.0));
 }
 
 TEST_F(HardwareTest, the_amplifier_test_gives_the_sound_one_second_more) {
     SetFault("amplifier-dead");
-    SleepTimes().clear();
-    EXPECT_FALSE(HardwareTests().TestAudioAmplifier());
-    EXPECT_EQ(SleepTimes(), (std::vector<unsigned>{3, 1, 1, 3}));
+    EXPECT_THAT(SecondsOf([] { return HardwareTests().TestAudioAmplifier(); }, false), IsWaitOf(3.0 + 1.0 + 1.0 + 3.0));
 }
 
 TEST_F(HardwareTest, a_motor_test_waits_only_for_the_sound) {
-    SleepTimes().clear();
-    EXPECT_TRUE(HardwareTests().TestReagentMotor());
-    EXPECT_EQ(SleepTimes(), (std::vector<unsigned>{3, 3}));
-    SleepTimes().clear();
-    EXPECT_TRUE(HardwareTests().TestStirMotor());
-    EXPECT_EQ(SleepTimes(), (std::vector<unsigned>{3, 3}));
+    EXPECT_THAT(SecondsOf([] { return HardwareTests().TestReagentMotor(); }), IsWaitOf(3.0 + 3.0));
+    EXPECT_THAT(SecondsOf([] { return HardwareTests().TestStirMotor(); }), IsWaitOf(3.0 + 3.0));
 }
 
 TEST_F(HardwareTest, a_good_reagent_motor_passes) { EXPECT_EQ(Test(3), (Texts{Silence, Restart, Passed})); }
@@ -274,7 +261,7 @@ TEST_F(HardwareTest, a_motor_that_cannot_be_measured_running_is_stopped) {
     EXPECT_TRUE(Board().Pin(0, 2).latch);
 }
 
-TEST_F(AmplifierTest, all_four_run_in_order) {
+TEST_F(HardwareTest, all_four_run_in_order) {
     EXPECT_EQ(Test(5), (Texts{Silence, Play, Restart, Silence, Restart, Silence, Restart, Passed}));
 }
 
@@ -286,7 +273,7 @@ TEST_F(HardwareTest, all_end_at_the_first_failure) {
     EXPECT_EQ(Test(5), (Texts{Silence, Play, AmplifierFailed, Amber, Restart, Failed}));
 }
 
-TEST_F(AmplifierTest, all_end_at_a_failing_reagent_motor) {
+TEST_F(HardwareTest, all_end_at_a_failing_reagent_motor) {
     SetFault("pump-stage-dead");
     SetFault("stir-stage-dead");
     EXPECT_EQ(Test(5), (Texts{Silence, Play, Restart, Silence, MotorFailed, Amber, Restart, Failed}));
@@ -322,10 +309,8 @@ TEST_F(HardwareTest, a_request_for_sound_that_fails_is_logged_and_not_waited_for
     };
     for (const Row& row : rows) {
         witness.Forget();
-        SleepTimes().clear();
         const FailingAllocation failing(1);
-        EXPECT_FALSE(row.request());
-        EXPECT_TRUE(SleepTimes().empty());
+        EXPECT_THAT(SecondsOf(row.request, false), IsWaitOf(0.0));
         EXPECT_TRUE(Board().WaitUntil([this] { return witness.Heard().size() >= 2; }));
         EXPECT_EQ(witness.Heard(), (Texts{"log 3 Attempt to send NULL message from DeviceMonitor", row.text}));
     }

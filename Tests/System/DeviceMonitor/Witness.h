@@ -80,14 +80,9 @@ private:
         }
     }
 
-    // Once the sound plays, time may pass fast.
     void Act(std::int32_t action) {
-        if (m_board == nullptr) {
-            return;
-        }
-        m_board->SetAudioPlaying(action == PLAY_AUDIO);
-        if (action == PLAY_AUDIO) {
-            m_board->SetSpeed(100.0);
+        if (m_board != nullptr) {
+            m_board->SetAudioPlaying(action == PLAY_AUDIO);
         }
     }
 

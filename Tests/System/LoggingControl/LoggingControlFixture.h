@@ -21,12 +21,12 @@
 #include "System/LoggingControl/LoggingControl.h"
 #include "System/Messages/MeasurementMessage.h"
 #include "System/Messages/MeasurementStepDataMessage.h"
-#include "Tests/Support/BoardFixture.h"
+#include "Tests/Support/ExactTime.h"
 #include "Tests/Support/TestRouter.h"
 
 using Texts = std::vector<std::string>;
 
-class LoggingControlFixture : public BoardTest {
+class LoggingControlFixture : public ExactBoardTest {
 protected:
     static constexpr time_t StartOfDay = 1356955199;  // 2012-12-31 11:59:59 UTC
 

@@ -22,7 +22,6 @@
 #include "System/Messages/TestDigitalInputPinsMessage.h"
 #include "System/Messages/TestDigitalOutputPinsMessage.h"
 #include "System/Messages/TestPWMMessage.h"
-#include "Tests/Support/BoardFixture.h"
 #include "Tests/Support/ExactTime.h"
 #include "Tests/Support/TestRouter.h"
 
@@ -107,11 +106,10 @@ private:
     std::vector<std::unique_ptr<MessageBase>> m_messages;
 };
 
-class MeasurementFixture : public BoardTest {
+class MeasurementFixture : public ExactBoardTest {
 protected:
     // With errors only in the log.
-    explicit MeasurementFixture(const char* listenerName = "MeasurementEngine")
-        : BoardTest(QuietInExactTime()), listener(listenerName) {
+    explicit MeasurementFixture(const char* listenerName = "MeasurementEngine") : listener(listenerName) {
         SetPumpAngle(200.0);                               // before both edges of the home flag
         SetReportFunction(MessageController::LogMessage);  // another test of this program may have taken it
         router.AddName(listener);
@@ -224,7 +222,6 @@ protected:
         return seconds;
     }
 
-    ExactTime exactTime;
     TestRouter router{ERROR_LOG_LEVEL};
     Listener listener;
 

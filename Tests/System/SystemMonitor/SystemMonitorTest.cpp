@@ -171,7 +171,7 @@ TEST_F(SystemMonitorTest, logs_an_acknowledgement_that_does_not_come_in_time) {
     const double start = Board().Seconds();
     Post(Measured(0.2));
     WaitForLine(NoAcknowledgement);
-    EXPECT_GE(Board().Seconds() - start, 2.0);
+    EXPECT_THAT(Board().Seconds() - start, IsWaitOf(2.0));
     EXPECT_EQ(indicator->Count(), 1U) << "nothing is asked again";
     EXPECT_EQ(Errors(), (Texts{NoAcknowledgement}));
 }
@@ -193,7 +193,7 @@ TEST_F(SystemMonitorTest, takes_a_time_out_with_an_x_for_hexadecimal) {
     const double start = Board().Seconds();
     Post(Measured(0.2));
     WaitForLine(NoAcknowledgement);
-    EXPECT_GE(Board().Seconds() - start, 10.0);
+    EXPECT_THAT(Board().Seconds() - start, IsWaitOf(10.0));
 }
 
 TEST_F(SystemMonitorTest, is_content_with_an_acknowledgement_in_time) {

@@ -25,9 +25,16 @@ class InUtc {
     const TimeZone m_zone{"UTC"};
 };
 
-class FrontEndLink : private InUtc, public ControllerOnBoard<UserInterfaceDataControl, USER_INTERFACE_DATA_CONTROL> {
+// In real time, since the front end is at the other end of a socket.
+class FastBoardTest : public BoardTest {
 protected:
-    FrontEndLink() : ControllerOnBoard(Speed) {
+    FastBoardTest() : BoardTest(QuietAtSpeed(Speed)) {}
+};
+
+class FrontEndLink : private InUtc,
+                     public ControllerOnBoard<UserInterfaceDataControl, USER_INTERFACE_DATA_CONTROL, FastBoardTest> {
+protected:
+    FrontEndLink() {
         std::string error;
         frontEnd = Bench::FrontEnd::Listen(0, error);
         EXPECT_NE(frontEnd, nullptr) << error;
