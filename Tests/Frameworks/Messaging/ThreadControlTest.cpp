@@ -152,12 +152,6 @@ TEST(ThreadControl, a_false_answer_ends_the_thread_after_the_draining) {
     EXPECT_EQ(one.Notes(), (Notes{"init", "PRIME_SYSTEM", "COLLECT_MEASUREMENT", "exit"}));
 }
 
-TEST(ThreadControl, a_silence_of_the_time_out_runs_ProcessTimeOut) {
-    RecordingController one("One", NO_DATA_MESSAGE, 1000);
-    one.CreateThread();
-    EXPECT_EQ(one.WaitForNotes(3), (Notes{"init", "time-out", "time-out"}));
-}
-
 TEST(ThreadControl, an_Init_that_fails_goes_straight_to_Exit) {
     // No router: the registration fails.
     EndingController one("One", LOGGING_DATA_MESSAGE);

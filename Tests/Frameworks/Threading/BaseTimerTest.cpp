@@ -9,12 +9,10 @@
 #include <thread>
 
 #include "Frameworks/Utilities/Report.h"
+#include "Tests/Support/ExactTime.h"
 #include "Tests/Support/ImpossibleStack.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-using namespace std::chrono_literals;
 
 constexpr std::chrono::seconds HangDeadline{60};
 constexpr std::uint32_t OneHour = 3600000;
@@ -78,6 +76,12 @@ private:
     Notes& m_notes;
 };
 
+class TimerInExactTime : public ExactBoardTest {
+protected:
+    Notes notes;
+    NotingTimer timer{notes};
+};
+
 }  // namespace
 
 TEST(BaseTimer, starts_no_thread_when_it_is_made) {
@@ -107,25 +111,19 @@ TEST(BaseTimer, expires_at_once_with_a_duration_of_0) {
     EXPECT_EQ(notes.Count("expired 1"), 1);
 }
 
-TEST(BaseTimer, does_not_expire_before_its_duration) {
-    Notes notes;
-    NotingTimer timer(notes);
-    timer.SetDuration(30);
-    const Clock::time_point start = Clock::now();
+TEST_F(TimerInExactTime, expires_after_its_duration) {
+    timer.SetDuration(2500);
     ASSERT_TRUE(timer.Start());
     notes.WaitFor("expired 1");
-    EXPECT_GE(Clock::now() - start, 30ms);
+    EXPECT_THAT(Board().Seconds(), IsWaitOf(2.5));
 }
 
-TEST(BaseTimer, ends_a_killed_run_after_its_full_duration_without_expiring) {
-    Notes notes;
-    NotingTimer timer(notes);
-    timer.SetDuration(30);
-    const Clock::time_point start = Clock::now();
+TEST_F(TimerInExactTime, ends_a_killed_run_after_its_full_duration_without_expiring) {
+    timer.SetDuration(2500);
     ASSERT_TRUE(timer.Start());
     timer.Kill();
     notes.WaitFor("exit");
-    EXPECT_GE(Clock::now() - start, 30ms);
+    EXPECT_THAT(Board().Seconds(), IsWaitOf(2.5));
     EXPECT_EQ(notes.Count("expired 1"), 0);
 }
 
@@ -140,9 +138,7 @@ TEST(BaseTimer, runs_again_on_a_new_thread_after_expiry) {
     EXPECT_EQ(notes.Count("expired 2"), 0);
 }
 
-TEST(BaseTimer, started_again_expires_for_the_earlier_run_too) {
-    Notes notes;
-    NotingTimer timer(notes);
+TEST_F(TimerInExactTime, started_again_expires_for_the_earlier_run_too) {
     timer.SetDuration(100);
     ASSERT_TRUE(timer.Start());
     ASSERT_TRUE(timer.Start());
@@ -150,9 +146,7 @@ TEST(BaseTimer, started_again_expires_for_the_earlier_run_too) {
     EXPECT_EQ(notes.Count("expired 1"), 2);
 }
 
-TEST(BaseTimer, started_again_revokes_a_Kill_of_the_earlier_run) {
-    Notes notes;
-    NotingTimer timer(notes);
+TEST_F(TimerInExactTime, started_again_revokes_a_Kill_of_the_earlier_run) {
     timer.SetDuration(1000);
     ASSERT_TRUE(timer.Start());
     timer.Kill();

@@ -3,11 +3,14 @@
 #include <thread>
 
 #include "Frameworks/Threading/Mutex.h"
+#include "Tests/Support/ExactTime.h"
 
 namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
+
+using ConditionInExactTime = ExactBoardTest;
 
 }  // namespace
 
@@ -38,14 +41,14 @@ TEST(Condition, wakes_every_waiting_thread) {
     second.join();
 }
 
-TEST(Condition, gives_up_at_the_deadline_and_not_before) {
+TEST_F(ConditionInExactTime, gives_up_at_the_deadline_and_not_before) {
     Mutex mutex;
     Condition changed;
     const MutexLock lock(mutex);
     const auto deadline = SteadyClock::now() + 1030ms;
     while (changed.WaitUntil(mutex, deadline)) {
     }
-    EXPECT_GE(SteadyClock::now(), deadline);
+    EXPECT_THAT(Board().Seconds(), IsWaitOf(1.03));
 }
 
 TEST(Condition, is_notified_before_the_deadline) {

@@ -5,6 +5,7 @@
 #include "Frameworks/Utilities/Report.h"
 #include "Frameworks/Utilities/TimeInfo.h"
 #include "Frameworks/Utilities/TimeSpec.h"
+#include "Tests/Support/ExactTime.h"
 
 namespace {
 
@@ -24,6 +25,8 @@ protected:
     TimeStrings() { setenv("TZ", "MST7", 1); }
     ~TimeStrings() override { unsetenv("TZ"); }
 };
+
+using TimeSpecInExactTime = ExactBoardTest;
 
 std::string lastReport;
 
@@ -197,7 +200,7 @@ TEST(TimeSpec, retry_is_on_until_switched_off) {
     EXPECT_TRUE(time.GetRetry());
 }
 
-TEST(TimeSpec, only_a_request_with_both_fields_above_zero_sleeps) {
+TEST_F(TimeSpecInExactTime, only_a_request_with_both_fields_above_zero_sleeps) {
     TimeSpec rest = Span(0, 0);
     const TimeSpec seconds = Span(1000, 0);
     const TimeSpec nanoSeconds = Span(0, 500);
@@ -207,6 +210,8 @@ TEST(TimeSpec, only_a_request_with_both_fields_above_zero_sleeps) {
     EXPECT_FALSE(TimeSpec::Sleep(&negative, &rest, true));
     EXPECT_FALSE(TimeSpec::Sleep(nullptr, &rest, true));
     EXPECT_FALSE(TimeSpec::Sleep(&seconds, nullptr, true));
-    const TimeSpec both = Span(1, 1);
+    EXPECT_THAT(Board().Seconds(), IsWaitOf(0.0));
+    const TimeSpec both = Span(1, 500000000);
     EXPECT_TRUE(TimeSpec::Sleep(&both, &rest, true));
+    EXPECT_THAT(Board().Seconds(), IsWaitOf(1.5));
 }
