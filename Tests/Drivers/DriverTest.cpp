@@ -11,9 +11,6 @@
 
 namespace {
 
-// Fast, so that the conversions and moves of a test take some milliseconds.
-constexpr double Speed = 20.0;
-
 std::mutex logMutex;
 std::vector<LogCall> logCalls;
 
@@ -22,10 +19,13 @@ void Collect(const StdString& text, LogLevel level, ControllerType origin) {
     logCalls.push_back({text.Text(), level, origin});
 }
 
-Bench::BoardSetup QuickBoard() {
+Bench::BoardSetup QuietBoard(bool exact) {
     Bench::BoardSetup setup;
-    setup.speed = Speed;
+    setup.speed = 20.0;
     setup.noise = false;
+    if (exact) {
+        setup.exact.emplace();
+    }
     return setup;
 }
 
@@ -49,8 +49,11 @@ Printed PrintedBy(const std::function<void()>& action) {
     return printed;
 }
 
-DriverTest::DriverTest() {
-    Board().Reset(QuickBoard());
+DriverTest::DriverTest(Pace pace) {
+    Board().Reset(QuietBoard(pace == Pace::Exact));
+    if (pace == Pace::Exact) {
+        m_exactTime.emplace();
+    }
     TakeLog();
     SetReportFunction(Collect);
 }
@@ -58,7 +61,7 @@ DriverTest::DriverTest() {
 DriverTest::~DriverTest() { SetReportFunction(nullptr); }
 
 Bench::Board& DriverTest::Board() {
-    static const Bench::TemporaryBoard board(QuickBoard());
+    static const Bench::TemporaryBoard board(QuietBoard(false));
     return board.Get();
 }
 
@@ -85,6 +88,18 @@ void DriverTest::FailCall(const std::string& kind, int n, int error) {
 std::vector<LogCall> DriverTest::TakeLog() {
     const std::lock_guard lock(logMutex);
     return std::exchange(logCalls, {});
+}
+
+void DriverTest::ExpectNoTrace() {
+    const double end = Board().Seconds() + 1.0;
+    EXPECT_TRUE(Board().WaitUntil([end] { return Board().Seconds() >= end; }));
+    EXPECT_EQ(Board().Trace(), Texts{});
+}
+
+double DriverTest::SecondsOf(const std::function<void()>& action) {
+    const double start = Board().Seconds();
+    action();
+    return Board().Seconds() - start;
 }
 
 std::size_t DriverTest::OpenFiles() {

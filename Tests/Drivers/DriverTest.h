@@ -6,11 +6,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "Bench/Board/Board.h"
 #include "Frameworks/Utilities/Enumerations.h"
+#include "Tests/Support/ExactTime.h"
 
 struct LogCall {
     std::string text;
@@ -42,7 +43,9 @@ class DriverTest : public ::testing::Test {
 protected:
     using Texts = std::vector<std::string>;
 
-    DriverTest();
+    // Real: for players that are processes, and for signals; then twenty times as fast as the clock.
+    enum class Pace { Exact, Real };
+    explicit DriverTest(Pace pace = Pace::Exact);
     ~DriverTest() override;
 
     static Bench::Board& Board();
@@ -56,4 +59,10 @@ protected:
     static std::vector<LogCall> TakeLog();
     // How many descriptors this process has open.
     static std::size_t OpenFiles();
+    // Nothing is written for a second.
+    static void ExpectNoTrace();
+    static double SecondsOf(const std::function<void()>& action);
+
+private:
+    std::optional<ExactTime> m_exactTime;
 };

@@ -19,7 +19,7 @@ constexpr std::int32_t Second = 1000000;  // microseconds
 
 class SpeakerTest : public DriverTest {
 protected:
-    SpeakerTest() { LaySoundClip(Board().Folder(), "clip.wav", 2); }
+    SpeakerTest() : DriverTest(Pace::Real) { LaySoundClip(Board().Folder(), "clip.wav", 2); }
 
     // So that the next test finds only its own texts in the board's files.
     ~SpeakerTest() override { std::filesystem::remove(Board().Folder() + Clip); }
@@ -45,13 +45,6 @@ protected:
     }
 
     static bool Exists(pid_t process) { return kill(process, 0) == 0; }
-
-    // Simulated seconds.
-    static double Length(const std::function<void()>& action) {
-        const double start = Board().Seconds();
-        action();
-        return Board().Seconds() - start;
-    }
 
     static std::vector<double> TimesOf(const std::string& line) {
         std::vector<double> times;
@@ -165,7 +158,7 @@ TEST_F(SpeakerTest, goes_on_trying_without_the_players_tool) {
 
 TEST_F(SpeakerTest, stops_within_a_second_or_so_and_leaves_no_process) {
     const pid_t child = ChildOf(Start());
-    const double length = Length([this] { EXPECT_TRUE(speaker->Stop()); });
+    const double length = SecondsOf([this] { EXPECT_TRUE(speaker->Stop()); });
     EXPECT_GE(length, 1.0);
     EXPECT_FALSE(Exists(child));
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
@@ -197,7 +190,7 @@ TEST_F(SpeakerTest, ends_a_player_that_does_not_hear_after_five_seconds) {
     pthread_sigmask(SIG_BLOCK, &signals, &before);  // the child inherits it
     const pid_t child = ChildOf(Start());
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    const double length = Length([this] { EXPECT_TRUE(speaker->Stop()); });
+    const double length = SecondsOf([this] { EXPECT_TRUE(speaker->Stop()); });
     EXPECT_GE(length, 5.0);
     EXPECT_FALSE(Exists(child));
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);

@@ -21,9 +21,6 @@ constexpr const char* PwmOff = "/sys/class/pwm/pwmchip0/pwm1/enable=0";
 
 constexpr const char* MoveFailed = "StepperDriverMotor::MoveAngle failed!";
 
-// Long enough to notice a caller that does not wait, short enough for a test: real seconds.
-constexpr double Notice = 0.2;
-
 class StepperMotor : public DriverTest {
 protected:
     static std::unique_ptr<StepperDriverMotor> Motor() {
@@ -168,9 +165,7 @@ TEST_F(StepperMotor, the_frequency_of_a_move_follows_angle_and_time) {
 
 TEST_F(StepperMotor, a_move_takes_its_time) {
     const auto motor = Motor();
-    const double start = Board().Seconds();
-    EXPECT_TRUE(motor->MoveAngle(90.0F, 50.0F, 1500, false));
-    EXPECT_GE(Board().Seconds() - start, 1.5);
+    EXPECT_THAT(SecondsOf([&] { EXPECT_TRUE(motor->MoveAngle(90.0F, 50.0F, 1500, false)); }), IsWaitOf(1.5));
 }
 
 TEST_F(StepperMotor, a_move_out_of_range_fails_before_it_touches_anything) {
@@ -199,7 +194,7 @@ TEST_F(StepperMotor, a_failed_move_keeps_the_motor_until_it_is_braked) {
                        "StepperDriverMotor::MoveAngle failed!"));
     EXPECT_EQ(TakeTrace(), Limits("1", "1", "1"));
     std::thread later([&motor] { EXPECT_TRUE(motor->MoveAngle(90.0F, 50.0F, 10, false)); });
-    EXPECT_FALSE(Board().WaitUntil([] { return !Board().Trace().empty(); }, Notice));
+    ExpectNoTrace();
     EXPECT_TRUE(motor->Brake());
     later.join();
     const Texts trace = TakeTrace();
@@ -244,7 +239,7 @@ TEST_F(StepperMotor, a_started_motor_makes_the_next_caller_wait_until_it_is_brak
     motor->Stop();
     TakeTrace();
     std::thread next([&motor] { EXPECT_TRUE(motor->StartMotor(50.0F, 400.0F, 3)); });
-    EXPECT_FALSE(Board().WaitUntil([] { return !Board().Trace().empty(); }, Notice));
+    ExpectNoTrace();
     EXPECT_TRUE(motor->Brake());
     next.join();
     const Texts trace = TakeTrace();
@@ -264,7 +259,7 @@ TEST_F(StepperMotor, a_start_that_fails_keeps_the_motor_until_it_is_braked) {
     ClearFault("write-refused");
     TakeTrace();
     std::thread next([&motor] { EXPECT_TRUE(motor->MoveAngle(90.0F, 50.0F, 10, false)); });
-    EXPECT_FALSE(Board().WaitUntil([] { return !Board().Trace().empty(); }, Notice));
+    ExpectNoTrace();
     EXPECT_TRUE(motor->Brake());
     next.join();
 }
