@@ -249,9 +249,3 @@ TEST(MessageBuffer, loses_no_message_when_posts_and_time_outs_meet) {
     EXPECT_EQ(buffer.WaitForMessage(0), nullptr);
     EXPECT_EQ(buffer.GetLastError(), ETIMEDOUT);
 }
-
-TEST(JoinThread, does_not_wait_for_a_thread_that_was_never_started) {
-    const RecordingController one("One");
-    JoinThread(one, "never logged", ERROR_LOG_LEVEL, SYSTEM_CONTROL);
-    EXPECT_EQ(one.GetThreadId(), pthread_t{0});
-}

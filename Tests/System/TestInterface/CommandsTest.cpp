@@ -357,17 +357,6 @@ TEST_F(LinkCommands, take_no_measurement_outside_a_request_for_one) {
     SendUnanswered(peer, Frame(999));
 }
 
-TEST_F(LinkCommands, take_no_measurement_on_a_link_that_was_made_again) {
-    {
-        const RawConnection peer = Connect();
-        EXPECT_EQ(BehindStamp(Ask(peer, Frame(30100))), Text("Chlorine Analyzer"));
-    }
-    const RawConnection again = listener.Accept();
-    Measured(1.0, 1);
-    WaitFor("Data Message (MEASUREMENT_DATA_MESSAGE) : From -  : To - TestInterface");
-    SendUnanswered(again, Frame(999));
-}
-
 // A period that ends in another state asks for a measurement too; its result is not taken there.
 TEST_F(LinkCommands, take_no_measurement_outside_the_test_state) {
     const RawConnection peer = Connect();
