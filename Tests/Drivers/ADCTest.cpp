@@ -2,7 +2,9 @@
 
 #include <cerrno>
 
+#include "Drivers/DeviceFile.h"
 #include "Tests/Drivers/DriverTest.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 namespace {
 
@@ -158,4 +160,20 @@ TEST_F(OnChip, no_read_leaves_a_file_open) {
     float voltage = 0.0F;
     m_adc.ReadVoltage(voltage);
     EXPECT_EQ(OpenFiles(), files);
+}
+
+TEST(DeviceFile, reads_a_file_to_its_last_byte) {
+    const TemporaryFolder folder;
+    std::string text = "before";
+    EXPECT_TRUE(DeviceFile::ReadText(folder.Write("one", "7"), text));
+    EXPECT_EQ(text, "7");
+    EXPECT_TRUE(DeviceFile::ReadText(folder.Write("none", ""), text));
+    EXPECT_EQ(text, "");
+}
+
+TEST(DeviceFile, opens_a_directory_and_no_file_as_one) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(DeviceFile::DirectoryOpens(folder.Path()));
+    EXPECT_FALSE(DeviceFile::DirectoryOpens(folder.Write("file", "7")));
+    EXPECT_FALSE(DeviceFile::DirectoryOpens(folder / "nothing"));
 }
