@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -217,5 +218,20 @@ TEST(SDCardWatch, has_a_handler_called_for_the_signal_that_it_asked_for) {
     raise(SIGRTMIN + 1);
     EXPECT_EQ(deviceSignals, 1);
     EXPECT_TRUE(card.WatchDeviceDirectory(CountDeviceSignal)) << "a further call replaces the first";
+    signal(SIGRTMIN + 1, SIG_DFL);
+}
+
+TEST(SDCardWatch, holds_one_file_until_the_end_of_the_card) {
+    const auto openFiles = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = openFiles();
+    {
+        SDCard card;
+        card.SetMountPath("/nonexistent");
+        for (int call = 0; call < 2; ++call) {
+            EXPECT_TRUE(card.WatchDeviceDirectory(CountDeviceSignal));
+            EXPECT_EQ(openFiles(), before + 1);
+        }
+    }
+    EXPECT_EQ(openFiles(), before);
     signal(SIGRTMIN + 1, SIG_DFL);
 }
