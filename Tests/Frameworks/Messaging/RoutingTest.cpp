@@ -193,6 +193,8 @@ TEST_F(Routing, every_message_leaves_one_line_of_trace_at_its_receiver) {
     status->SetDestination(&logger);
     MessageBase::Send(std::move(status));
     logger.WaitForNote("Data Message (MEASUREMENT_STATUS_MESSAGE) : From - One : To - Logger");
+    one.ReceiveMessage(Command(MOVE_TO_IDLE, &logger, &one));
+    logger.WaitForNote("Command Message (MOVE_TO_IDLE) : From - Logger : To - One");
     one.SendCommand(COLLECT_MEASUREMENT);
     logger.WaitForNote("Sending Command - COLLECT_MEASUREMENT");
     one.SetState(IDLE_STATE);
