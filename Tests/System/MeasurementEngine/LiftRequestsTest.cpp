@@ -1,5 +1,6 @@
 #include "System/MeasurementEngine/LiftRequests.h"
 
+#include <cerrno>
 #include <fstream>
 
 #include "Drivers/GpioPin.h"
@@ -287,6 +288,13 @@ TEST_F(LiftPwm, a_channel_that_the_board_does_not_have_is_answered_and_takes_a_s
         EXPECT_EQ(SetPwm(channel, 0, "on"), "on");
         EXPECT_THAT(Board().Seconds() - began, IsWaitOf(1.0));
     }
+    EXPECT_EQ(Board().Trace(), Texts{});
+    EXPECT_EQ(LogLines(), Texts{});
+}
+
+TEST_F(LiftPwm, no_channel_is_made_if_their_count_cannot_be_read) {
+    EXPECT_TRUE(Board().FailCall("open", 1, EACCES));
+    EXPECT_EQ(SetPwm(0, 0, "on"), "on");
     EXPECT_EQ(Board().Trace(), Texts{});
     EXPECT_EQ(LogLines(), Texts{});
 }

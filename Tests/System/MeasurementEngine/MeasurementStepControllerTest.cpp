@@ -1,6 +1,7 @@
 #include "System/MeasurementEngine/MeasurementStepController.h"
 
 #include <cmath>
+#include <functional>
 
 #include "Drivers/SpiDevice.h"
 #include "System/MeasurementEngine/MeasurementLEDController.h"
@@ -170,6 +171,23 @@ TEST_F(StepController, without_the_emitters_values_the_emitter_is_refused) {
     controller.SetEmitterFrequency(-1.0);
     EXPECT_FALSE(controller.InitializeSystems());
     controller.SetEmitterFrequency(0.0);
+    EXPECT_EQ(LogLines(), (Texts{text, text, text}));
+}
+
+TEST_F(StepController, the_emitters_values_are_missing_until_each_is_set) {
+    const auto setChannel = [](MeasurementStepController& made) { made.SetEmitterChannel(0); };
+    const auto setFrequency = [](MeasurementStepController& made) { made.SetEmitterFrequency(1000.0); };
+    const auto setDutyCycle = [](MeasurementStepController& made) { made.SetEmitterDutyCycle(40.0); };
+    using Setter = std::function<void(MeasurementStepController&)>;
+    for (const auto& [first, second] : {std::pair<Setter, Setter>{setChannel, setFrequency},
+                                        {setChannel, setDutyCycle},
+                                        {setFrequency, setDutyCycle}}) {
+        MeasurementStepController another;
+        first(another);
+        second(another);
+        EXPECT_FALSE(another.InitializeSystems());
+    }
+    const std::string text = ClassName + "InitializeEmitterSystem  initial values not set";
     EXPECT_EQ(LogLines(), (Texts{text, text, text}));
 }
 
