@@ -84,11 +84,16 @@ TEST(ThreadBase, reports_a_thread_that_the_system_refuses) {
     thread.ReleaseThread();
 }
 
-TEST(ThreadBase, a_released_thread_is_joined_by_none) {
+TEST(ThreadBase, a_released_thread_is_detached) {
     static WaitingThread thread;  // until after its last instruction
     ASSERT_TRUE(thread.CreateThread());
     thread.ReleaseThread();
-    EXPECT_EQ(pthread_join(thread.GetThreadId(), nullptr), EINVAL);
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_getattr_np(thread.GetThreadId(), &attributes), 0);
+    int state = PTHREAD_CREATE_JOINABLE;
+    EXPECT_EQ(pthread_attr_getdetachstate(&attributes, &state), 0);
+    EXPECT_EQ(state, PTHREAD_CREATE_DETACHED);
+    pthread_attr_destroy(&attributes);
     thread.mayEnd = true;
     while (!thread.hasEnded) {
         sched_yield();
