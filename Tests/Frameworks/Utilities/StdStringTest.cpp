@@ -58,6 +58,8 @@ TEST(StdString, ReverseFind_searches_from_the_end_or_from_a_start) {
     const StdString text("abcabc");
     EXPECT_EQ(text.ReverseFind("bc"), 4);
     EXPECT_EQ(text.ReverseFind('b', 3), 1);
+    EXPECT_EQ(text.ReverseFind('b', 0), -1);
+    EXPECT_EQ(text.ReverseFind("ab", 0), 0);
     EXPECT_EQ(text.ReverseFind("x"), -1);
 }
 
@@ -114,6 +116,7 @@ TEST(StdString, Remove_Insert_and_Delete_keep_within_the_text) {
     EXPECT_EQ(Changed("ab", [](StdString& text) { text.Insert(99, "cd"); }), "abcd");
     EXPECT_EQ(Changed("abcd", [](StdString& text) { text.Delete(1, 2); }), "ad");
     EXPECT_EQ(Changed("abcd", [](StdString& text) { text.Delete(1, 99); }), "a");
+    EXPECT_EQ(Changed("abcd", [](StdString& text) { text.Delete(0, 3); }), "d");
     EXPECT_EQ(Changed("abcd", [](StdString& text) { text.Delete(4, 1); }), "abcd");
     EXPECT_EQ(Changed("abcd", [](StdString& text) { text.Delete(-1, 1); }), "abcd");
 }
