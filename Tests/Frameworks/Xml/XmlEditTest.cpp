@@ -361,6 +361,16 @@ TEST_F(XmlEdit, a_released_record_forgets_its_long_tags) {
     EXPECT_EQ(Text(), "<r>\n<x>1</x>\n</r>");
 }
 
+TEST_F(XmlEdit, data_leaves_out_a_child_in_the_place_of_the_first_element) {
+    m_document.SetDocumentText("<a/><b>1</b>");
+    ASSERT_TRUE(m_document.FindElement("a"));
+    ASSERT_TRUE(m_document.RemoveElement());
+    ASSERT_TRUE(m_document.FindElement("b"));
+    ASSERT_TRUE(m_document.AddElement("x", "2", XmlDocument::ChildFlag | XmlDocument::NoLineFeedFlag));
+    EXPECT_EQ(m_document.GetTagName(), "b");
+    EXPECT_EQ(m_document.GetData(), "1");
+}
+
 TEST_F(XmlEdit, data_joins_text_and_sections_and_leaves_out_the_children) {
     Inside("<r><a>1<b>no</b>&amp;<!-- no --><![CDATA[<&amp;>]]>2</a></r>");
     m_document.FindElement("a");
