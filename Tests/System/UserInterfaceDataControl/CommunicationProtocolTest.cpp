@@ -145,6 +145,12 @@ TEST_F(FrontEndProtocol, date_is_local) {
     EXPECT_EQ(DateFrame(SomeMarchDay), "DateValue~@Tuesday March 05,05:14:07 am\n`");
 }
 
+TEST_F(FrontEndProtocol, date_follows_a_change_of_the_time_zone) {
+    const TimeZone utc("UTC0");
+    setenv("TZ", "EAST-3", 1);
+    EXPECT_EQ(DateFrame(SomeMarchDay), "DateValue~@Tuesday March 05,05:14:07 am\n`");
+}
+
 TEST_F(FrontEndProtocol, marks_within_a_status_go_out_as_they_are) {
     protocol.SetInstrumentStatus("a~b;c`d%se");
     EXPECT_EQ(protocol.Serialize(), "InstrumentStatus~a~b;c`d%se`");
