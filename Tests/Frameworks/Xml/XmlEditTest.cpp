@@ -367,6 +367,7 @@ TEST_F(XmlEdit, data_leaves_out_a_child_in_the_place_of_the_first_element) {
     ASSERT_TRUE(m_document.RemoveElement());
     ASSERT_TRUE(m_document.FindElement("b"));
     ASSERT_TRUE(m_document.AddElement("x", "2", XmlDocument::ChildFlag | XmlDocument::NoLineFeedFlag));
+    ASSERT_TRUE(m_document.OutOfElement());
     EXPECT_EQ(m_document.GetTagName(), "b");
     EXPECT_EQ(m_document.GetData(), "1");
 }
