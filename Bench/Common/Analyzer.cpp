@@ -68,6 +68,7 @@ void MakeExact() {
     }
     const std::vector<std::string> entries = MakeEnvironment(launch);
     std::vector<char*> environment;
+    environment.reserve(entries.size() + 1);
     for (const std::string& entry : entries) {
         environment.push_back(const_cast<char*>(entry.c_str()));
     }

@@ -12,9 +12,9 @@ namespace Bench::Simulation {
 namespace {
 
 // One that checks for errors refuses a second lock by its owner. glibc keeps kind and owner here.
-bool IsOwnCheckedMutex(const pthread_mutex_t& mutex) {
+bool IsOwnCheckedMutex(const pthread_mutex_t* mutex) {
     constexpr int KindBits = 3;
-    return (mutex.__data.__kind & KindBits) == PTHREAD_MUTEX_ERRORCHECK_NP && mutex.__data.__owner == gettid();
+    return (mutex->__data.__kind & KindBits) == PTHREAD_MUTEX_ERRORCHECK_NP && mutex->__data.__owner == gettid();
 }
 
 int TimedLock(pthread_mutex_t* mutex, clockid_t clock, const timespec* until) {
@@ -30,7 +30,7 @@ int LockMutex(pthread_mutex_t* mutex, clockid_t clock, const timespec* until) {
         if (error != EBUSY) {
             return error;
         }
-        if (IsOwnCheckedMutex(*mutex)) {
+        if (IsOwnCheckedMutex(mutex)) {
             return EDEADLK;
         }
         const std::int64_t deadline = until == nullptr ? Scheduler::Forever : MomentOf(clock, *until);

@@ -22,7 +22,8 @@ void Scheduler::End(int thread) {
     m_ready -= Of(thread).wait == Wait::None ? 1 : 0;
     Of(thread) = Thread{};
     const auto end = m_numbers.begin() + m_living;
-    std::remove(m_numbers.begin(), end, thread);
+    const auto place = std::find(m_numbers.begin(), end, thread);
+    std::copy(place + 1, end, place);
     --m_living;
 }
 

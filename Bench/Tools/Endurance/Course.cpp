@@ -131,10 +131,11 @@ Course DrawCourse(std::uint32_t seed, const std::string& policy, double minutes)
 std::string WriteCourse(const Course& course) {
     std::string text = Format("seed %u\npolicy %s\nminutes %g\n", course.seed, course.policy.c_str(), course.minutes);
     for (const auto& [name, value] : course.settings) {
-        text += "set " + name + " " + value + "\n";
+        text += Format("set %s %s\n", name.c_str(), value.c_str());
     }
     for (const SoakEvent& event : course.events) {
-        text += event.Describe() + "\n";
+        text += event.Describe();
+        text += '\n';
     }
     return text;
 }
