@@ -59,7 +59,9 @@ struct TimeSource {
 void SetTimeSource(const TimeSource* source);  // null: the machine. No thread may be in a hook.
 const TimeSource* Simulated();                 // null: the calling thread runs on the machine's time
 
-// Waits until a futex word of any process differs, or for that many real nanoseconds. 0, ETIMEDOUT or EINTR.
+// Waits until a futex word of any process differs, or for that many real nanoseconds, in exact time simulated ones. 0,
+// ETIMEDOUT or EINTR.
+constexpr std::int64_t WithoutEnd = INT64_MAX;  // in exact time alone
 int FutexWait(const std::atomic<std::uint32_t>& word, std::uint32_t expected, std::int64_t realNanoSeconds);
 void FutexWakeAll(const std::atomic<std::uint32_t>& word);
 

@@ -78,8 +78,8 @@ bool IsNonBlocking(const BoardFile& socket, int flags) {
 }
 
 std::int64_t UntilNext(const Wire& wire, std::int64_t now) {
-    constexpr std::int64_t Forever = 1000000 * NanoSecondsPerSecond;
-    return wire.firstDelivery == wire.deliveries ? Forever : wire.inbound[wire.firstDelivery % DeliveriesKept].at - now;
+    return wire.firstDelivery == wire.deliveries ? WithoutEnd
+                                                 : wire.inbound[wire.firstDelivery % DeliveriesKept].at - now;
 }
 
 // As the kernel: the peer's end of the connection shows with the second piece, since it answers the first with a reset.
@@ -220,10 +220,7 @@ bool Board::Deliver(int port, int kind, std::string_view bytes, double seconds) 
     if (wire == nullptr || !wire->open || wire->deliveries - wire->firstDelivery + pieces > DeliveriesKept) {
         return false;
     }
-    std::int64_t at = MonotonicNow(state->clock) + static_cast<std::int64_t>(seconds * 1e9);
-    if (wire->firstDelivery != wire->deliveries) {  // none overtakes another
-        at = std::max(at, wire->inbound[(wire->deliveries - 1) % DeliveriesKept].at);
-    }
+    const std::int64_t at = MonotonicNow(state->clock) + static_cast<std::int64_t>(seconds * 1e9);
     for (std::size_t i = 0; i < pieces; ++i, ++wire->deliveries) {
         Delivery& delivery = wire->inbound[wire->deliveries % DeliveriesKept];
         const std::string_view piece = bytes.substr(std::min(bytes.size(), i * DeliverySize), DeliverySize);

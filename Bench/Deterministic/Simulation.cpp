@@ -271,7 +271,8 @@ int WaitForWord(const std::atomic<std::uint32_t>& word, std::uint32_t expected, 
     if (word.load() != expected) {
         return 0;
     }
-    return Block(Wait::Word, &word, Now() + nanoSeconds) ? 0 : ETIMEDOUT;
+    const std::int64_t deadline = nanoSeconds == WithoutEnd ? Scheduler::Forever : Now() + nanoSeconds;
+    return Block(Wait::Word, &word, deadline) ? 0 : ETIMEDOUT;
 }
 
 constexpr TimeSource Source{Runs, WaitForWord, WakeWord, [] { Point(Event::Device); }, Unwatched::Set};

@@ -149,7 +149,7 @@ TEST_F(ConditionInExactTime, refuses_a_mutex_that_another_thread_has) {
 }
 #endif
 
-// A loop of waits whose moment has passed must not keep others from the mutex for ever.
+// A loop of waits whose moment has passed must not keep others from the mutex.
 TEST_F(ConditionInExactTime, lets_others_have_the_mutex_if_the_moment_has_passed) {
     pthread_mutex_lock(&mutex);
     bool met = false;
