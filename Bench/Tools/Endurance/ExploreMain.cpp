@@ -57,17 +57,32 @@ CommandLine ExploreCommandLine(Options& options) {
         if (!options.policy.empty() && !Policy::Read(options.policy, 0, error)) {
             return "--policy: " + error;
         }
+        if (!options.course.empty() && (options.seed || !options.policy.empty())) {
+            return "--course: not together with --seed or --policy, which the file gives";
+        }
         const bool single = options.seed || !options.course.empty();
         return options.trace.empty() || single ? "" : "--trace: only with --seed or --course";
     });
     return line;
 }
 
+std::string FolderOf(const Options& options) {
+    return options.bench.empty() ? PlacesOfBuild("explore").bench : options.bench;
+}
+
 Places PlacesOf(const Options& options, std::uint32_t job) {
     Places places = PlacesOfBuild("explore");
     places.program = options.program.empty() ? places.program : options.program;
-    places.bench = (options.bench.empty() ? places.bench : options.bench) + "/" + std::to_string(job);
+    places.bench = FolderOf(options) + "/" + std::to_string(job);
     return places;
+}
+
+// The file with the course, for a replay.
+std::string Keep(const Course& course, const std::string& folder) {
+    const std::string path = folder + "/seed-" + std::to_string(course.seed) + ".course";
+    std::ofstream file(path);
+    file << WriteCourse(course);
+    return file.flush() ? path : path + " (which could not be written)";
 }
 
 std::string Describe(const Course& course, const Finding& finding, const std::string& file) {
@@ -121,11 +136,7 @@ void RunJob(const Options& options, std::uint32_t job, int pipe) {
         std::string text;
         if (const std::optional<Finding> finding = explorer.Run(course)) {
             course = explorer.Shorten(course, *finding, RunsToShorten);
-            const std::string folder = options.bench.empty() ? "build/explore" : options.bench;
-            const std::string file = folder + "/seed-" + std::to_string(course.seed) + ".course";
-            std::ofstream(PlacesOf(options, 0).bench + "/../seed-" + std::to_string(course.seed) + ".course")
-                << WriteCourse(course);
-            text = Describe(course, *finding, file);
+            text = Describe(course, *finding, Keep(course, FolderOf(options)));
         }
         const std::string line = Format("%.0f ", explorer.Seconds() - before) + text + "\n";
         if (write(pipe, line.data(), line.size()) < 0) {

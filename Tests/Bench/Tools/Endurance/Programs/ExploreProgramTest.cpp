@@ -41,6 +41,7 @@ TEST_F(ExploreProgram, refuses_wrong_arguments) {
                   "--policy: unknown policy \"best\" (random, sticky, priority, until-blocked or stalls)");
     ExpectRefusal("--trace file", "--trace: only with --seed or --course");
     ExpectRefusal(Course("7 jump\n"), m_folder / "course" + ": line 1: unknown event \"jump\"");
+    ExpectRefusal("--course c --seed 1", "--course: not together with --seed or --policy, which the file gives");
     ExpectRefusal("--course /nowhere/course", "/nowhere/course: can't read it");
     ExpectRefusal("--seed 1 --trace /nowhere/trace", "--trace: can't write /nowhere/trace");
 }
