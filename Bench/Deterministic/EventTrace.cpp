@@ -32,11 +32,7 @@ constexpr const char* EventNames[] = {"create",
                                       "block",
                                       "stall",
                                       "fork",
-                                      "kill",
-                                      "connect",
-                                      "send",
-                                      "receive",
-                                      "close"};
+                                      "kill"};
 
 }  // namespace
 

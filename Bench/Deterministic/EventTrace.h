@@ -29,11 +29,7 @@ enum class Event : std::uint8_t {
     Block,
     Stall,
     Fork,
-    Kill,
-    Connect,
-    Send,
-    Receive,
-    Close
+    Kill
 };
 
 class EventTrace {
@@ -52,10 +48,10 @@ public:
 
     std::uint64_t Hash() const { return m_hash; }
     std::uint64_t Count() const { return m_count; }
-    std::uint32_t Beat() const {
-        return m_beat.load(std::memory_order_relaxed);
-    }                                                        // changes with each event; any thread
-    void Continue(std::uint64_t hash, std::uint64_t count);  // from where an earlier process of the run ended
+    // Changes with each event. Any thread.
+    std::uint32_t Beat() const { return m_beat.load(std::memory_order_relaxed); }
+    // Goes on from where an earlier process of the run ended.
+    void Continue(std::uint64_t hash, std::uint64_t count);
 
 private:
     void AddLine(Event event, std::int64_t now, std::int64_t thread, std::int64_t result);

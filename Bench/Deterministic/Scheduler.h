@@ -11,10 +11,9 @@
 
 namespace Bench {
 
-enum class Wait : std::uint8_t { None, Mutex, Semaphore, Condition, Futex, Word, Thread, Stall, Peer };
+enum class Wait : std::uint8_t { None, Mutex, Semaphore, Condition, Futex, Word, Thread, Stall };
 
-constexpr const char* WaitNames[] = {"ready", "mutex",  "semaphore", "condition", "futex",
-                                     "word",  "thread", "stall",     "peer"};
+constexpr const char* WaitNames[] = {"ready", "mutex", "semaphore", "condition", "futex", "word", "thread", "stall"};
 
 class Scheduler {
 public:

@@ -122,7 +122,7 @@ TEST_F(TraceFile, of_a_later_process_of_the_run_is_the_same_one) {
 
 TEST_F(TraceFile, names_each_event) {
     ASSERT_TRUE(trace.Open(Path().c_str(), 1, 100));
-    constexpr int Events = static_cast<int>(Event::Close) + 1;
+    constexpr int Events = static_cast<int>(Event::Kill) + 1;
     for (int i = 0; i < Events; ++i) {
         trace.Add(static_cast<Event>(i), 0, 0, 0);
     }
@@ -134,7 +134,7 @@ TEST_F(TraceFile, names_each_event) {
         names.insert(name);
     }
     EXPECT_EQ(names.size(), static_cast<std::size_t>(Events));
-    EXPECT_TRUE(names.count("create") == 1 && names.count("close") == 1);
+    EXPECT_TRUE(names.count("create") == 1 && names.count("kill") == 1);
 }
 
 TEST_F(TraceFile, keeps_all_lines_of_a_long_window) {
